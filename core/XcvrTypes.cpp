@@ -1,0 +1,46 @@
+#include <Vel/Define.h>
+#include <Xcvr/XcvrTypes.h>
+
+namespace Xcvr {
+
+VEL_ENUM_DEFINE( XcvrType )
+VEL_ENUM_DEFINE( XcvrPresence )
+VEL_ENUM_DEFINE( DomCalibration )
+VEL_ENUM_DEFINE( SensorCategory )
+VEL_ENUM_DEFINE( SerdesSpeed )
+VEL_ENUM_DEFINE( LaserWavelengthPrecision )
+VEL_ENUM_DEFINE( ElectricalInterface )
+VEL_ENUM_DEFINE( PowerClass )
+VEL_ENUM_DEFINE( XcvrSwappability )
+VEL_ENUM_DEFINE( TuningType )
+VEL_ENUM_DEFINE( MediaType )
+VEL_MEMBER_ENUM_DEFINE( XcvrState, Reason )
+
+VEL_VALUE_DEFINE( ChannelId )
+VEL_VALUE_DEFINE( LaneId )
+VEL_VALUE_DEFINE( ChannelDesc )
+VEL_VALUE_DEFINE( VendorInfo )
+VEL_VALUE_DEFINE( XcvrState )
+VEL_VALUE_DEFINE( XcvrManagerCapabilities )
+VEL_VALUE_DEFINE( Capabilities )
+VEL_VALUE_DEFINE( EepromDescriptor )
+VEL_VALUE_DEFINE( DomInfo )
+VEL_VALUE_DEFINE( DomAggPower )
+VEL_VALUE_DEFINE( DomCapabilities )
+VEL_VALUE_DEFINE( DomThreshold )
+VEL_VALUE_DEFINE( EnhancedDomCapabilities )
+VEL_VALUE_DEFINE( EnhancedDomSensorCategory )
+VEL_VALUE_DEFINE( EnhancedDomThreshold )
+VEL_VALUE_DEFINE( XcvrEventStats )
+VEL_VALUE_DEFINE( LaneEventStats )
+VEL_VALUE_DEFINE( GridSpacingCapabilities )
+VEL_VALUE_DEFINE( TuningCapabilities )
+VEL_VALUE_DEFINE( TuningParamCapabilities )
+VEL_VALUE_DEFINE( ItuTuningConfig )
+VEL_VALUE_DEFINE( HwTuningConfig )
+VEL_VALUE_DEFINE( ResolvedTuningStatus )
+VEL_VALUE_DEFINE( TuningValue )
+VEL_VALUE_DEFINE( LaneTuningParameter )
+VEL_VALUE_DEFINE( PerformanceMonitoringPeriodConfig )
+
+} // namespace Xcvr

@@ -1,0 +1,36 @@
+#include <Vel/AttrLogCodec.h>
+
+#include <algorithm>
+
+namespace Vel {
+
+NboAttrLog::NboAttrLog( std::string_view bytes ) {
+   if ( !bytes.empty() ) {
+      std::memcpy( append( bytes.size() ), bytes.data(), bytes.size() );
+   }
+}
+
+void NboAttrLog::grow( std::size_t count ) {
+   std::size_t const capacity = std::max( { size_ + count, 2 * capacity_, std::size_t( 256 ) } );
+   std::unique_ptr<uint8_t[]> wider( new uint8_t[capacity] );
+   if ( size_ ) {
+      std::memcpy( wider.get(), bytes_.get(), size_ );
+   }
+   bytes_ = std::move( wider );
+   capacity_ = capacity;
+}
+
+namespace Internal {
+
+void LogCursor::fail( std::string_view problem ) const {
+   throw AttrLogException( static_cast<std::size_t>( at - begin ), problem );
+}
+
+void LogCursor::truncated( std::size_t needed ) const {
+   fail( "truncated: " + std::to_string( needed ) + " bytes needed, " +
+         std::to_string( static_cast<std::size_t>( end - at ) ) + " left" );
+}
+
+} // namespace Internal
+
+} // namespace Vel

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <Vel/Define.h>
+#include <Vel/Entity.h>
+
+namespace Vel::Internal {
+
+// What an attribute holds, as text: for an entity its full name, for a collection its contents.
+
+template <typename T>
+String attrText( T const & value );
+
+inline String attrText( Entity const * entity ) {
+   return entity ? stringForm( entity->fullName() ) : String( "None" );
+}
+template <typename T>
+String attrText( Ptr<T> const & entity ) {
+   return attrText( static_cast<Entity const *>( entity.get() ) );
+}
+
+template <typename T>
+String attrText( T const & value ) {
+   if constexpr ( std::is_pointer_v<T> ) {
+      return attrText( static_cast<Entity const *>( value ) );
+   } else if constexpr ( requires( Entity const * e ) { e = value.begin()->second.get(); } ) {
+      String text = "[";
+      for ( auto const & entry : value ) {
+         text += text.size() > 1 ? ", " : "";
+         text += attrText( entry.second );
+      }
+      return text += "]";
+   } else {
+      return stringForm( value );
+   }
+}
+
+/// The entity that an attribute's contents hold under that name.
+template <typename T>
+Ptr<Entity const> heldBy( T const & contents, Name const & name ) {
+   if constexpr ( requires { contents.get(); } ) {
+      return Ptr<Entity const>( contents.get() );
+   } else {
+      for ( auto const & entry : contents ) {
+         if ( entry.second->name() == name ) {
+            return Ptr<Entity const>( entry.second.get() );
+         }
+      }
+      return nullptr;
+   }
+}
+
+/// Collects the rows of entity type T into its attribute table.
+template <typename T, std::size_t N>
+struct AttrTableBuilder {
+   template <AttrKind kind, typename Key, typename Type, typename Getter>
+   constexpr void attribute( char const * name, Getter ) {
+      constexpr bool holds = kind >= AttrKind::children && kind <= AttrKind::child;
+      AttrInfo & row = table[count++];
+      row.name = name;
+      row.kind = kind;
+      row.typeName = typeName<Type>();
+      if constexpr ( !std::is_void_v<Key> ) {
+         row.keyTypeName = typeName<Key>();
+      }
+      row.text = []( Entity const & e ) {
+         return String( attrText( Getter{}( static_cast<T const &>( e ) ) ) );
+      };
+      if constexpr ( holds ) {
+         row.held = []( Entity const & e, Name const & key ) -> Ptr<Entity const> {
+            return heldBy( Getter{}( static_cast<T const &>( e ) ), key );
+         };
+      }
+   }
+   std::array<AttrInfo, N> table{};
+   std::size_t count = 0;
+};
+
+template <typename T>
+inline constexpr auto attributeTable = [] {
+   AttrTableBuilder<T, T::velOwnAttributes()> builder;
+   T::velAttributes( builder );
+   return builder.table;
+}();
+
+/// A type's factory as the registry keeps it; null for a type without one.
+template <auto... factory>
+inline constexpr Ptr<Entity> ( *entityFactory )( Name ) = nullptr;
+template <auto factory>
+inline constexpr Ptr<Entity> ( *entityFactory<factory> )( Name ) =
+   []( Name name ) { return Ptr<Entity>( factory( std::move( name ) ) ); };
+
+} // namespace Vel::Internal
+
+/// Once for each entity type, in its namespace. With the name of a factory, declared in the header
+/// as `Vel::Ptr< T > tFactory( Vel::Name name )`, it defines that too, and a directory can make the
+/// type.
+#define VEL_ENTITY_DEFINE( T, ... )                                                                \
+   __VA_OPT__( Vel::Ptr<T> __VA_ARGS__( Vel::Name name ) {                                         \
+      return Vel::Ptr<T>( new T( std::move( name ) ) );                                            \
+   } )                                                                                             \
+   Vel::EntityModel const & T::velModel() const {                                                  \
+      return velTypeModel();                                                                       \
+   }                                                                                               \
+   Vel::EntityModel const & T::velTypeModel() {                                                    \
+      static Vel::EntityModel const model{                                                         \
+         Vel::typeName<T>(), &VelBase::velTypeModel(), Vel::Internal::attributeTable<T>.data(),    \
+         Vel::Internal::attributeTable<T>.size(), Vel::Internal::entityFactory<__VA_ARGS__> };     \
+      return model;                                                                                \
+   }                                                                                               \
+   static Vel::TypeRegistration const VEL_UNIQUE_( velRegistered )( T::velTypeModel() );

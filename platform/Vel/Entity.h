@@ -1,0 +1,523 @@
+#pragma once
+
+#include <Vel/ForEach.h>
+#include <Vel/HashMap.h>
+#include <Vel/Notifiee.h>
+#include <Vel/Ptr.h>
+#include <Vel/String.h>
+#include <Vel/TypeRegistry.h>
+#include <Vel/Types.h>
+
+#include <map>
+
+namespace Vel {
+
+template <typename Held>
+class Owned;
+
+template <typename K, typename V>
+using OrderedMap = std::map<K, V>;
+
+/// An object with identity: named, held through `Ptr`, observed, part of a tree whose parents own
+/// their children. A type derived from it lists its attributes with VEL_ENTITY.
+class VEL_API Entity : public PtrInterface {
+ public:
+   class NotifieeConst;
+   class Notifiee;
+   // Every attribute has a number: those of the base first, then its own in order.
+   enum : uint16_t {
+      nameAttr,
+      fullNameAttr,
+      parentAttr,
+      parentAttrNameAttr,
+      entityAttr,
+      velAttrEnd
+   };
+
+   explicit Entity( Name name ) : name_( std::move( name ) ) {}
+   ~Entity() override;
+
+   [[nodiscard]] Name const & name() const { return name_; }
+   /// The names from the root down, such as "hardware/xcvr/xgc". An entity that its parent holds in
+   /// an attribute has that attribute's name before its own, "slot1/laneStatus/3", unless it is the
+   /// same.
+   [[nodiscard]] Name fullName() const;
+   /// The entity that owns this one; null for a root.
+   [[nodiscard]] Entity * parent() { return parent_; }
+   [[nodiscard]] Entity const * parent() const { return parent_; }
+   /// The attribute in which the parent holds this one; empty for a root and for the entry of a
+   /// `Dir`.
+   [[nodiscard]] Name const & parentAttrName() const { return parentAttrName_; }
+   /// The entity of that path below this one, "laneStatus/3" or, in a directory, "xcvr/xgc"; an
+   /// empty path is the entity itself. Null when there is none.
+   [[nodiscard]] Ptr<Entity const> entity( Name const & path ) const;
+   [[nodiscard]] Ptr<Entity> entity( Name const & path );
+
+   /// Gives an entity that comes back from a saved state its name; observers are not told.
+   void nameIsFromBackup( Name name ) { name_ = std::move( name ); }
+
+   /// The entity's type with its attributes, for reflection.
+   [[nodiscard]] virtual EntityModel const & velModel() const;
+   [[nodiscard]] static EntityModel const & velTypeModel();
+
+ protected:
+   /// The handlers of one collection: for one entry and for the collection as a whole.
+   template <typename N, typename K>
+   struct KeyedHandlers {
+      uint16_t id;
+      void ( N::*one )( In<K> );
+      void ( N::*whole )();
+   };
+
+   [[nodiscard]] bool velObserved() const { return !observers_.empty(); }
+   template <typename N>
+   void velTell( uint16_t id, void ( N::*handler )() ) const {
+      velDeliver( id, static_cast<void ( NotifieeBase::* )()>( handler ) );
+   }
+   template <typename N, typename K>
+   void velTellOne( KeyedHandlers<N, K> const & handlers, K const & key ) const {
+      observers_.deliver( handlers.id, [&]( NotifieeBase * observer ) {
+         ( static_cast<N *>( observer )->*handlers.one )( key );
+      } );
+   }
+   template <typename N, typename K>
+   void velTellEntry( KeyedHandlers<N, K> const & handlers, K const & key ) const {
+      if ( velObserved() ) [[unlikely]] {
+         Hold const hold( *this );
+         K const told = key; // a handler may destroy what `key` refers to
+         velTellOne( handlers, told );
+         velTell( handlers.id, handlers.whole );
+      }
+   }
+
+   // The operations of the collection attributes; `Map` is a HashMap or an OrderedMap.
+   template <typename Map, typename K>
+   [[nodiscard]] static typename Map::mapped_type velEntry( Map const & map, K const & key ) {
+      auto const found = map.find( key );
+      return found != map.end() ? found->second : typename Map::mapped_type{};
+   }
+   template <typename Map, typename Handlers>
+   void velEntryIs( Map & map, typename Map::key_type const & key,
+                    typename Map::mapped_type const & value, Handlers const & handlers ) {
+      auto const found = map.find( key );
+      if ( found == map.end() ) {
+         map.emplace( key, value );
+      } else if ( found->second == value ) {
+         return;
+      } else {
+         found->second = value;
+      }
+      velTellEntry( handlers, key );
+   }
+   template <typename Map, typename Handlers>
+   void velEntryDel( Map & map, typename Map::key_type const & key, Handlers const & handlers ) {
+      auto const found = map.find( key );
+      if ( found == map.end() ) {
+         return;
+      }
+      typename Map::key_type const told = key; // `key` may be part of the entry
+      auto const removed = std::move( found->second );
+      map.erase( found );
+      velOrphan( removed, &map );
+      velTellEntry( handlers, told );
+   }
+   template <typename Map, typename Handlers>
+   void velEntryDelAll( Map & map, Handlers const & handlers ) {
+      if ( map.empty() ) {
+         return;
+      }
+      auto const removed = velTaken( map );
+      for ( auto const & entry : removed ) {
+         velOrphan( entry.second, &map );
+      }
+      if ( velObserved() ) {
+         Hold const hold( *this );
+         for ( auto const & entry : removed ) {
+            velTellOne( handlers, entry.first );
+         }
+         velTell( handlers.id, handlers.whole );
+      }
+   }
+   template <typename Child, typename Map, typename Handlers>
+   Ptr<Child> velChildIs( Map & map, typename Map::key_type const & key, char const * attribute,
+                          Handlers const & handlers ) {
+      auto const found = map.find( key );
+      if ( found != map.end() ) {
+         return found->second;
+      }
+      Ptr<Child> const child( new Child( key ) );
+      velAdopt( *child, attribute, &map );
+      map.emplace( key, child );
+      velTellEntry( handlers, key );
+      return child;
+   }
+   /// Holds an entity under its own name. `attribute` is null for entities that live elsewhere.
+   template <typename T, typename Map, typename Handlers>
+   void velPointerIs( Map & map, Ptr<T> const & pointer, char const * attribute,
+                      Handlers const & handlers ) {
+      Ptr<T> const added = pointer; // the caller's own may go before the end
+      auto const found = map.find( added->name() );
+      Ptr<T> replaced;
+      if ( found == map.end() ) {
+         map.emplace( added->name(), added );
+      } else if ( found->second == added ) {
+         return;
+      } else {
+         replaced = std::exchange( found->second, added );
+      }
+      if constexpr ( !std::is_const_v<T> ) {
+         if ( attribute ) {
+            if ( replaced ) {
+               velOrphan( replaced, &map );
+            }
+            velAdopt( *added, attribute, &map );
+         }
+      }
+      velTellEntry( handlers, Name( added->name() ) );
+   }
+   [[noreturn]] static void velNullRefused( std::string_view typeName, std::string_view attribute );
+
+   void velAdopt( Entity & child, Name const & attribute, void const * home ) {
+      child.parent_ = this;
+      child.parentAttrName_ = attribute;
+      child.home_ = home;
+   }
+   /// Ends the parenthood of what has left the attribute `home`, unless it has found another
+   /// parent. Nothing for values and for entities that live elsewhere.
+   template <typename V>
+   static void velOrphan( V const & left, void const * home ) {
+      if constexpr ( requires( Entity * e ) { e = left.get(); } ) {
+         if ( left && left->home_ == home ) {
+            left->parent_ = nullptr;
+            left->parentAttrName_ = Name();
+            left->home_ = nullptr;
+         }
+      }
+   }
+   /// The contents of an attribute, which is empty afterwards.
+   template <typename Held>
+   [[nodiscard]] static Held velTaken( Held & held ) {
+      return std::exchange( held, Held{} );
+   }
+   template <typename Held>
+   [[nodiscard]] static Held velTaken( Owned<Held> & owned ) {
+      return velTaken( static_cast<Held &>( owned ) );
+   }
+
+ private:
+   friend class NotifieeBase;
+   template <typename>
+   friend class Owned;
+
+   void velDeliver( uint16_t id, void ( NotifieeBase::*handler )() ) const;
+
+   mutable ObserverList observers_;
+   Entity * parent_ = nullptr;
+   void const * home_ = nullptr; // the parent's attribute that owns this one
+   Name name_;
+   Name parentAttrName_;
+};
+
+class Entity::NotifieeConst : public NotifieeOf<Entity const, NotifieeBase> {};
+class Entity::Notifiee : public NotifieeOf<Entity, NotifieeConst> {};
+
+/// A map of children or a single child in the entity that owns them: children that live on after
+/// their owner have no parent any more.
+template <typename Held>
+class Owned : public Held {
+ public:
+   Owned() = default;
+   Owned( Owned const & ) = delete;
+   Owned & operator=( Owned const & ) = delete;
+   using Held::operator=;
+   ~Owned() {
+      if constexpr ( requires( Held & held ) { held.get(); } ) {
+         Entity::velOrphan( static_cast<Held &>( *this ), this );
+      } else {
+         for ( auto const & entry : *this ) {
+            Entity::velOrphan( entry.second, this );
+         }
+      }
+   }
+};
+
+/// A reference attribute's hold on an entity that it does not own: an observer with no handlers,
+/// and so null once the entity is gone.
+template <typename T>
+class Ref : public NotifieeBase {
+ public:
+   [[nodiscard]] T * get() const {
+      return const_cast<T *>( static_cast<T const *>( velNotifier() ) );
+   }
+   void targetIs( T * entity ) { velNotifierIs( entity, 0 ); }
+};
+
+} // namespace Vel
+
+/// Declares an entity's attributes, in its class body, one row an attribute; the hand-written
+/// operations follow.
+///
+///    VEL_ENTITY( XcvrConfigCli, Vel::Entity,
+///       // Media type to assume instead of the decoded one; xcvrUnknown for none.
+///       ( Plain, overrideMediaType, onOverrideMediaType, MediaType ),
+///       ( Values, slotTuningParams, onSlotTuningParams, LaneId, LaneTuningParameter ) );
+///
+/// Kinds, and what each declares for an attribute `foo` whose handler is `onFoo`:
+///
+///    ( Plain, foo, onFoo, Type )           foo(), fooIs( v ); writing the value held is silent
+///    ( Constant, foo, Type )               foo(); the constructor initialises foo_
+///    ( Counter, foo, onFoo, Type )         as Plain, and fooInc( n ), which always tells; wraps
+///    ( Values, foo, onFoo, Key, Type )     foo( key ), fooHas( key ), fooIs( key, v ), fooDel( key ),
+///                                          fooDelAll(), fooMap(); an absent key reads as Type{}
+///    ( OrderedValues, … )                  the same, iterated in the order of the keys
+///    ( Children, foo, onFoo, Key, Child )  fooIs( key ) makes a Child( key ) or returns the one that
+///                                          is there, an absent key reads as null; else as Values
+///    ( OrderedChildren, … )                the same, iterated in the order of the keys
+///    ( Pointers, foo, onFoo, T )           fooIs( ptr ) holds an entity that lives elsewhere under
+///                                          its own name, null is fatal; else as Values by Name
+///    ( Entries, foo, onFoo, T )            the same, but the entity becomes a child
+///    ( Child, foo, onFoo, Child )          foo(), fooIs() makes it, fooDel()
+///    ( Reference, foo, onFoo, T )          foo(), fooIs( ptr ); not owned, null once it is gone
+///    ( Derived, foo, Type )                reflected only; the operation foo() is written by hand
+///
+/// Handlers run after the change: onFoo() for a single attribute; onFoo( key ) and then onFoo() for an
+/// entry of a collection; for fooDelAll() onFoo( key ) for each removed key, then onFoo() once.
+/// Deleting what is not there is silent. Observers derive from T::Notifiee or, to read only, from
+/// T::NotifieeConst.
+///
+/// Needs VEL_ENTITY_DEFINE( T, tFactory ), or VEL_ENTITY_DEFINE( T ) for no factory, from
+/// <Vel/DefineEntity.h> once, in the same namespace.
+#define VEL_ENTITY( T, Base, ... )                                                                 \
+ public:                                                                                           \
+   class NotifieeConst;                                                                            \
+   class Notifiee;                                                                                 \
+   enum : uint16_t {                                                                               \
+      velAttrBefore = Base::velAttrEnd - 1,                                                        \
+      VEL_FOR_EACH( VEL_ENTITY_ID_, __VA_ARGS__ ) velAttrEnd                                       \
+   };                                                                                              \
+                                                                                                   \
+ private:                                                                                          \
+   using VelSelf = T;                                                                              \
+   VEL_FOR_EACH( VEL_ENTITY_MEMBERS_, __VA_ARGS__ )                                                \
+ public:                                                                                           \
+   [[nodiscard]] Vel::EntityModel const & velModel() const override;                               \
+   [[nodiscard]] static Vel::EntityModel const & velTypeModel();                                   \
+   using VelBase = Base;                                                                           \
+   class NotifieeConst : public Vel::NotifieeOf<T const, Base::NotifieeConst> {                    \
+    public:                                                                                        \
+      VEL_FOR_EACH( VEL_ENTITY_HANDLERS_, __VA_ARGS__ )                                            \
+   };                                                                                              \
+   class Notifiee : public Vel::NotifieeOf<T, NotifieeConst> {};                                   \
+   /* Calls `visit.attribute< kind, Key, Type >( name, getter )` for every row. */                 \
+   template <typename Visitor>                                                                     \
+   static constexpr void velAttributes( [[maybe_unused]] Visitor && visit ) {                      \
+      VEL_FOR_EACH( VEL_ENTITY_ROW_, __VA_ARGS__ )                                                 \
+   }                                                                                               \
+   /* How many attributes the type adds to its base's. */                                          \
+   static constexpr std::size_t velOwnAttributes() {                                               \
+      return velAttrEnd - std::size_t( Base::velAttrEnd );                                         \
+   }
+
+#define VEL_ENTITY_ID_( Kind, name, ... ) name##Attr,
+#define VEL_ENTITY_MEMBERS_( Kind, ... ) VEL_MEMBERS_##Kind##_( __VA_ARGS__ )
+#define VEL_ENTITY_HANDLERS_( Kind, ... ) VEL_HANDLERS_##Kind##_( __VA_ARGS__ )
+#define VEL_ENTITY_ROW_( Kind, ... ) VEL_ROW_##Kind##_( __VA_ARGS__ )
+
+// What an attribute of each kind declares in its entity.
+
+#define VEL_MEMBERS_Plain_( name, onName, ... )                                                    \
+ private:                                                                                          \
+   __VA_ARGS__ name##_{};                                                                          \
+                                                                                                   \
+ public:                                                                                           \
+   [[nodiscard]] Vel::In<__VA_ARGS__> name() const {                                               \
+      return name##_;                                                                              \
+   }                                                                                               \
+   void name##Is( Vel::In<__VA_ARGS__> velNew ) {                                                  \
+      if ( name##_ == velNew ) {                                                                   \
+         return;                                                                                   \
+      }                                                                                            \
+      name##_ = velNew;                                                                            \
+      if ( velObserved() ) [[unlikely]] {                                                          \
+         velTell( name##Attr, &NotifieeConst::onName );                                            \
+      }                                                                                            \
+   }
+
+#define VEL_MEMBERS_Constant_( name, ... )                                                         \
+ private:                                                                                          \
+   __VA_ARGS__ const name##_{};                                                                    \
+                                                                                                   \
+ public:                                                                                           \
+   [[nodiscard]] Vel::In<__VA_ARGS__> name() const {                                               \
+      return name##_;                                                                              \
+   }
+
+#define VEL_MEMBERS_Counter_( name, onName, ... )                                                  \
+   VEL_MEMBERS_Plain_( name, onName, __VA_ARGS__ ) void name##Inc( __VA_ARGS__ velBy = 1 ) {       \
+      name##_ = static_cast<__VA_ARGS__>( name##_ + velBy );                                       \
+      if ( velObserved() ) [[unlikely]] {                                                          \
+         velTell( name##Attr, &NotifieeConst::onName );                                            \
+      }                                                                                            \
+   }
+
+#define VEL_KEYED_( Key, name, onName )                                                            \
+   KeyedHandlers<NotifieeConst, Key> {                                                             \
+      name##Attr, &NotifieeConst::onName, &NotifieeConst::onName                                   \
+   }
+
+#define VEL_MEMBERS_Map_( name, onName, Key, ... )                                                 \
+ private:                                                                                          \
+   __VA_ARGS__ name##_;                                                                            \
+                                                                                                   \
+ public:                                                                                           \
+   [[nodiscard]] bool name##Has( Vel::In<Key> velKey ) const {                                     \
+      return name##_.find( velKey ) != name##_.end();                                              \
+   }                                                                                               \
+   [[nodiscard]] __VA_ARGS__ const & name##Map() const {                                           \
+      return name##_;                                                                              \
+   }                                                                                               \
+   void name##Del( Vel::In<Key> velKey ) {                                                         \
+      velEntryDel( name##_, velKey, VEL_KEYED_( Key, name, onName ) );                             \
+   }                                                                                               \
+   void name##DelAll() {                                                                           \
+      velEntryDelAll( name##_, VEL_KEYED_( Key, name, onName ) );                                  \
+   }
+
+// clang-format off
+#define VEL_MEMBERS_AnyValues_( Map, name, onName, Key, ... )                                      \
+   VEL_MEMBERS_Map_( name, onName, Key, Vel::Map<Key, __VA_ARGS__> )                               \
+   [[nodiscard]] __VA_ARGS__ name( Vel::In<Key> velKey ) const {                                   \
+      return velEntry( name##_, velKey );                                                          \
+   }                                                                                               \
+   void name##Is( Vel::In<Key> velKey, Vel::In<__VA_ARGS__> velNew ) {                             \
+      velEntryIs( name##_, velKey, velNew, VEL_KEYED_( Key, name, onName ) );                      \
+   }
+#define VEL_MEMBERS_Values_( ... ) VEL_MEMBERS_AnyValues_( HashMap, __VA_ARGS__ )
+#define VEL_MEMBERS_OrderedValues_( ... ) VEL_MEMBERS_AnyValues_( OrderedMap, __VA_ARGS__ )
+
+#define VEL_MEMBERS_AnyChildren_( Map, name, onName, Key, ... )                                    \
+   VEL_MEMBERS_Map_( name, onName, Key, Vel::Owned<Vel::Map<Key, Vel::Ptr<__VA_ARGS__>>> )         \
+   [[nodiscard]] Vel::Ptr<__VA_ARGS__> name( Vel::In<Key> velKey ) {                               \
+      return velEntry( name##_, velKey );                                                          \
+   }                                                                                               \
+   [[nodiscard]] Vel::Ptr<__VA_ARGS__ const> name( Vel::In<Key> velKey ) const {                   \
+      return velEntry( name##_, velKey );                                                          \
+   }                                                                                               \
+   Vel::Ptr<__VA_ARGS__> name##Is( Vel::In<Key> velKey ) {                                         \
+      return velChildIs<__VA_ARGS__>( name##_, velKey, #name, VEL_KEYED_( Key, name, onName ) );   \
+   }
+#define VEL_MEMBERS_Children_( ... ) VEL_MEMBERS_AnyChildren_( HashMap, __VA_ARGS__ )
+#define VEL_MEMBERS_OrderedChildren_( ... ) VEL_MEMBERS_AnyChildren_( OrderedMap, __VA_ARGS__ )
+
+#define VEL_MEMBERS_AnyPointers_( Map, attribute, name, onName, ... )                              \
+   VEL_MEMBERS_Map_( name, onName, Vel::Name, Map )                                                \
+   [[nodiscard]] Vel::Ptr<__VA_ARGS__> name( Vel::Name const & velKey ) const {                    \
+      return velEntry( name##_, velKey );                                                          \
+   }                                                                                               \
+   void name##Is( Vel::Ptr<__VA_ARGS__> const & velNew ) {                                         \
+      if ( !velNew ) [[unlikely]] {                                                                \
+         velNullRefused( velTypeModel().typeName, #name );                                         \
+      }                                                                                            \
+      velPointerIs( name##_, velNew, attribute, VEL_KEYED_( Vel::Name, name, onName ) );           \
+   }
+#define VEL_POINTER_MAP_( ... ) Vel::HashMap<Vel::Name, Vel::Ptr<__VA_ARGS__>>
+#define VEL_MEMBERS_Pointers_( name, onName, ... )                                                 \
+   VEL_MEMBERS_AnyPointers_( VEL_POINTER_MAP_( __VA_ARGS__ ), nullptr, name, onName, __VA_ARGS__ )
+#define VEL_MEMBERS_Entries_( name, onName, ... )                                                  \
+   VEL_MEMBERS_AnyPointers_( Vel::Owned<VEL_POINTER_MAP_( __VA_ARGS__ )>, "", name, onName,        \
+                             __VA_ARGS__ )
+// clang-format on
+
+#define VEL_MEMBERS_Child_( name, onName, ... )                                                    \
+ private:                                                                                          \
+   Vel::Owned<Vel::Ptr<__VA_ARGS__>> name##_;                                                      \
+                                                                                                   \
+ public:                                                                                           \
+   [[nodiscard]] Vel::Ptr<__VA_ARGS__> name() {                                                    \
+      return name##_;                                                                              \
+   }                                                                                               \
+   [[nodiscard]] Vel::Ptr<__VA_ARGS__ const> name() const {                                        \
+      return name##_;                                                                              \
+   }                                                                                               \
+   Vel::Ptr<__VA_ARGS__> name##Is() {                                                              \
+      if ( !name##_ ) {                                                                            \
+         name##_ = Vel::Ptr<__VA_ARGS__>( new __VA_ARGS__( #name ) );                              \
+         velAdopt( *name##_, #name, &name##_ );                                                    \
+         Vel::Ptr<__VA_ARGS__> const velMade = name##_;                                            \
+         velTell( name##Attr, &NotifieeConst::onName );                                            \
+         return velMade;                                                                           \
+      }                                                                                            \
+      return name##_;                                                                              \
+   }                                                                                               \
+   void name##Del() {                                                                              \
+      if ( Vel::Ptr<__VA_ARGS__> const velGone = velTaken( name##_ ) ) {                           \
+         velOrphan( velGone, &name##_ );                                                           \
+         velTell( name##Attr, &NotifieeConst::onName );                                            \
+      }                                                                                            \
+   }
+
+#define VEL_MEMBERS_Reference_( name, onName, ... )                                                \
+ private:                                                                                          \
+   Vel::Ref<__VA_ARGS__> name##_;                                                                  \
+                                                                                                   \
+ public:                                                                                           \
+   [[nodiscard]] __VA_ARGS__ * name() const {                                                      \
+      return name##_.get();                                                                        \
+   }                                                                                               \
+   void name##Is( __VA_ARGS__ * velNew ) {                                                         \
+      if ( name##_.get() == velNew ) {                                                             \
+         return;                                                                                   \
+      }                                                                                            \
+      name##_.targetIs( velNew );                                                                  \
+      velTell( name##Attr, &NotifieeConst::onName );                                               \
+   }                                                                                               \
+   void name##Is( Vel::Ptr<__VA_ARGS__> const & velNew ) {                                         \
+      name##Is( velNew.get() );                                                                    \
+   }                                                                                               \
+   void name##Is( std::nullptr_t ) {                                                               \
+      name##Is( static_cast<__VA_ARGS__ *>( nullptr ) );                                           \
+   }
+
+#define VEL_MEMBERS_Derived_( name, ... )
+
+// The handlers of each kind in the entity's NotifieeConst.
+
+#define VEL_HANDLERS_Plain_( name, onName, ... )                                                   \
+   virtual void onName() {}
+#define VEL_HANDLERS_Constant_( ... )
+#define VEL_HANDLERS_Counter_ VEL_HANDLERS_Plain_
+#define VEL_HANDLERS_Values_( name, onName, Key, ... )                                             \
+   virtual void onName( Vel::In<Key> ) {}                                                          \
+   virtual void onName() {}
+#define VEL_HANDLERS_OrderedValues_ VEL_HANDLERS_Values_
+#define VEL_HANDLERS_Children_ VEL_HANDLERS_Values_
+#define VEL_HANDLERS_OrderedChildren_ VEL_HANDLERS_Values_
+#define VEL_HANDLERS_Pointers_( name, onName, ... ) VEL_HANDLERS_Values_( name, onName, Vel::Name )
+#define VEL_HANDLERS_Entries_ VEL_HANDLERS_Pointers_
+#define VEL_HANDLERS_Child_ VEL_HANDLERS_Plain_
+#define VEL_HANDLERS_Reference_ VEL_HANDLERS_Plain_
+#define VEL_HANDLERS_Derived_( ... )
+
+// The rows of the attribute table.
+
+#define VEL_ROW_( kind, Key, name, getter, ... )                                                   \
+   visit.template attribute<Vel::AttrKind::kind, Key, __VA_ARGS__>(                                \
+      #name, []( auto const & velSelf ) -> decltype( auto ) { return velSelf.getter(); } );
+#define VEL_ROW_Plain_( name, onName, ... ) VEL_ROW_( plain, void, name, name, __VA_ARGS__ )
+#define VEL_ROW_Constant_( name, ... ) VEL_ROW_( constant, void, name, name, __VA_ARGS__ )
+#define VEL_ROW_Counter_( name, onName, ... ) VEL_ROW_( counter, void, name, name, __VA_ARGS__ )
+#define VEL_ROW_Values_( name, onName, Key, ... )                                                  \
+   VEL_ROW_( values, Key, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_OrderedValues_( name, onName, Key, ... )                                           \
+   VEL_ROW_( orderedValues, Key, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_Children_( name, onName, Key, ... )                                                \
+   VEL_ROW_( children, Key, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_OrderedChildren_( name, onName, Key, ... )                                         \
+   VEL_ROW_( orderedChildren, Key, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_Pointers_( name, onName, ... )                                                     \
+   VEL_ROW_( pointers, Vel::Name, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_Entries_( name, onName, ... )                                                      \
+   VEL_ROW_( entries, Vel::Name, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_Child_( name, onName, ... ) VEL_ROW_( child, void, name, name, __VA_ARGS__ )
+#define VEL_ROW_Reference_( name, onName, ... ) VEL_ROW_( reference, void, name, name, __VA_ARGS__ )
+#define VEL_ROW_Derived_( name, ... ) VEL_ROW_( derived, void, name, name, __VA_ARGS__ )

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <Vel/Ptr.h>
+
+#include <cstdint>
+
+namespace Vel {
+
+class Entity;
+
+/// An observer of one entity: base of every `T::NotifieeConst` and `T::Notifiee`.
+///
+/// It is a node in the entity's list of observers, so attaching and detaching allocate nothing. It
+/// does not keep the entity alive: when the entity goes, the observer is detached. Observers are
+/// told in the order in which they were attached. A handler may do anything: write the same
+/// attribute again, attach or detach itself or others, destroy observers, drop the last pointer to
+/// the entity. An observer that is attached while a change is being told is not told of that change
+/// any more, one that is detached is not told either. Where a handler throws, the later observers
+/// are not told of that change and the exception reaches the writer.
+class VEL_API NotifieeBase : public PtrInterface {
+ public:
+   NotifieeBase() = default;
+   ~NotifieeBase() override { detach(); }
+
+   /// Delivery on or off; on from the start. Off keeps the place among the observers.
+   void isRegisteredNotifieeIs( bool registered ) {
+      registered_ = registered;
+      told_ = registered ? attributes_ : uint16_t( 0 );
+   }
+   [[nodiscard]] bool isRegisteredNotifiee() const { return registered_; }
+
+ protected:
+   [[nodiscard]] Entity const * velNotifier() const { return notifier_; }
+   /// `attributes` is how many attributes the observer has handlers for: those of the entity type
+   /// that it was written for, which may be a base of the entity's own.
+   void velNotifierIs( Entity const * entity, uint16_t attributes );
+
+ private:
+   friend class Entity;
+   friend class ObserverList;
+   void detach();
+
+   Entity const * notifier_ = nullptr;
+   NotifieeBase * next_ = nullptr;     // null at the end
+   NotifieeBase * previous_ = nullptr; // of the first one: the last one
+   uint64_t order_ = 0;                // of attachment; rises along the list
+   uint16_t told_ = 0;                 // told of attributes below this number
+   uint16_t attributes_ = 0;
+   bool registered_ = true;
+};
+
+/// The observers of one entity.
+class VEL_API ObserverList {
+ public:
+   ObserverList() = default;
+   ObserverList( ObserverList const & ) = delete;
+   ObserverList & operator=( ObserverList const & ) = delete;
+   ~ObserverList();
+
+   [[nodiscard]] bool empty() const { return first_ == nullptr; }
+
+   /// Calls `tell` for each observer that is told of attribute `id`, as `NotifieeBase` describes.
+   /// The list itself must outlive the call.
+   template <typename Tell>
+   [[gnu::always_inline]] void deliver( uint16_t id, Tell const & tell ) {
+      uint64_t const latest = changes_;
+      uint64_t known = changes_;
+      for ( NotifieeBase * at = first_; at; ) {
+         uint64_t const order = at->order_;
+         if ( order > latest ) {
+            break;
+         }
+         if ( at->told_ > id ) {
+            tell( at );
+         }
+         // Only while the list has not changed is `at` known to be there still.
+         if ( changes_ == known ) [[likely]] {
+            at = at->next_;
+         } else {
+            known = changes_;
+            at = after( order );
+         }
+      }
+   }
+
+ private:
+   friend class NotifieeBase;
+   void add( NotifieeBase * observer );
+   void remove( NotifieeBase * observer );
+   [[nodiscard]] NotifieeBase * after( uint64_t order ) const;
+
+   NotifieeBase * first_ = nullptr;
+   uint64_t changes_ = 0; // how often the list has changed
+};
+
+/// Gives the observers of entity type T their typed `notifier`. `T` is const for read-only ones.
+template <typename T, typename Base>
+class NotifieeOf : public Base {
+ public:
+   /// The entity observed; null before one is attached, and after it is gone.
+   [[nodiscard]] T * notifier() const {
+      return const_cast<T *>( static_cast<T const *>( this->velNotifier() ) );
+   }
+   /// Attaches to an entity, leaving the one before; null detaches.
+   void notifierIs( T * entity ) { this->velNotifierIs( entity, T::velAttrEnd ); }
+   void notifierIs( Ptr<T> const & entity ) { notifierIs( entity.get() ); }
+   void notifierIs( std::nullptr_t ) { notifierIs( static_cast<T *>( nullptr ) ); }
+};
+
+} // namespace Vel

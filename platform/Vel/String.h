@@ -1,0 +1,149 @@
+#pragma once
+
+#include <Vel/Api.h>
+
+#include <compare>
+#include <cstdint>
+#include <cstring>
+#include <iosfwd>
+#include <string_view>
+
+namespace Vel {
+
+/// A text or a buffer of bytes; a value. 24 bytes: up to 23 bytes of content lie inside, longer
+/// content in a counted block (not atomic) that copies share until one of them changes.
+class VEL_API String {
+ public:
+   static constexpr std::size_t npos = std::string_view::npos;
+
+   String() { std::memset( raw_, 0, sizeof raw_ ); }
+   String( char const * bytes, std::size_t size ) {
+      std::memset( raw_, 0, sizeof raw_ );
+      if ( size <= inlineCapacity ) {
+         std::memcpy( raw_, bytes ? bytes : "", size );
+         raw_[tagAt] = static_cast<char>( size );
+      } else {
+         allocate( bytes, size, size );
+      }
+   }
+   String( std::string_view text ) : String( text.data(), text.size() ) {}
+   /// A null pointer gives the empty text.
+   String( char const * text ) : String( text ? std::string_view( text ) : std::string_view() ) {}
+   String( std::size_t size, char fill );
+   String( String const & other ) {
+      std::memcpy( raw_, other.raw_, sizeof raw_ );
+      if ( shared() ) {
+         ++block()->refs;
+      }
+   }
+   String( String && other ) noexcept {
+      std::memcpy( raw_, other.raw_, sizeof raw_ );
+      std::memset( other.raw_, 0, sizeof raw_ );
+   }
+   ~String() {
+      if ( shared() ) {
+         release();
+      }
+   }
+   String & operator=( String const & other ) {
+      if ( other.shared() ) {
+         ++other.block()->refs;
+      }
+      if ( shared() ) {
+         release();
+      }
+      std::memmove( raw_, other.raw_, sizeof raw_ );
+      return *this;
+   }
+   String & operator=( String && other ) noexcept {
+      char taken[sizeof raw_];
+      std::memcpy( taken, other.raw_, sizeof raw_ );
+      std::memset( other.raw_, 0, sizeof raw_ );
+      if ( shared() ) {
+         release();
+      }
+      std::memcpy( raw_, taken, sizeof raw_ );
+      return *this;
+   }
+
+   [[nodiscard]] std::size_t size() const { return shared() ? block()->size : inlineSize(); }
+   [[nodiscard]] std::size_t length() const { return size(); }
+   [[nodiscard]] bool empty() const { return inlineSize() == 0; }
+   [[nodiscard]] char const * data() const { return shared() ? block()->bytes() : raw_; }
+   [[nodiscard]] std::string_view view() const { return { data(), size() }; }
+   operator std::string_view() const { return view(); }
+   [[nodiscard]] char const * begin() const { return data(); }
+   [[nodiscard]] char const * end() const { return data() + size(); }
+
+   /// The byte at `at`; 0 beyond the end.
+   char operator[]( std::size_t at ) const { return at < size() ? data()[at] : '\0'; }
+   /// Changes one byte; nothing happens beyond the end.
+   void byteIs( std::size_t at, uint8_t value );
+
+   /// At most `count` bytes from `at` on; empty when `at` lies beyond the end.
+   [[nodiscard]] String substr( std::size_t at, std::size_t count = npos ) const;
+   [[nodiscard]] std::size_t find( std::string_view text, std::size_t from = 0 ) const {
+      return view().find( text, from );
+   }
+
+   String & operator+=( std::string_view text );
+   friend String operator+( String left, std::string_view right ) {
+      left += right;
+      return left;
+   }
+
+   friend bool operator==( String const & a, String const & b ) {
+      // Unused inline bytes are 0, so equal texts that lie inside are equal bit by bit.
+      return std::memcmp( a.raw_, b.raw_, sizeof a.raw_ ) == 0 ||
+             ( a.shared() && b.shared() && a.view() == b.view() );
+   }
+   friend bool operator==( String const & a, std::string_view b ) { return a.view() == b; }
+   friend bool operator==( String const & a, char const * b ) {
+      return a.view() == std::string_view( b );
+   }
+   /// Order of the bytes as unsigned numbers.
+   friend std::strong_ordering operator<=>( String const & a, String const & b ) {
+      return a.view() <=> b.view();
+   }
+
+   [[nodiscard]] std::size_t hash() const;
+
+ private:
+   struct Block {
+      uint32_t refs;
+      std::size_t size;
+      std::size_t capacity;
+      [[nodiscard]] char * bytes() { return reinterpret_cast<char *>( this + 1 ); }
+   };
+   static constexpr std::size_t inlineCapacity = 23;
+   static constexpr std::size_t tagAt = 23;
+   static constexpr unsigned char sharedTag = 0xff;
+
+   [[nodiscard]] std::size_t inlineSize() const {
+      return static_cast<unsigned char>( raw_[tagAt] );
+   }
+   [[nodiscard]] bool shared() const { return inlineSize() == sharedTag; }
+   [[nodiscard]] Block * block() const {
+      Block * result;
+      std::memcpy( &result, raw_, sizeof result );
+      return result;
+   }
+   void allocate( char const * bytes, std::size_t size, std::size_t capacity );
+   void release() noexcept;
+   /// Writable bytes, in a block of this string's own when they lie in one.
+   char * own( std::size_t capacity );
+
+   // The bytes and, last, their number; or a block's address and, last, `sharedTag`.
+   alignas( 8 ) char raw_[inlineCapacity + 1];
+};
+
+using Name = String;
+
+VEL_API std::ostream & operator<<( std::ostream & out, String const & text );
+
+} // namespace Vel
+
+template <>
+struct std::hash<Vel::String> {
+   std::size_t operator()( Vel::String const & text ) const { return text.hash(); }
+};
