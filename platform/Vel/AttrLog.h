@@ -25,6 +25,8 @@ class VEL_API NboAttrLog {
    NboAttrLog() = default;
    /// A log to read, from bytes received.
    explicit NboAttrLog( std::string_view bytes );
+   NboAttrLog( NboAttrLog const & ) = delete;
+   NboAttrLog & operator=( NboAttrLog const & ) = delete;
 
    template <typename T>
    void write( T const & v );

@@ -144,10 +144,11 @@ template <typename T>
       while ( count-- ) {
          typename T::key_type key{};
          typename T::mapped_type value{};
+         LogCursor const atKey = in;
          decode( in, key );
          decode( in, value );
          if ( !v.emplace( std::move( key ), std::move( value ) ).second ) {
-            in.fail( "a key that was given before" );
+            atKey.fail( "a key that was given before" );
          }
       }
    }

@@ -74,11 +74,6 @@ ObserverList::~ObserverList() {
 
 Entity::~Entity() = default;
 
-void Entity::velDeliver( uint16_t id, void ( NotifieeBase::*handler )() ) const {
-   Hold const hold( *this );
-   observers_.deliver( id, [handler]( NotifieeBase * observer ) { ( observer->*handler )(); } );
-}
-
 void Entity::velNullRefused( std::string_view typeName, std::string_view attribute ) {
    std::string const text = "null _" + std::string( attribute ) + " parameter to mutator for " +
                             std::string( typeName ) + "::" + std::string( attribute ) +

@@ -70,14 +70,35 @@ class VEL_API Entity : public PtrInterface {
    };
 
    [[nodiscard]] bool velObserved() const { return !observers_.empty(); }
-   template <typename N>
-   void velTell( uint16_t id, void ( N::*handler )() ) const {
-      velDeliver( id, static_cast<void ( NotifieeBase::* )()>( handler ) );
+   // Telling the observers of a single attribute. The handler is a template argument, so that the
+   // virtual call is direct; a single observer is told by a tail call, with nothing to do behind it.
+   template <uint16_t id, typename N, void ( N::*handler )()>
+   [[gnu::noinline]] void velTell() const {
+      auto const tell = []( NotifieeBase * observer ) {
+         ( static_cast<N *>( observer )->*handler )();
+      };
+      if ( !observers_.deliverToOnly( id, tell ) ) [[unlikely]] {
+         velTellMany<id, N, handler>();
+      }
    }
+   template <uint16_t id, typename N, void ( N::*handler )()>
+   [[gnu::noinline]] void velTellMany() const {
+      Hold const hold( *this );
+      observers_.deliver(
+         id, []( NotifieeBase * observer ) { ( static_cast<N *>( observer )->*handler )(); } );
+   }
+
+   // The same of a collection; the caller holds the entity.
    template <typename N, typename K>
-   void velTellOne( KeyedHandlers<N, K> const & handlers, K const & key ) const {
+   void velTellKey( KeyedHandlers<N, K> const & handlers, K const & key ) const {
       observers_.deliver( handlers.id, [&]( NotifieeBase * observer ) {
          ( static_cast<N *>( observer )->*handlers.one )( key );
+      } );
+   }
+   template <typename N, typename K>
+   void velTellWhole( KeyedHandlers<N, K> const & handlers ) const {
+      observers_.deliver( handlers.id, [&]( NotifieeBase * observer ) {
+         ( static_cast<N *>( observer )->*handlers.whole )();
       } );
    }
    template <typename N, typename K>
@@ -85,8 +106,8 @@ class VEL_API Entity : public PtrInterface {
       if ( velObserved() ) [[unlikely]] {
          Hold const hold( *this );
          K const told = key; // a handler may destroy what `key` refers to
-         velTellOne( handlers, told );
-         velTell( handlers.id, handlers.whole );
+         velTellKey( handlers, told );
+         velTellWhole( handlers );
       }
    }
 
@@ -133,9 +154,9 @@ class VEL_API Entity : public PtrInterface {
       if ( velObserved() ) {
          Hold const hold( *this );
          for ( auto const & entry : removed ) {
-            velTellOne( handlers, entry.first );
+            velTellKey( handlers, entry.first );
          }
-         velTell( handlers.id, handlers.whole );
+         velTellWhole( handlers );
       }
    }
    template <typename Child, typename Map, typename Handlers>
@@ -208,8 +229,6 @@ class VEL_API Entity : public PtrInterface {
    friend class NotifieeBase;
    template <typename>
    friend class Owned;
-
-   void velDeliver( uint16_t id, void ( NotifieeBase::*handler )() ) const;
 
    mutable ObserverList observers_;
    Entity * parent_ = nullptr;
@@ -338,8 +357,8 @@ class Ref : public NotifieeBase {
          return;                                                                                   \
       }                                                                                            \
       name##_ = velNew;                                                                            \
-      if ( velObserved() ) [[unlikely]] {                                                          \
-         velTell( name##Attr, &NotifieeConst::onName );                                            \
+      if ( velObserved() ) {                                                                       \
+         velTell<name##Attr, NotifieeConst, &NotifieeConst::onName>();                             \
       }                                                                                            \
    }
 
@@ -355,8 +374,8 @@ class Ref : public NotifieeBase {
 #define VEL_MEMBERS_Counter_( name, onName, ... )                                                  \
    VEL_MEMBERS_Plain_( name, onName, __VA_ARGS__ ) void name##Inc( __VA_ARGS__ velBy = 1 ) {       \
       name##_ = static_cast<__VA_ARGS__>( name##_ + velBy );                                       \
-      if ( velObserved() ) [[unlikely]] {                                                          \
-         velTell( name##Attr, &NotifieeConst::onName );                                            \
+      if ( velObserved() ) {                                                                       \
+         velTell<name##Attr, NotifieeConst, &NotifieeConst::onName>();                             \
       }                                                                                            \
    }
 
@@ -444,7 +463,7 @@ class Ref : public NotifieeBase {
          name##_ = Vel::Ptr<__VA_ARGS__>( new __VA_ARGS__( #name ) );                              \
          velAdopt( *name##_, #name, &name##_ );                                                    \
          Vel::Ptr<__VA_ARGS__> const velMade = name##_;                                            \
-         velTell( name##Attr, &NotifieeConst::onName );                                            \
+         velTell<name##Attr, NotifieeConst, &NotifieeConst::onName>();                             \
          return velMade;                                                                           \
       }                                                                                            \
       return name##_;                                                                              \
@@ -452,7 +471,7 @@ class Ref : public NotifieeBase {
    void name##Del() {                                                                              \
       if ( Vel::Ptr<__VA_ARGS__> const velGone = velTaken( name##_ ) ) {                           \
          velOrphan( velGone, &name##_ );                                                           \
-         velTell( name##Attr, &NotifieeConst::onName );                                            \
+         velTell<name##Attr, NotifieeConst, &NotifieeConst::onName>();                             \
       }                                                                                            \
    }
 
@@ -469,7 +488,7 @@ class Ref : public NotifieeBase {
          return;                                                                                   \
       }                                                                                            \
       name##_.targetIs( velNew );                                                                  \
-      velTell( name##Attr, &NotifieeConst::onName );                                               \
+      velTell<name##Attr, NotifieeConst, &NotifieeConst::onName>();                                \
    }                                                                                               \
    void name##Is( Vel::Ptr<__VA_ARGS__> const & velNew ) {                                         \
       name##Is( velNew.get() );                                                                    \

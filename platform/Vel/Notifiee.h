@@ -60,27 +60,34 @@ class VEL_API ObserverList {
    [[nodiscard]] bool empty() const { return first_ == nullptr; }
 
    /// Calls `tell` for each observer that is told of attribute `id`, as `NotifieeBase` describes.
-   /// The list itself must outlive the call.
+   /// The list must outlive the call.
    template <typename Tell>
    [[gnu::always_inline]] void deliver( uint16_t id, Tell const & tell ) {
-      uint64_t const latest = changes_;
-      uint64_t known = changes_;
-      for ( NotifieeBase * at = first_; at; ) {
+      uint64_t const changes = changes_;
+      for ( NotifieeBase * at = first_; at; at = at->next_ ) {
          uint64_t const order = at->order_;
-         if ( order > latest ) {
-            break;
-         }
-         if ( at->told_ > id ) {
+         if ( at->told_ > id ) [[likely]] {
             tell( at );
          }
          // Only while the list has not changed is `at` known to be there still.
-         if ( changes_ == known ) [[likely]] {
-            at = at->next_;
-         } else {
-            known = changes_;
-            at = after( order );
+         if ( changes_ != changes ) [[unlikely]] {
+            deliverAfter( order, changes, id, tell );
+            return;
          }
       }
+   }
+   /// The same for a list of one observer, which may go during the call; false, and nothing told,
+   /// for any other list.
+   template <typename Tell>
+   [[gnu::always_inline]] bool deliverToOnly( uint16_t id, Tell const & tell ) {
+      NotifieeBase * const only = first_;
+      if ( !only || only->next_ ) [[unlikely]] {
+         return false;
+      }
+      if ( only->told_ > id ) [[likely]] {
+         tell( only );
+      }
+      return true;
    }
 
  private:
@@ -88,6 +95,19 @@ class VEL_API ObserverList {
    void add( NotifieeBase * observer );
    void remove( NotifieeBase * observer );
    [[nodiscard]] NotifieeBase * after( uint64_t order ) const;
+
+   /// The rest of a delivery during which the list changes: to the observers behind `order`, but
+   /// none that came after `latest`.
+   template <typename Tell>
+   [[gnu::cold, gnu::noinline]] void deliverAfter( uint64_t order, uint64_t latest, uint16_t id,
+                                                   Tell const & tell ) {
+      for ( NotifieeBase * at = after( order ); at && at->order_ <= latest; at = after( order ) ) {
+         order = at->order_;
+         if ( at->told_ > id ) {
+            tell( at );
+         }
+      }
+   }
 
    NotifieeBase * first_ = nullptr;
    uint64_t changes_ = 0; // how often the list has changed

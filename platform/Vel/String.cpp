@@ -56,6 +56,9 @@ String String::substr( std::size_t at, std::size_t count ) const {
 }
 
 String & String::operator+=( std::string_view text ) {
+   if ( text.empty() ) {
+      return *this; // and its address may be null
+   }
    std::size_t const oldSize = size();
    std::size_t const newSize = oldSize + text.size();
    if ( newSize <= inlineCapacity ) {

@@ -240,11 +240,12 @@ void parse( TextCursor & in, T & v ) {
       do {
          typename T::key_type key{};
          typename T::mapped_type value{};
+         TextCursor const atKey = in;
          parse( in, key );
          in.expect( ": " );
          parse( in, value );
          if ( !v.emplace( std::move( key ), std::move( value ) ).second ) {
-            in.fail( "a key that has not been given before" );
+            atKey.fail( "a key that has not been given before" );
          }
       } while ( in.take( ", " ) );
       in.expect( "}" );
