@@ -1,0 +1,37 @@
+# Debian packages, one a component: `cmake --workflow --preset package`.
+set( CPACK_GENERATOR DEB )
+set( CPACK_PACKAGE_NAME xcvr )
+set( CPACK_PACKAGE_CONTACT "The libXcvr developers <developers@libxcvr.example>" )
+set( CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}" )
+set( CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE )
+set( CPACK_PACKAGING_INSTALL_PREFIX /usr )
+set( CPACK_STRIP_FILES ON )
+set( CPACK_VERBATIM_VARIABLES ON )
+
+set( CPACK_COMPONENTS_ALL runtime development )
+if( XCVR_BUILD_TOOL )
+   list( APPEND CPACK_COMPONENTS_ALL tools )
+endif()
+set( CPACK_DEB_COMPONENT_INSTALL ON )
+set( CPACK_DEBIAN_FILE_NAME DEB-DEFAULT )
+set( CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON )
+set( CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON )
+set( CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR} )
+
+# A library's package is named after its soname: programs built against another one stay installable.
+set( CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libxcvr${PROJECT_VERSION_MAJOR} )
+set( CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs )
+set( CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION ON )
+set( CPACK_COMPONENT_RUNTIME_DESCRIPTION "Transceiver model library, shared library" )
+
+set( CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libxcvr-dev )
+set( CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel )
+set( CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime )
+set( CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Transceiver model library, headers" )
+
+set( CPACK_DEBIAN_TOOLS_PACKAGE_NAME xcvr-tools )
+set( CPACK_DEBIAN_TOOLS_PACKAGE_SECTION net )
+set( CPACK_COMPONENT_TOOLS_DEPENDS runtime )
+set( CPACK_COMPONENT_TOOLS_DESCRIPTION "Transceiver model library, command-line program" )
+
+include( CPack )
