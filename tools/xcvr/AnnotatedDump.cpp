@@ -1,0 +1,141 @@
+// The `hexdump` command. Where fields lie it knows from the library's field table only.
+#include "tools/xcvr/Commands.h"
+#include "tools/xcvr/FieldText.h"
+#include "tools/xcvr/SfpReport.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace XcvrTool {
+
+namespace {
+
+using Xcvr::MemoryField;
+using Xcvr::MemoryKind;
+
+constexpr std::size_t bytesPerLine = 8;
+constexpr std::size_t bytesWidth = bytesPerLine * 3 - 1;
+constexpr std::size_t nameWidth = 25;
+constexpr std::size_t valueAt = 8 + bytesWidth + 2 + nameWidth + 2;
+
+/// Writes the lines of one page: address, bytes, field, value.
+class PageDump {
+ public:
+   /// `base` is the address of the first byte.
+   PageDump( std::string_view bytes, std::size_t base ) : bytes_( bytes ), base_( base ) {}
+
+   void field( MemoryField const & field );
+   /// Bytes without a value of their own, up to the page's end; equal ones run together.
+   void plain( std::size_t from, std::size_t to, std::string_view name );
+   [[nodiscard]] std::string const & text() const { return text_; }
+
+ private:
+   [[nodiscard]] std::size_t equalBytes( std::size_t from, std::size_t to ) const {
+      auto const other = bytes_.find_first_not_of( bytes_[from], from );
+      return std::min( other, to ) - from;
+   }
+   void line( std::size_t at, std::string_view bytes, std::string_view name,
+              std::string_view value );
+
+   std::string_view bytes_;
+   std::size_t base_;
+   std::string text_;
+};
+
+void PageDump::line( std::size_t at, std::string_view bytes, std::string_view name,
+                     std::string_view value ) {
+   std::string const place =
+      bytes.empty() ? std::string( 6, ' ' ) : fmt::format( "{:3} {:02x}", base_ + at, base_ + at );
+   std::string const whole =
+      fmt::format( "{}  {:{}}  {:{}}  {}", place, bytes, bytesWidth, name, nameWidth, value );
+   text_ += whole.substr( 0, whole.find_last_not_of( ' ' ) + 1 ) + '\n';
+}
+
+void PageDump::field( MemoryField const & field ) {
+   std::vector<std::string> const values =
+      wrapped( fieldText( bytes_, field ), lineWidth - valueAt );
+   std::string_view const bytes = bytes_.substr( field.at, field.width );
+   // Another reading of bytes that belong to other fields stands in parentheses.
+   std::string const name =
+      field.shared ? fmt::format( "({})", field.name ) : std::string( field.name );
+   std::size_t const byteLines = ( bytes.size() + bytesPerLine - 1 ) / bytesPerLine;
+   for ( std::size_t i = 0; i < std::max( byteLines, values.size() ); ++i ) {
+      std::size_t const from = std::min( i * bytesPerLine, bytes.size() );
+      line( field.at + from, hexBytes( bytes.substr( from, bytesPerLine ), " " ),
+            i == 0 ? name : "", i < values.size() ? values[i] : "" );
+   }
+}
+
+void PageDump::plain( std::size_t from, std::size_t to, std::string_view name ) {
+   to = std::min( to, bytes_.size() );
+   while ( from < to ) {
+      if ( std::size_t const count = equalBytes( from, to ); count > bytesPerLine ) {
+         std::string const byte = hexBytes( bytes_.substr( from, 1 ), "" );
+         line( from, byte + " ...", name, fmt::format( "{} bytes of {}", count, byte ) );
+         from += count;
+      } else {
+         std::size_t end = from;
+         while ( end < to && end < from + bytesPerLine && equalBytes( end, to ) <= bytesPerLine ) {
+            ++end;
+         }
+         std::string_view const bytes = bytes_.substr( from, end - from );
+         std::string const characters = printable( bytes );
+         bool const hasText = characters.find_first_not_of( "_ " ) != std::string::npos;
+         line( from, hexBytes( bytes, " " ), name, hasText ? '"' + characters + '"' : "" );
+         from = end;
+      }
+      name = {};
+   }
+}
+
+/// Fields of more bytes than fit on a line, without a reading, are shown like bytes without a field.
+bool isPlain( MemoryField const & field ) {
+   return field.kind == MemoryKind::bytes && field.width > bytesPerLine;
+}
+
+/// The bytes of a page with the fields that mean something in this module.
+std::string dumpOf( std::string const & label, std::string const & bytes,
+                    Xcvr::XcvrSff8472IdEepromContents const & contents ) {
+   // Pages beside A0h and A2h are upper pages: the upper half of a device.
+   bool const isDevice = label == Xcvr::Sff8472Table::a0h || label == Xcvr::Sff8472Table::a2h;
+   PageDump dump( bytes, isDevice ? 0 : Xcvr::Sff8472Table::pageSize / 2 );
+   std::size_t done = 0;
+   for ( MemoryField const & field : Xcvr::sff8472Fields() ) {
+      if ( field.page != label || field.at >= bytes.size() || !contents.fieldInUse( field ) ) {
+         continue;
+      }
+      if ( field.shared ) {
+         dump.field( field );
+         continue;
+      }
+      dump.plain( done, field.at, {} );
+      if ( isPlain( field ) ) {
+         dump.plain( field.at, field.end(), field.name );
+      } else {
+         dump.field( field );
+      }
+      done = field.end();
+   }
+   dump.plain( done, bytes.size(), {} );
+   return dump.text();
+}
+
+} // namespace
+
+std::string hexdumpText( ModuleImage const & image, Style const & style ) {
+   Xcvr::XcvrSff8472IdEepromContents const contents = sfpContents( image );
+   std::string text;
+   for ( auto const & [label, bytes] : image.pages ) {
+      bool const isRaw = label == Xcvr::Sff8472Table::a2h && contents.domExternallyCalibrated();
+      std::string const heading =
+         fmt::format( "Page {}, {} byte{}{}", label, bytes.size(), bytes.size() == 1 ? "" : "s",
+                      isRaw ? ", monitors and thresholds before calibration" : "" );
+      text += fmt::format( "{}{}\n", text.empty() ? "" : "\n", style.heading( heading ) );
+      text += fmt::format( "{:6}  {:{}}  {:{}}  {}\n", "Byte", "Contents", bytesWidth, "Field",
+                           nameWidth, "Value" );
+      text += dumpOf( label, bytes, contents );
+   }
+   return text;
+}
+
+} // namespace XcvrTool

@@ -1,0 +1,242 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+// What the codes in module memory stand for. Codes that the standards reserve, or give another
+// meaning in another revision, have no row. A few names end in what sets them apart from their
+// neighbours rather than in the full words of the standard, so that they fit on a line.
+namespace XcvrTool {
+
+struct CodeName {
+   std::uint8_t code;
+   std::string_view name;
+};
+
+// clang-format off
+
+/// SFF-8024, identifiers.
+inline constexpr CodeName identifierNames[] = {
+   { 0x00, "unknown or unspecified" },
+   { 0x01, "GBIC" },
+   { 0x02, "soldered to the board" },
+   { 0x03, "SFP, SFP+ or SFP28" },
+   { 0x04, "300-pin XBI" },
+   { 0x05, "XENPAK" },
+   { 0x06, "XFP" },
+   { 0x07, "XFF" },
+   { 0x08, "XFP-E" },
+   { 0x09, "XPAK" },
+   { 0x0a, "X2" },
+   { 0x0b, "DWDM-SFP or DWDM-SFP+" },
+   { 0x0c, "QSFP" },
+   { 0x0d, "QSFP+ or later" },
+   { 0x0e, "CXP" },
+   { 0x0f, "mini multilane HD 4X" },
+   { 0x10, "mini multilane HD 8X" },
+   { 0x11, "QSFP28 or later" },
+   { 0x12, "CXP2" },
+   { 0x13, "CDFP style 1 or 2" },
+   { 0x14, "mini multilane HD 4X fan-out cable" },
+   { 0x15, "mini multilane HD 8X fan-out cable" },
+   { 0x16, "CDFP style 3" },
+   { 0x17, "microQSFP" },
+   { 0x18, "QSFP-DD" },
+   { 0x19, "OSFP" },
+   { 0x1a, "SFP-DD" },
+   { 0x1b, "DSFP" },
+   { 0x1c, "x4 MiniLink or OCuLink" },
+   { 0x1d, "x8 MiniLink" },
+   { 0x1e, "QSFP+ or later with CMIS" },
+   { 0x1f, "SFP-DD with CMIS" },
+   { 0x20, "SFP+ with CMIS" },
+   { 0x21, "OSFP-XD with CMIS" },
+   { 0x22, "ELSFP with CMIS" },
+};
+
+/// SFF-8472, extended identifiers.
+inline constexpr CodeName extIdentifierNames[] = {
+   { 0x00, "GBIC definition not specified" },
+   { 0x01, "GBIC, MOD_DEF 1" },
+   { 0x02, "GBIC, MOD_DEF 2" },
+   { 0x03, "GBIC, MOD_DEF 3" },
+   { 0x04, "2-wire interface ID only" },
+   { 0x05, "GBIC, MOD_DEF 5" },
+   { 0x06, "GBIC, MOD_DEF 6" },
+   { 0x07, "GBIC, MOD_DEF 7" },
+};
+
+/// SFF-8024, connectors.
+inline constexpr CodeName connectorNames[] = {
+   { 0x00, "unknown or unspecified" },
+   { 0x01, "SC" },
+   { 0x02, "Fibre Channel style 1 copper" },
+   { 0x03, "Fibre Channel style 2 copper" },
+   { 0x04, "BNC/TNC" },
+   { 0x05, "Fibre Channel coax headers" },
+   { 0x06, "FibreJack" },
+   { 0x07, "LC" },
+   { 0x08, "MT-RJ" },
+   { 0x09, "MU" },
+   { 0x0a, "SG" },
+   { 0x0b, "optical pigtail" },
+   { 0x0c, "MPO 1x12" },
+   { 0x0d, "MPO 2x16" },
+   { 0x20, "HSSDC II" },
+   { 0x21, "copper pigtail" },
+   { 0x22, "RJ45" },
+   { 0x23, "no separable connector" },
+   { 0x24, "MXC 2x16" },
+   { 0x25, "CS" },
+   { 0x26, "SN" },
+   { 0x27, "MPO 2x12" },
+   { 0x28, "MPO 1x16" },
+};
+
+/// SFF-8024, encodings as SFF-8472 numbers them.
+inline constexpr CodeName encodingNames[] = {
+   { 0x00, "unspecified" },
+   { 0x01, "8B/10B" },
+   { 0x02, "4B/5B" },
+   { 0x03, "NRZ" },
+   { 0x04, "Manchester" },
+   { 0x05, "SONET scrambled" },
+   { 0x06, "64B/66B" },
+   { 0x07, "256B/257B" },
+   { 0x08, "PAM4" },
+};
+
+/// SFF-8472, rate identifiers.
+inline constexpr CodeName rateIdentifierNames[] = {
+   { 0x00, "unspecified" },
+   { 0x01, "4/2/1G rate select and application select" },
+   { 0x02, "8/4/2G Rx rate select" },
+   { 0x04, "8/4/2G Tx rate select" },
+   { 0x06, "8/4/2G independent Rx and Tx rate select" },
+   { 0x08, "16/8/4G Rx rate select" },
+   { 0x0a, "16/8/4G independent Rx and Tx rate select" },
+   { 0x0c, "32/16/8G independent Rx and Tx rate select" },
+   { 0x0e, "10/8G rate select of the CDRs" },
+   { 0x10, "64/32/16G independent Rx and Tx rate select" },
+};
+
+/// SFF-8024, extended specification compliance codes.
+inline constexpr CodeName complianceExtendedNames[] = {
+   { 0x00, "unspecified" },
+   { 0x01, "100G AOC or 25GAUI AOC, BER 5e-5" },
+   { 0x02, "100GBASE-SR4 or 25GBASE-SR" },
+   { 0x03, "100GBASE-LR4 or 25GBASE-LR" },
+   { 0x04, "100GBASE-ER4 or 25GBASE-ER" },
+   { 0x05, "100GBASE-SR10" },
+   { 0x06, "100G CWDM4" },
+   { 0x07, "100G PSM4" },
+   { 0x08, "100G ACC or 25GAUI ACC, BER 5e-5" },
+   { 0x0b, "100GBASE-CR4, 25GBASE-CR CA-25G-L or 50GBASE-CR2 with RS-FEC" },
+   { 0x0c, "25GBASE-CR CA-25G-S or 50GBASE-CR2 with BASE-R FEC" },
+   { 0x0d, "25GBASE-CR CA-25G-N or 50GBASE-CR2 without FEC" },
+   { 0x0e, "10 Mb/s single pair Ethernet" },
+   { 0x10, "40GBASE-ER4" },
+   { 0x11, "4 x 10GBASE-SR" },
+   { 0x12, "40G PSM4" },
+   { 0x13, "G.959.1 P1I1-2D1" },
+   { 0x14, "G.959.1 P1S1-2D2" },
+   { 0x15, "G.959.1 P1L1-2D2" },
+   { 0x16, "10GBASE-T with SFI" },
+   { 0x17, "100G CLR4" },
+   { 0x18, "100G AOC or 25GAUI AOC, BER 1e-12" },
+   { 0x19, "100G ACC or 25GAUI ACC, BER 1e-12" },
+   { 0x1a, "100GE-DWDM2" },
+   { 0x1b, "100G 1550 nm WDM" },
+   { 0x1c, "10GBASE-T short reach" },
+   { 0x1d, "5GBASE-T" },
+   { 0x1e, "2.5GBASE-T" },
+   { 0x1f, "40G SWDM4" },
+   { 0x20, "100G SWDM4" },
+   { 0x21, "100G PAM4 BiDi" },
+   { 0x22, "4WDM-10" },
+   { 0x23, "4WDM-20" },
+   { 0x24, "4WDM-40" },
+   { 0x25, "100GBASE-DR, CAUI-4 without FEC" },
+   { 0x26, "100GBASE-FR1, CAUI-4" },
+   { 0x27, "100GBASE-LR1, CAUI-4" },
+   { 0x28, "100GBASE-SR1, CAUI-4" },
+   { 0x29, "100GBASE-SR1, 200GBASE-SR2 or 400GBASE-SR4" },
+   { 0x2a, "100GBASE-FR1" },
+   { 0x2b, "100GBASE-LR1" },
+   { 0x30, "ACC with 50GAUI, 100GAUI-2 or 200GAUI-4, BER 1e-6" },
+   { 0x31, "AOC with 50GAUI, 100GAUI-2 or 200GAUI-4, BER 1e-6" },
+   { 0x32, "ACC with 50GAUI, 100GAUI-2 or 200GAUI-4, BER 2.6e-4" },
+   { 0x33, "AOC with 50GAUI, 100GAUI-2 or 200GAUI-4, BER 2.6e-4" },
+   { 0x37, "10GBASE-BR" },
+   { 0x38, "25GBASE-BR" },
+   { 0x39, "50GBASE-BR" },
+   { 0x3f, "100GBASE-CR1, 200GBASE-CR2 or 400GBASE-CR4" },
+   { 0x40, "50GBASE-CR, 100GBASE-CR2 or 200GBASE-CR4" },
+   { 0x41, "50GBASE-SR, 100GBASE-SR2 or 200GBASE-SR4" },
+   { 0x42, "50GBASE-FR or 200GBASE-DR4" },
+   { 0x43, "200GBASE-FR4" },
+   { 0x44, "200G 1550 nm PSM4" },
+   { 0x45, "50GBASE-LR" },
+   { 0x46, "200GBASE-LR4" },
+   { 0x47, "400GBASE-DR4" },
+   { 0x48, "400GBASE-FR4" },
+   { 0x49, "400GBASE-LR4-6" },
+   { 0x4b, "400G-LR4-10" },
+   { 0x7f, "256GFC-SW4" },
+   { 0x80, "capable of 64GFC" },
+   { 0x81, "capable of 128GFC" },
+};
+
+/// SFF-8472, the revision that a module complies with.
+inline constexpr CodeName revisionNames[] = {
+   { 0x00, "unspecified" },
+   { 0x01, "9.3" },
+   { 0x02, "9.5" },
+   { 0x03, "10.2" },
+   { 0x04, "10.4" },
+   { 0x05, "11.0" },
+   { 0x06, "11.3" },
+   { 0x07, "11.4" },
+   { 0x08, "12.3" },
+   { 0x09, "12.4" },
+};
+
+struct CodeNames {
+   std::string_view field; // its name in the field table
+   std::span<CodeName const> names;
+};
+
+/// The fields that hold a code.
+inline constexpr CodeNames codeNames[] = {
+   { "identifier", identifierNames },
+   { "extIdentifier", extIdentifierNames },
+   { "connector", connectorNames },
+   { "encoding", encodingNames },
+   { "rateIdentifier", rateIdentifierNames },
+   { "complianceExtended", complianceExtendedNames },
+   { "revision", revisionNames },
+};
+// clang-format on
+
+/// The names for the codes in a field; none for a field that holds no code.
+constexpr std::span<CodeName const> codeNamesOf( std::string_view field ) {
+   for ( CodeNames const & row : codeNames ) {
+      if ( row.field == field ) {
+         return row.names;
+      }
+   }
+   return {};
+}
+
+/// What a code stands for; empty if nothing is known.
+constexpr std::string_view codeName( std::span<CodeName const> names, std::uint8_t code ) {
+   for ( CodeName const & known : names ) {
+      if ( known.code == code ) {
+         return known.name;
+      }
+   }
+   return {};
+}
+
+} // namespace XcvrTool

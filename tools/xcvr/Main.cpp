@@ -1,0 +1,5 @@
+#include "tools/xcvr/CommandLine.h"
+
+int main( int argc, char ** argv ) {
+   return XcvrTool::run( argc, argv );
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace XcvrTool {
+
+/// How an input holds the module memory.
+enum class ImageForm { binary, hexDump, labelled };
+
+/// Which kind of module an image is of. `automatic` asks the reader to find out; a ModuleImage has
+/// a real one.
+enum class ImageFamily { automatic, sfp };
+
+/// The order of pages: what a module always shows ("lower", "a0h", "a2h") comes before numbered
+/// pages.
+struct PageOrder {
+   using is_transparent = void;
+   bool operator()( std::string_view left, std::string_view right ) const;
+};
+
+/// The raw memory of one module, as one input holds it.
+struct ModuleImage {
+   /// The file's name, for messages; "<stdin>" for the standard input.
+   std::string file;
+   ImageForm form = ImageForm::binary;
+   ImageFamily family = ImageFamily::automatic;
+   /// The bytes of each page by its label, as they are in the input: from 1 to 256 of a device
+   /// ("a0h", "a2h") or a register table ("8000h"), from 1 to 128 of the lower memory ("lower") or
+   /// an upper page ("02h", with a bank "11h.0"). The upper pages of an SFP are those of its A2h;
+   /// "a2h" itself holds whatever page was selected.
+   std::map<std::string, std::string, PageOrder> pages;
+
+   /// The bytes of a page; null if the input has none.
+   std::string const * page( std::string_view label ) const;
+};
+
+/// Why an input cannot be used. what() is one line: "FILE: what is wrong (where); what to do".
+class ImageError : public std::runtime_error {
+ public:
+   ImageError( std::string const & file, std::string const & problem )
+      : std::runtime_error( file + ": " + problem ) {}
+};
+
+/// Reads the image in a file, or in the standard input if the path is "-". Works for pipes and
+/// devices too, and reads at most 1 MiB, whatever the size. A named pipe is waited for until it has
+/// a writer, as every program does. Throws ImageError.
+ModuleImage readImage( std::string const & path, ImageFamily family );
+
+/// Finds the image in `content`, the whole of an input named `name`. Its form shows in the content:
+///
+/// - Bytes that are no text are a binary image in the linear layout of the kernel's EEPROM drivers.
+///   For an SFP: A0h (256 bytes), A2h (256 bytes), then the upper pages of A2h from 01h on
+///   (128 bytes each).
+/// - Text that begins with a section header, but for comments and blank lines, is a labelled image:
+///   sections of hex bytes, each line with its offset in front or not, and "#" comments.
+///
+///       [a0h]
+///       00: 03 04 07 10 00 00 00 20 40 04 80 55 67 00 00 00   # identifier, connector …
+///       [a2h]
+///       …
+/// - Other text is a hex dump (see hexDumpBytes) in the linear layout.
+///
+/// An image may end early, but not before the identification is complete (96 bytes of A0h). With
+/// the family `automatic` the identifier byte or the labels decide; any other is taken as said.
+/// Throws ImageError.
+ModuleImage parseImage( std::string name, std::string_view content, ImageFamily family );
+
+/// The image as labelled text, which parses back to the same pages.
+std::string labelledForm( ModuleImage const & image );
+
+} // namespace XcvrTool

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// How texts come out, whichever command prints them.
+namespace XcvrTool {
+
+/// Results fit into this width wherever a single word does.
+inline constexpr std::size_t lineWidth = 100;
+
+/// Emphasis, where the reader is a person in front of a terminal.
+struct Style {
+   bool colour = false;
+
+   [[nodiscard]] std::string heading( std::string_view text ) const;
+   [[nodiscard]] std::string alarm( std::string_view text ) const;
+};
+
+/// A text of module memory without the padding behind it: blanks, or the zeros of some vendors.
+[[nodiscard]] std::string_view unpadded( std::string_view text );
+
+/// Bytes of module memory for a terminal: what is not printable ASCII becomes "_".
+[[nodiscard]] std::string printable( std::string_view bytes );
+
+/// Any bytes as UTF-8, which JSON has to be: what is valid UTF-8 stays, any other byte becomes the
+/// character of the same number.
+[[nodiscard]] std::string utf8( std::string_view bytes );
+
+/// The texts with ", " between them; "none" if there are none.
+[[nodiscard]] std::string joined( std::vector<std::string> const & texts );
+
+/// The text in lines of at most `width`, broken behind commas or, where there is none, at blanks; a
+/// longer word stays whole. At least one line.
+[[nodiscard]] std::vector<std::string> wrapped( std::string_view text, std::size_t width );
+
+} // namespace XcvrTool

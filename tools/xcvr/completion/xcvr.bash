@@ -1,0 +1,40 @@
+# bash completion for xcvr
+
+_xcvr() {
+   local current=${COMP_WORDS[COMP_CWORD]}
+   local previous=${COMP_WORDS[COMP_CWORD - 1]}
+   local command='' word
+   COMPREPLY=()
+
+   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+      case $word in
+      show | hexdump | explain)
+         command=$word
+         break
+         ;;
+      esac
+   done
+
+   if [[ $previous == --family ]]; then
+      mapfile -t COMPREPLY < <(compgen -W 'sfp' -- "$current")
+      return
+   fi
+
+   local options='--help'
+   case $command in
+   '') options+=' --version' ;;
+   show) options+=' --family --json' ;;
+   *) options+=' --family' ;;
+   esac
+
+   if [[ $current == -* ]]; then
+      mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+   elif [[ -z $command ]]; then
+      mapfile -t COMPREPLY < <(compgen -W 'show hexdump explain' -- "$current")
+   else
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+   fi
+}
+
+complete -F _xcvr xcvr
