@@ -1,0 +1,175 @@
+#include <Xcvr/XcvrDomDecoders.h>
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace Xcvr {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+constexpr uint8_t msb( unsigned word ) {
+   return static_cast<uint8_t>( word >> 8 );
+}
+constexpr uint8_t lsb( unsigned word ) {
+   return static_cast<uint8_t>( word );
+}
+
+/// The five coefficients as an externally calibrated module states them.
+struct Polynomial {
+   float c0 = 0, c1 = 0, c2 = 0, c3 = 0, c4 = 0;
+};
+
+double rxPower( unsigned raw, Polynomial const & p ) {
+   auto const byte = []( float coefficient, int index ) {
+      return static_cast<uint8_t>( std::bit_cast<uint32_t>( coefficient ) >> ( 24 - 8 * index ) );
+   };
+   return decodeDomECRxPower( msb( raw ), lsb( raw ), byte( p.c0, 0 ), byte( p.c0, 1 ),
+                              byte( p.c0, 2 ), byte( p.c0, 3 ), byte( p.c1, 0 ), byte( p.c1, 1 ),
+                              byte( p.c1, 2 ), byte( p.c1, 3 ), byte( p.c2, 0 ), byte( p.c2, 1 ),
+                              byte( p.c2, 2 ), byte( p.c2, 3 ), byte( p.c3, 0 ), byte( p.c3, 1 ),
+                              byte( p.c3, 2 ), byte( p.c3, 3 ), byte( p.c4, 0 ), byte( p.c4, 1 ),
+                              byte( p.c4, 2 ), byte( p.c4, 3 ) );
+}
+
+double dBm( double tenthMicrowatts ) {
+   return 10 * std::log10( tenthMicrowatts * 1e-7 ) + 30;
+}
+
+TEST( InternalCalibration, Temperature ) {
+   EXPECT_EQ( decodeDomICTemperature( 0x60, 0x00 ), 96.0 );
+   EXPECT_EQ( decodeDomICTemperature( 0x19, 0x80 ), 25.5 );
+   EXPECT_EQ( decodeDomICTemperature( 0x7f, 0xff ), 128 - 1 / 256. );
+   EXPECT_EQ( decodeDomICTemperature( 0x80, 0x00 ), -128.0 );
+   EXPECT_EQ( decodeDomICTemperature( 0xff, 0x00 ), -1.0 );
+   EXPECT_EQ( decodeDomICTemperature( 0xff, 0xff ), -1 / 256. );
+}
+
+TEST( InternalCalibration, VoltageAndBias ) {
+   EXPECT_DOUBLE_EQ( decodeDomICSupplyVoltage( 0x80, 0xe8 ), 3.3 );
+   EXPECT_DOUBLE_EQ( decodeDomICSupplyVoltage( 0xff, 0xff ), 6.5535 );
+   EXPECT_DOUBLE_EQ( decodeDomICTxBias( 0x0b, 0xb8 ), 6.0 );
+   EXPECT_DOUBLE_EQ( decodeDomICTxBias( 0xff, 0xff ), 131.07 );
+}
+
+TEST( InternalCalibration, Power ) {
+   EXPECT_EQ( decodeDomICPower( 0, 0 ), -infinity );
+   EXPECT_DOUBLE_EQ( decodeDomICPower( 0, 1 ), -40.0 );
+   EXPECT_NEAR( decodeDomICPower( msb( 10000 ), lsb( 10000 ) ), 0.0, 1e-12 );
+   EXPECT_NEAR( decodeDomICPower( msb( 5012 ), lsb( 5012 ) ), -2.99989, 1e-5 );
+}
+
+// Every register code survives the way to dBm and back, but for the cut to a whole number.
+TEST( InternalCalibration, PowerCodesRoundTrip ) {
+   for ( unsigned code = 1; code <= 0xffff; ++code ) {
+      unsigned const back = decibelTo16BitDomValue( decodeDomICPower( msb( code ), lsb( code ) ) );
+      ASSERT_TRUE( back == code || back == code - 1 ) << code << " came back as " << back;
+   }
+}
+
+TEST( ExternalCalibration, Constants ) {
+   EXPECT_EQ( decodeDomECSlope( 1, 0 ), 1.0 );
+   EXPECT_EQ( decodeDomECSlope( 0xff, 0xc0 ), 255.75 );
+   EXPECT_EQ( decodeDomECOffset( 0x00, 0x64 ), 100 );
+   EXPECT_EQ( decodeDomECOffset( 0xff, 0x9c ), -100 );
+   EXPECT_EQ( decodeDomECIEEEFloat( 0x40, 0x49, 0x0f, 0xdb ), 3.14159274f );
+   EXPECT_TRUE( std::isnan( decodeDomECIEEEFloat( 0x7f, 0xc0, 0, 0 ) ) );
+}
+
+// Slope 1, offset 0 and the polynomial r are no calibration at all.
+TEST( ExternalCalibration, IdentityIsTheInternalForm ) {
+   for ( unsigned raw = 0; raw <= 0xffff; raw += 51 ) {
+      uint8_t const m = msb( raw ), l = lsb( raw );
+      ASSERT_EQ( decodeDomECTemperature( m, l, 1, 0, 0, 0 ), decodeDomICTemperature( m, l ) );
+      ASSERT_EQ( decodeDomECSupplyVoltage( m, l, 1, 0, 0, 0 ), decodeDomICSupplyVoltage( m, l ) );
+      ASSERT_EQ( decodeDomECTxBias( m, l, 1, 0, 0, 0 ), decodeDomICTxBias( m, l ) );
+      ASSERT_EQ( decodeDomECTxPower( m, l, 1, 0, 0, 0 ), decodeDomICPower( m, l ) );
+      ASSERT_EQ( rxPower( raw, { .c1 = 1 } ), decodeDomICPower( m, l ) );
+   }
+}
+
+// Slope 1.5; the offset is signed and counts in raw units.
+TEST( ExternalCalibration, SlopeAndOffset ) {
+   EXPECT_DOUBLE_EQ( decodeDomECTemperature( 20, 0, 1, 0x80, 0xff, 0x00 ), 29.0 );
+   EXPECT_DOUBLE_EQ( decodeDomECTemperature( 0xec, 0, 1, 0x80, 0x01, 0x00 ), -29.0 );
+   EXPECT_DOUBLE_EQ( decodeDomECSupplyVoltage( msb( 20000 ), lsb( 20000 ), 1, 0x80, 0x0b, 0xb8 ),
+                     3.3 );
+   EXPECT_DOUBLE_EQ( decodeDomECTxBias( msb( 2000 ), lsb( 2000 ), 1, 0x80, 0xfe, 0x0c ), 5.0 );
+   EXPECT_DOUBLE_EQ( decodeDomECTxPower( msb( 4000 ), lsb( 4000 ), 1, 0x80, 0x00, 0x64 ),
+                     dBm( 6100 ) );
+   EXPECT_EQ( decodeDomECTxPower( 0, 10, 1, 0, 0xff, 0x00 ), -infinity ); // negative power
+}
+
+// A raw value is signed; what calibration lifts to 128 °C or more reads as negative all the same.
+TEST( ExternalCalibration, TemperatureFolds ) {
+   EXPECT_DOUBLE_EQ( decodeDomECTemperature( 100, 0, 1, 0x80, 0, 0 ), 150 - 256 );
+   EXPECT_DOUBLE_EQ( decodeDomECTemperature( 127, 0, 1, 0, 1, 0 ), -128 );
+   EXPECT_DOUBLE_EQ( decodeDomECTemperature( 0x80, 0, 2, 0, 0, 0 ), -256 );
+}
+
+TEST( ExternalCalibration, RxPowerTakesTheCoefficientsInTheirOrder ) {
+   EXPECT_DOUBLE_EQ( rxPower( 10, { .c0 = 5 } ), dBm( 5 ) );
+   EXPECT_DOUBLE_EQ( rxPower( 10, { .c1 = 5 } ), dBm( 5e1 ) );
+   EXPECT_DOUBLE_EQ( rxPower( 10, { .c2 = 5 } ), dBm( 5e2 ) );
+   EXPECT_DOUBLE_EQ( rxPower( 10, { .c3 = 5 } ), dBm( 5e3 ) );
+   EXPECT_DOUBLE_EQ( rxPower( 10, { .c4 = 5 } ), dBm( 5e4 ) );
+   EXPECT_DOUBLE_EQ( rxPower( 10, { 1, 2, 3, 4, 5 } ), dBm( 54321 ) );
+}
+
+TEST( ExternalCalibration, PowerThatCannotBeIsMinusInfinity ) {
+   auto const nan = static_cast<float>( notANumber );
+   auto const infinite = static_cast<float>( infinity );
+   EXPECT_EQ( rxPower( 100, {} ), -infinity );
+   EXPECT_EQ( rxPower( 100, { .c0 = -1 } ), -infinity );
+   EXPECT_EQ( rxPower( 100, { .c2 = nan } ), -infinity );
+   EXPECT_EQ( rxPower( 0, { .c4 = infinite } ), -infinity ); // infinity × 0
+   EXPECT_EQ( rxPower( 100, { .c4 = infinite } ), -infinity );
+   EXPECT_EQ( rxPower( 100, { .c1 = infinite, .c4 = -infinite } ), -infinity );
+}
+
+// Whatever a module's calibration holds, no measurement comes out as not-a-number.
+TEST( ExternalCalibration, AnyCoefficientsGiveANumber ) {
+   std::mt19937 random( 1 );
+   auto const coefficient = [&random] {
+      return std::bit_cast<float>( static_cast<uint32_t>( random() ) );
+   };
+   for ( int i = 0; i < 20000; ++i ) {
+      Polynomial const p{ coefficient(), coefficient(), coefficient(), coefficient(),
+                          coefficient() };
+      double const power = rxPower( random() & 0xffff, p );
+      ASSERT_FALSE( std::isnan( power ) );
+      ASSERT_LT( power, infinity );
+   }
+}
+
+TEST( Tuning, FrequencyGridAndChannel ) {
+   EXPECT_EQ( decodeTuningFrequency( 0, 191, msb( 3000 ), lsb( 3000 ) ), 191300u );
+   EXPECT_EQ( decodeTuningFrequency( 0, 196, msb( 1009 ), lsb( 1009 ) ), 196100u ); // 100.9 GHz cut
+   EXPECT_EQ( decodeTuningFrequency( 0xff, 0xff, 0xff, 0xff ), 65541553u );
+   EXPECT_EQ( decodeTuningGridSpacing( msb( 500 ), lsb( 500 ) ), 50u );
+   EXPECT_EQ( decodeTuningGridSpacing( 0, 125 ), 12u );
+   EXPECT_EQ( decodeTuningGridSpacing( 0xff, 0xff ), 6553u ); // unsigned
+   EXPECT_EQ( decodeTuningChannel( 0x01, 0x02 ), 258 );
+}
+
+TEST( PowerCode, CutsAndSaturates ) {
+   struct Case {
+      double dBm;
+      uint16_t code;
+   };
+   Case const cases[] = { { 0.0, 10000 },      { -10.0, 1000 },  { -3.0, 5011 },
+                          { -40.0, 1 },        { -40.1, 0 },     { 8.16, 65463 },
+                          { 8.17, 65535 },     { 20.0, 65535 },  { 1e300, 65535 },
+                          { infinity, 65535 }, { -infinity, 0 }, { notANumber, 0 } };
+   for ( Case const & c : cases ) {
+      EXPECT_EQ( decibelTo16BitDomValue( c.dBm ), c.code ) << c.dBm << " dBm";
+   }
+}
+
+} // namespace
+} // namespace Xcvr

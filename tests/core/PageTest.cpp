@@ -1,0 +1,107 @@
+#include "core/Checksum.h"
+#include "core/MemoryMapCheck.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace Xcvr {
+namespace {
+
+using enum MemoryKind;
+
+TEST( PageView, ReadsBigEndianNumbers ) {
+   PageView const page( std::string_view( "\x01\x82\xff\x40\x49\x0f\xdb", 7 ) );
+   EXPECT_EQ( page.u8( 1 ), 0x82 );
+   EXPECT_EQ( page.s8( 1 ), -126 );
+   EXPECT_EQ( page.u16be( 0 ), 0x0182 );
+   EXPECT_EQ( page.s16be( 1 ), -32001 );
+   EXPECT_EQ( page.unsignedBe( 0, 3 ), 0x0182ffu );
+   EXPECT_EQ( page.f32be( 3 ), 3.14159274f );
+   EXPECT_TRUE( page.bit( { 1, 0x80 } ) );
+   EXPECT_FALSE( page.bit( { 1, 0x40 } ) );
+}
+
+// A field that ends behind the page, even by one byte, is not there; a text is what there is of it.
+TEST( PageView, NothingLiesBehindThePage ) {
+   std::string const bytes = "\xff\xff\xff";
+   PageView const page( bytes );
+   for ( uint32_t at : { 2u, 3u, 0xffffu, 0xffffffffu } ) {
+      EXPECT_EQ( page.u16be( at ), 0 ) << at;
+      EXPECT_EQ( page.unsignedBe( at, 8 ), 0u ) << at;
+      EXPECT_EQ( page.f32be( at ), 0.0f ) << at;
+   }
+   EXPECT_EQ( page.u8( 3 ), 0 );
+   EXPECT_EQ( page.text( 1, 16 ), bytes.substr( 1 ) );
+   EXPECT_EQ( page.text( 3, 16 ), "" );
+   EXPECT_EQ( page.text( 0xffffffff, 0xffffffff ), "" );
+   EXPECT_FALSE( PageView( "" ).bit( { 0, 0xff } ) );
+}
+
+TEST( PageView, ValueIsInTheUnitOfTheField ) {
+   PageView const page( std::string_view( "\xff\x00\x00\x05", 4 ) );
+   EXPECT_EQ( page.value( { "celsius", "p", 0, 2, s16be, "°C", 1 / 256. } ), -1.0 );
+   EXPECT_EQ( page.value( { "metres", "p", 3, 1, u8, "m", 10 } ), 50.0 );
+   EXPECT_EQ( page.value( { "decibels", "p", 0, 1, s8, "dB", 0.5 } ), -0.5 );
+   EXPECT_EQ( page.value( { "name", "p", 0, 4, text } ), 0.0 );
+}
+
+TEST( MemoryMap, FaultyTablesAreRefused ) {
+   static constexpr MemoryBit bits[] = { { 7, "high" }, { 0, "low" } };
+   static constexpr MemoryBit unordered[] = { { 0, "low" }, { 7, "high" } };
+   static constexpr MemoryBit outside[] = { { 8, "ninth" } };
+   MemoryField const first{ "first", "p", 0, 2, u16be };
+   struct Case {
+      std::string_view fault;
+      std::vector<MemoryField> fields;
+   };
+   Case const cases[] = {
+      { "",
+        { first, { "bits", "p", 2, 1, MemoryKind::bits, "", 1, bits }, { "x", "q", 0, 1, u8 } } },
+      { "", { first, { "again", "p", 1, 1, u8, "", 1, {}, true } } },
+      { "the width of a row does not fit its kind", { { "first", "p", 0, 2, u8 } } },
+      { "the width of a row does not fit its kind", { { "bits", "p", 0, 1, MemoryKind::bits } } },
+      { "a row runs off its page", { { "first", "p", 15, 2, u16be } } },
+      { "the bits of a row are out of order or outside it",
+        { { "bits", "p", 0, 1, MemoryKind::bits, "", 1, unordered } } },
+      { "the bits of a row are out of order or outside it",
+        { { "bits", "p", 0, 1, MemoryKind::bits, "", 1, outside } } },
+      { "rows are out of order", { { "second", "p", 2, 1, u8 }, first } },
+      { "two rows have one name", { first, { "first", "p", 2, 1, u8 } } },
+      { "rows overlap without being marked as shared", { first, { "next", "p", 1, 1, u8 } } },
+      { "a row marked as shared shares nothing",
+        { first, { "x", "p", 2, 1, u8, "", 1, {}, true } } },
+   };
+   for ( Case const & c : cases ) {
+      EXPECT_EQ( memoryMapFault( c.fields, 16 ), c.fault );
+   }
+}
+
+TEST( MemoryMap, FaultyConditionsAreRefused ) {
+   static constexpr MemoryBit bits[] = { { 3, "used" } };
+   MemoryField const fields[] = { { "flags", "p", 0, 1, MemoryKind::bits, "", 1, bits },
+                                  { "number", "p", 4, 1, u8 } };
+   using Conditions = std::vector<MemoryCondition>;
+   EXPECT_EQ( memoryConditionsFault( Conditions{ { "p", 2, 9, "flags", "used" } }, fields ), "" );
+   EXPECT_EQ( memoryConditionsFault( Conditions{ { "p", 2, 9, "flags", "other" } }, fields ),
+              "a condition names no bit of the table" );
+   EXPECT_EQ( memoryConditionsFault( Conditions{ { "p", 5, 9, "flags", "used" } }, fields ),
+              "a condition covers no row" );
+}
+
+TEST( Checksum, SumsSignedBytesOfAnyLength ) {
+   for ( int fill : { 0x01, 0x7f, 0x80, 0xff } ) {
+      std::string bytes;
+      int sum = 0;
+      for ( unsigned size = 0; size <= 256; ++size ) {
+         ASSERT_EQ( signedByteSum( bytes ), sum ) << size << " bytes, the last " << fill;
+         auto const byte = static_cast<signed char>( fill - static_cast<int>( size % 3 ) );
+         bytes += static_cast<char>( byte );
+         sum += byte;
+      }
+   }
+}
+
+} // namespace
+} // namespace Xcvr

@@ -1,0 +1,95 @@
+#include <Vel/HashMap.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+
+namespace {
+
+/// A key most of whose hashes are those of other keys, so that searches run over many slots.
+struct Colliding {
+   uint32_t value = 0;
+   [[nodiscard]] std::size_t hash() const { return std::size_t( value % 3 ) << 32; }
+   friend auto operator<=>( Colliding const &, Colliding const & ) = default;
+};
+
+/// Neighbouring homes that wrap from the end of the table to its start.
+struct Neighbouring {
+   uint32_t value = 0;
+   [[nodiscard]] std::size_t hash() const { return ~std::size_t( value % 8 ) << 32; }
+   friend auto operator<=>( Neighbouring const &, Neighbouring const & ) = default;
+};
+
+template <typename K>
+K keyOf( uint32_t number ) {
+   if constexpr ( std::is_same_v<K, Vel::String> )
+      return Vel::String( "a rather long interface name " + std::to_string( number ) );
+   else
+      return K{ number };
+}
+
+template <typename K>
+class HashMap : public testing::Test {
+ protected:
+   void expectEqual() const {
+      ASSERT_EQ( map.size(), model.size() );
+      ASSERT_EQ( map.empty(), model.empty() );
+      std::map<K, uint32_t> walked;
+      for ( auto const & [key, value] : map )
+         ASSERT_TRUE( walked.emplace( key, value ).second ) << "walked twice";
+      ASSERT_EQ( walked, model );
+      for ( uint32_t number = 0; number < keys; ++number )
+         ASSERT_EQ( map.find( keyOf<K>( number ) ) != map.end(),
+                    model.contains( keyOf<K>( number ) ) );
+   }
+   static constexpr uint32_t keys = 300;
+   Vel::HashMap<K, uint32_t> map;
+   std::map<K, uint32_t> model;
+};
+using Keys = testing::Types<uint32_t, Vel::String, Colliding, Neighbouring>;
+TYPED_TEST_SUITE( HashMap, Keys );
+
+TYPED_TEST( HashMap, BehavesAsAMapUnderALongSequenceOfOperations ) {
+   std::mt19937 random( 3 );
+   // How many of the keys may come: few entries that come and go, then a growing map.
+   for ( uint32_t const few : { 5U, 20U, 100U, TestFixture::keys } ) {
+      for ( int step = 0; step < 5000; ++step ) {
+         if ( step % 500 == 0 ) {
+            ASSERT_NO_FATAL_FAILURE( this->expectEqual() );
+         }
+         TypeParam const key = keyOf<TypeParam>( static_cast<uint32_t>( random() ) % few );
+         auto * const found = this->map.find( key );
+         auto const inModel = this->model.find( key );
+         ASSERT_EQ( found != this->map.end(), inModel != this->model.end() );
+         auto const value = static_cast<uint32_t>( random() );
+         if ( found == this->map.end() ) {
+            this->map.emplace( key, value );
+            this->model.emplace( key, value );
+            continue;
+         }
+         ASSERT_EQ( found->first, key );
+         ASSERT_EQ( found->second, inModel->second );
+         if ( value % 4 == 0 ) {
+            found->second = inModel->second = value;
+         } else {
+            this->map.erase( found );
+            this->model.erase( inModel );
+         }
+      }
+   }
+   Vel::HashMap<TypeParam, uint32_t> const copy = this->map;
+   while ( !this->map.empty() )
+      this->map.erase( this->map.begin() );
+   this->model.clear();
+   ASSERT_NO_FATAL_FAILURE( this->expectEqual() );
+   this->map = copy;
+   EXPECT_GT( this->map.size(), 0U );
+   this->map.clear();
+   ASSERT_NO_FATAL_FAILURE( this->expectEqual() );
+   this->map.emplace( keyOf<TypeParam>( 7 ), 7 );
+   EXPECT_EQ( this->map.find( keyOf<TypeParam>( 7 ) )->second, 7U );
+}
+
+} // namespace

@@ -1,0 +1,30 @@
+#include "tests/support/AllocationCount.h"
+
+#include <cstdlib>
+#include <new>
+
+std::size_t AllocationCount::totalCalls = 0;
+std::size_t AllocationCount::totalBytes = 0;
+
+void * operator new( std::size_t size ) {
+   ++AllocationCount::totalCalls;
+   AllocationCount::totalBytes += size;
+   if ( void * memory = std::malloc( size ) )
+      return memory;
+   throw std::bad_alloc();
+}
+void * operator new[]( std::size_t size ) {
+   return operator new( size );
+}
+void operator delete( void * memory ) noexcept {
+   std::free( memory );
+}
+void operator delete( void * memory, std::size_t ) noexcept {
+   std::free( memory );
+}
+void operator delete[]( void * memory ) noexcept {
+   std::free( memory );
+}
+void operator delete[]( void * memory, std::size_t ) noexcept {
+   std::free( memory );
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <Vel/Trace.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// Keeps the trace records of its lifetime, of one source or, as "*", of all; trace is off before
+/// and after it.
+class TraceCapture {
+ public:
+   struct Record {
+      std::string source;
+      int level;
+      int line;
+      std::string operation;
+      std::string text;
+   };
+
+   explicit TraceCapture( std::string_view source = "*", int level = 9 ) {
+      Vel::traceSinkIs( [this]( Vel::TraceRecord const & record ) {
+         records_.push_back( { std::string( record.source ), record.level, record.line,
+                               std::string( record.operation ), std::string( record.text ) } );
+      } );
+      Vel::traceLevelIs( source, level );
+   }
+   TraceCapture( TraceCapture const & ) = delete;
+   TraceCapture & operator=( TraceCapture const & ) = delete;
+   ~TraceCapture() {
+      Vel::traceLevelIs( "*", 0 );
+      Vel::traceSinkIs( {} );
+   }
+
+   [[nodiscard]] std::vector<Record> takeRecords() { return std::exchange( records_, {} ); }
+
+ private:
+   std::vector<Record> records_;
+};
