@@ -56,7 +56,8 @@ VEL_ENUM( PowerClass,
    xcvrPowerClass5, xcvrPowerClass6, xcvrPowerClass7 );
 using enum PowerClass;
 
-/// Whether a slot's module can be pulled; named XcvrNewStatus::XcvrSwappability by its users.
+/// Whether a slot's module can be pulled. It stands here beside the other enumerations; the status
+/// entity brings it in as XcvrNewStatus::XcvrSwappability.
 VEL_ENUM( XcvrSwappability,
    fixed, hotSwappable );
 
@@ -172,6 +173,7 @@ class EepromDescriptor {
    }
    void pageSizeBytesIs( uint8_t page, uint16_t size ) { pageSizeBytes_[page] = size; }
    void pageSizeBytesDel( uint8_t page ) { pageSizeBytes_.erase( page ); }
+   void pageSizeBytesDelAll() { pageSizeBytes_.clear(); }
 };
 
 // ---------------------------------------------------------------------------------------------

@@ -24,24 +24,22 @@ class VEL_API BitField {
 
 } // namespace Hal
 
-// The bit-field accessors of a register value type whose number is `uint`.
-#define HAL_REGISTER_BITS_( uint )                                                                   \
- public:                                                                                             \
-   /* The field of bits `high` to `low`, both included, as a number. */                              \
-   [[nodiscard]] uint bits( unsigned high, unsigned low ) const {                                    \
-      return static_cast<uint>( Internal::BitField( width, high, low ).of( value_ ) );               \
-   }                                                                                                 \
-   /* Replaces that field; throws Vel::RangeException, changing nothing, for a number too large.   \
-    */ \
-   void bitsIs( unsigned high, unsigned low, uint field ) {                                          \
-      value_ = static_cast<uint>( Internal::BitField( width, high, low ).in( value_, field ) );      \
-   }                                                                                                 \
-   [[nodiscard]] bool bit( unsigned at ) const {                                                     \
-      return bits( at, at ) != 0;                                                                    \
-   }                                                                                                 \
-   void bitIs( unsigned at, bool on ) {                                                              \
-      bitsIs( at, at, on );                                                                          \
-   }                                                                                                 \
+// The bit-field accessors of a register value type whose number is `uint`: bits `high` to `low`, both
+// included. A number too large for its field throws Vel::RangeException and changes nothing.
+#define HAL_REGISTER_BITS_( uint )                                                                 \
+ public:                                                                                           \
+   [[nodiscard]] uint bits( unsigned high, unsigned low ) const {                                  \
+      return static_cast<uint>( Internal::BitField( width, high, low ).of( value_ ) );             \
+   }                                                                                               \
+   void bitsIs( unsigned high, unsigned low, uint field ) {                                        \
+      value_ = static_cast<uint>( Internal::BitField( width, high, low ).in( value_, field ) );    \
+   }                                                                                               \
+   [[nodiscard]] bool bit( unsigned at ) const {                                                   \
+      return bits( at, at ) != 0;                                                                  \
+   }                                                                                               \
+   void bitIs( unsigned at, bool on ) {                                                            \
+      bitsIs( at, at, on );                                                                        \
+   }                                                                                               \
    static constexpr unsigned width = 8 * sizeof( uint );
 
 namespace Hal {

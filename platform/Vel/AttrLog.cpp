@@ -22,13 +22,13 @@ void NboAttrLog::grow( std::size_t count ) {
 
 namespace Internal {
 
-void LogCursor::fail( std::string_view problem ) const {
-   throw AttrLogException( static_cast<std::size_t>( at - begin ), problem );
+void LogCursor::failAt( LogCursor in, std::string_view problem ) {
+   throw AttrLogException( static_cast<std::size_t>( in.at - in.begin ), problem );
 }
 
-void LogCursor::truncated( std::size_t needed ) const {
-   fail( "truncated: " + std::to_string( needed ) + " bytes needed, " +
-         std::to_string( static_cast<std::size_t>( end - at ) ) + " left" );
+void LogCursor::truncated( LogCursor in, std::size_t needed ) {
+   in.fail( "truncated: " + std::to_string( needed ) + " bytes needed, " +
+            std::to_string( static_cast<std::size_t>( in.end - in.at ) ) + " left" );
 }
 
 } // namespace Internal

@@ -12,14 +12,17 @@ namespace Vel {
 
 /// An attribute log: values one after another, without heads, in network byte order.
 ///
-///    bool                one byte, 0 or 1           8-, 16-, 32-, 64-bit integer   as wide as it
-///    is double, Seconds     eight bytes of IEEE 754    enumeration    32-bit code String 32-bit
-///    length, then bytes  value          its fields in place, in order map                 32-bit
-///    number of entries, then key and value of each
+///    bool              one byte, 0 or 1
+///    integer           as wide as it is
+///    double, Seconds   eight bytes of IEEE 754
+///    enumeration       its code in four bytes
+///    String            its length in four bytes, then its bytes
+///    map               the number of entries in four bytes, then key and value of each
+///    value             its fields in place, in the order of declaration
 ///
-/// `write( v )` appends; `explicit T( NboAttrLog & )` of a value type and `read< T >()` take the
-/// next value and throw AttrLogException for a log that is truncated or holds what T cannot; the
-/// log then stays where it was. Needs <Vel/Define.h> for anything but value types.
+/// `write( v )` appends; `explicit T( NboAttrLog & )` of a value type and `read<T>()` take the next
+/// value and throw AttrLogException for a log that is truncated or holds what T cannot; the log then
+/// stays where it was. Needs <Vel/Define.h> for anything but value types.
 class VEL_API NboAttrLog {
  public:
    NboAttrLog() = default;
@@ -32,6 +35,9 @@ class VEL_API NboAttrLog {
    void write( T const & v );
    template <typename T>
    [[nodiscard]] T read();
+   /// Reads in place. Where it throws, `v` holds what had been read by then.
+   template <typename T>
+   void readInto( T & v );
 
    /// All bytes of the log, read or not.
    [[nodiscard]] std::string_view bytes() const {

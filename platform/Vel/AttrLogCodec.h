@@ -93,11 +93,15 @@ struct LogCursor {
 
    [[gnu::always_inline]] void need( std::size_t count ) const {
       if ( static_cast<std::size_t>( end - at ) < count ) [[unlikely]] {
-         truncated( count );
+         truncated( *this, count );
       }
    }
-   [[noreturn, gnu::cold]] VEL_API void truncated( std::size_t needed ) const;
-   [[noreturn, gnu::cold]] VEL_API void fail( std::string_view problem ) const;
+   [[gnu::always_inline, noreturn]] void fail( std::string_view problem ) const {
+      failAt( *this, problem );
+   }
+   // By value: a cursor whose address is known elsewhere would have to live in memory.
+   [[noreturn, gnu::cold]] VEL_API static void truncated( LogCursor in, std::size_t needed );
+   [[noreturn, gnu::cold]] VEL_API static void failAt( LogCursor in, std::string_view problem );
 };
 
 template <typename T>
@@ -166,11 +170,16 @@ void NboAttrLog::write( T const & v ) {
 }
 
 template <typename T>
-T NboAttrLog::read() {
+[[gnu::always_inline]] inline void NboAttrLog::readInto( T & v ) {
    Internal::LogCursor in{ bytes_.get(), bytes_.get() + position_, bytes_.get() + size_ };
-   T v{};
    Internal::decode( in, v );
    position_ = static_cast<std::size_t>( in.at - in.begin );
+}
+
+template <typename T>
+T NboAttrLog::read() {
+   T v{};
+   readInto( v );
    return v;
 }
 

@@ -39,6 +39,9 @@ struct EnumeratorReader {
    }
    static constexpr uint32_t number( std::string_view text ) {
       uint32_t const base = text.starts_with( "0x" ) ? 16 : 10;
+      if ( base == 10 && text.size() > 1 && text[0] == '0' ) {
+         throw "an octal number";
+      }
       uint32_t value = 0;
       for ( char c : text.substr( base == 16 ? 2 : 0 ) ) {
          std::size_t const digit = std::string_view( "0123456789abcdefABCDEF" ).find( c );
@@ -128,7 +131,7 @@ inline constexpr ValueModel valueModel{ typeName<T>(), valueFields<T>.data(),
       *this = Vel::fromStringForm<T>( stringForm );                                                \
    }                                                                                               \
    T::Constructor( Vel::NboAttrLog & log ) : Constructor() {                                       \
-      *this = log.read<T>();                                                                       \
+      log.readInto( *this );                                                                       \
    }                                                                                               \
    void T::velWrite( Vel::NboAttrLog & log ) const {                                               \
       Vel::Internal::encode( log.append( Vel::Internal::encodedSize( *this ) ), *this );           \

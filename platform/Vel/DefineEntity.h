@@ -34,13 +34,14 @@ String attrText( T const & value ) {
    }
 }
 
-/// The entity that an attribute's contents hold under that name.
+/// The child of that name among what an attribute owns: a collection's by its name, a single one
+/// whatever the name.
 template <typename T>
-Ptr<Entity const> heldBy( T const & contents, Name const & name ) {
-   if constexpr ( requires { contents.get(); } ) {
-      return Ptr<Entity const>( contents.get() );
+Ptr<Entity const> childNamed( T const & owned, Name const & name ) {
+   if constexpr ( requires { owned.get(); } ) {
+      return Ptr<Entity const>( owned.get() );
    } else {
-      for ( auto const & entry : contents ) {
+      for ( auto const & entry : owned ) {
          if ( entry.second->name() == name ) {
             return Ptr<Entity const>( entry.second.get() );
          }
@@ -54,7 +55,8 @@ template <typename T, std::size_t N>
 struct AttrTableBuilder {
    template <AttrKind kind, typename Key, typename Type, typename Getter>
    constexpr void attribute( char const * name, Getter ) {
-      constexpr bool holds = kind >= AttrKind::children && kind <= AttrKind::child;
+      constexpr bool owns = kind == AttrKind::children || kind == AttrKind::orderedChildren ||
+                            kind == AttrKind::entries || kind == AttrKind::child;
       AttrInfo & row = table[count++];
       row.name = name;
       row.kind = kind;
@@ -65,9 +67,9 @@ struct AttrTableBuilder {
       row.text = []( Entity const & e ) {
          return String( attrText( Getter{}( static_cast<T const &>( e ) ) ) );
       };
-      if constexpr ( holds ) {
-         row.held = []( Entity const & e, Name const & key ) -> Ptr<Entity const> {
-            return heldBy( Getter{}( static_cast<T const &>( e ) ), key );
+      if constexpr ( owns ) {
+         row.child = []( Entity const & e, Name const & childName ) -> Ptr<Entity const> {
+            return childNamed( Getter{}( static_cast<T const &>( e ) ), childName );
          };
       }
    }

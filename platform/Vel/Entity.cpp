@@ -81,12 +81,22 @@ void Entity::velNullRefused( std::string_view typeName, std::string_view attribu
    assertionFailed( __FILE__, __LINE__, text.c_str() );
 }
 
+void Entity::velAdopt( Entity & child, Name const & attribute, void const * home, Path path ) {
+   for ( Entity const * ancestor = this; ancestor; ancestor = ancestor->parent_ ) {
+      VEL_ASSERT_TEXT( ancestor != &child, "an entity cannot be below itself" );
+   }
+   child.parent_ = this;
+   child.parentAttrName_ = attribute;
+   child.home_ = home;
+   child.path_ = path;
+}
+
 Name Entity::fullName() const {
    if ( !parent_ ) {
       return name_;
    }
    Name result = parent_->fullName() + "/";
-   if ( !parentAttrName_.empty() && parentAttrName_ != name_ ) {
+   if ( path_ == Path::throughAttribute ) {
       result += parentAttrName_ + "/";
    }
    return result += name_;
@@ -94,22 +104,38 @@ Name Entity::fullName() const {
 
 namespace {
 
-/// What `entity` holds under a path's first names, which are then taken off the path.
-Ptr<Entity const> heldUnder( Entity const & entity, std::string_view & path ) {
-   auto const takeName = [&path] {
-      std::string_view const name = path.substr( 0, path.find( '/' ) );
-      path.remove_prefix( std::min( name.size() + 1, path.size() ) );
-      return name;
-   };
-   std::string_view const first = takeName();
+/// The child that an attribute holds under the start of a path, which is then taken off the path.
+Ptr<Entity const> childUnder( AttrInfo const & attribute, Entity const & entity,
+                              std::string_view & path ) {
+   std::size_t end = 0;
+   do {
+      end = path.find( '/', end + 1 );
+      std::string_view const name = path.substr( 0, end );
+      if ( Ptr<Entity const> child = attribute.child( entity, name ) ) {
+         path.remove_prefix( std::min( name.size() + 1, path.size() ) );
+         return child;
+      }
+   } while ( end != std::string_view::npos );
+   return nullptr;
+}
+
+/// The same of whatever attribute the path leads to.
+Ptr<Entity const> childUnder( Entity const & entity, std::string_view & path ) {
+   std::string_view const first = path.substr( 0, path.find( '/' ) );
    for ( EntityModel const * model = &entity.velModel(); model; model = model->base ) {
       for ( AttrInfo const & attribute : *model ) {
+         if ( !attribute.child ) {
+            continue;
+         }
          if ( attribute.kind == AttrKind::entries ) {
-            if ( Ptr<Entity const> entry = attribute.held( entity, first ) ) {
+            if ( Ptr<Entity const> entry = childUnder( attribute, entity, path ) ) {
                return entry;
             }
          } else if ( attribute.name == first ) {
-            return attribute.held( entity, attribute.kind == AttrKind::child ? first : takeName() );
+            if ( attribute.kind != AttrKind::child ) {
+               path.remove_prefix( std::min( first.size() + 1, path.size() ) );
+            }
+            return childUnder( attribute, entity, path );
          }
       }
    }
@@ -120,9 +146,12 @@ Ptr<Entity const> heldUnder( Entity const & entity, std::string_view & path ) {
 
 Ptr<Entity const> Entity::entity( Name const & path ) const {
    std::string_view rest = path;
-   Ptr<Entity const> at = rest.empty() ? Ptr<Entity const>( this ) : heldUnder( *this, rest );
+   if ( rest.empty() ) {
+      return refCount() != 0 ? Ptr<Entity const>( this ) : nullptr;
+   }
+   Ptr<Entity const> at = childUnder( *this, rest );
    while ( at && !rest.empty() ) {
-      at = heldUnder( *at, rest );
+      at = childUnder( *at, rest );
    }
    return at;
 }

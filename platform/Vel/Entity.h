@@ -39,8 +39,7 @@ class VEL_API Entity : public PtrInterface {
 
    [[nodiscard]] Name const & name() const { return name_; }
    /// The names from the root down, such as "hardware/xcvr/xgc". An entity that its parent holds in
-   /// an attribute has that attribute's name before its own, "slot1/laneStatus/3", unless it is the
-   /// same.
+   /// a collection has that attribute's name before its own, "slot1/laneStatus/3".
    [[nodiscard]] Name fullName() const;
    /// The entity that owns this one; null for a root.
    [[nodiscard]] Entity * parent() { return parent_; }
@@ -48,12 +47,14 @@ class VEL_API Entity : public PtrInterface {
    /// The attribute in which the parent holds this one; empty for a root and for the entry of a
    /// `Dir`.
    [[nodiscard]] Name const & parentAttrName() const { return parentAttrName_; }
-   /// The entity of that path below this one, "laneStatus/3" or, in a directory, "xcvr/xgc"; an
-   /// empty path is the entity itself. Null when there is none.
+   /// The child of that path below this one, "laneStatus/3" or, in a directory, "xcvr/xgc"; null when
+   /// there is none. Names may hold slashes: the shortest that leads on is taken. The empty path is
+   /// the entity itself, or null for one that no pointer holds.
    [[nodiscard]] Ptr<Entity const> entity( Name const & path ) const;
    [[nodiscard]] Ptr<Entity> entity( Name const & path );
 
-   /// Gives an entity that comes back from a saved state its name; observers are not told.
+   /// Gives an entity that comes back from a saved state its name; observers are not told. To be
+   /// done before it is put anywhere: collections hold it under the name that it had then.
    void nameIsFromBackup( Name name ) { name_ = std::move( name ); }
 
    /// The entity's type with its attributes, for reflection.
@@ -88,26 +89,28 @@ class VEL_API Entity : public PtrInterface {
          id, []( NotifieeBase * observer ) { ( static_cast<N *>( observer )->*handler )(); } );
    }
 
-   // The same of a collection; the caller holds the entity.
+   // The same of a collection, in steps: the observers are those of the first one, whose list had
+   // had `latest` changes by then. The caller holds the entity.
    template <typename N, typename K>
-   void velTellKey( KeyedHandlers<N, K> const & handlers, K const & key ) const {
-      observers_.deliver( handlers.id, [&]( NotifieeBase * observer ) {
+   void velTellKey( KeyedHandlers<N, K> const & handlers, uint64_t latest, K const & key ) const {
+      observers_.deliverAfter( 0, latest, handlers.id, [&]( NotifieeBase * observer ) {
          ( static_cast<N *>( observer )->*handlers.one )( key );
       } );
    }
    template <typename N, typename K>
-   void velTellWhole( KeyedHandlers<N, K> const & handlers ) const {
-      observers_.deliver( handlers.id, [&]( NotifieeBase * observer ) {
+   void velTellWhole( KeyedHandlers<N, K> const & handlers, uint64_t latest ) const {
+      observers_.deliverAfter( 0, latest, handlers.id, [&]( NotifieeBase * observer ) {
          ( static_cast<N *>( observer )->*handlers.whole )();
       } );
    }
+   /// `key` must be a copy of the caller's own: handlers may destroy the collection's.
    template <typename N, typename K>
    void velTellEntry( KeyedHandlers<N, K> const & handlers, K const & key ) const {
-      if ( velObserved() ) [[unlikely]] {
+      if ( velObserved() ) {
          Hold const hold( *this );
-         K const told = key; // a handler may destroy what `key` refers to
-         velTellKey( handlers, told );
-         velTellWhole( handlers );
+         uint64_t const latest = observers_.changes();
+         velTellKey( handlers, latest, key );
+         velTellWhole( handlers, latest );
       }
    }
 
@@ -120,15 +123,16 @@ class VEL_API Entity : public PtrInterface {
    template <typename Map, typename Handlers>
    void velEntryIs( Map & map, typename Map::key_type const & key,
                     typename Map::mapped_type const & value, Handlers const & handlers ) {
-      auto const found = map.find( key );
+      typename Map::key_type const told = key; // `key` may be part of the collection
+      auto const found = map.find( told );
       if ( found == map.end() ) {
-         map.emplace( key, value );
+         map.emplace( told, value );
       } else if ( found->second == value ) {
          return;
       } else {
          found->second = value;
       }
-      velTellEntry( handlers, key );
+      velTellEntry( handlers, told );
    }
    template <typename Map, typename Handlers>
    void velEntryDel( Map & map, typename Map::key_type const & key, Handlers const & handlers ) {
@@ -153,10 +157,11 @@ class VEL_API Entity : public PtrInterface {
       }
       if ( velObserved() ) {
          Hold const hold( *this );
+         uint64_t const latest = observers_.changes();
          for ( auto const & entry : removed ) {
-            velTellKey( handlers, entry.first );
+            velTellKey( handlers, latest, entry.first );
          }
-         velTellWhole( handlers );
+         velTellWhole( handlers, latest );
       }
    }
    template <typename Child, typename Map, typename Handlers>
@@ -166,43 +171,42 @@ class VEL_API Entity : public PtrInterface {
       if ( found != map.end() ) {
          return found->second;
       }
-      Ptr<Child> const child( new Child( key ) );
-      velAdopt( *child, attribute, &map );
-      map.emplace( key, child );
-      velTellEntry( handlers, key );
+      typename Map::key_type const told = key; // `key` may be part of what a handler destroys
+      Ptr<Child> const child( new Child( told ) );
+      velAdopt( *child, attribute, &map, Path::throughAttribute );
+      map.emplace( told, child );
+      velTellEntry( handlers, told );
       return child;
    }
-   /// Holds an entity under its own name. `attribute` is null for entities that live elsewhere.
-   template <typename T, typename Map, typename Handlers>
-   void velPointerIs( Map & map, Ptr<T> const & pointer, char const * attribute,
-                      Handlers const & handlers ) {
+   /// Holds an entity under its own name; one that is `owned` becomes a child. An entity has one
+   /// parent, the one that it was given to last.
+   template <bool owned, typename T, typename Map, typename Handlers>
+   void velPointerIs( Map & map, Ptr<T> const & pointer, Handlers const & handlers ) {
       Ptr<T> const added = pointer; // the caller's own may go before the end
-      auto const found = map.find( added->name() );
+      Name const told = added->name();
+      if constexpr ( owned ) {
+         velAdopt( *added, Name(), &map, Path::direct );
+      }
+      auto const found = map.find( told );
       Ptr<T> replaced;
       if ( found == map.end() ) {
-         map.emplace( added->name(), added );
+         map.emplace( told, added );
       } else if ( found->second == added ) {
          return;
       } else {
          replaced = std::exchange( found->second, added );
-      }
-      if constexpr ( !std::is_const_v<T> ) {
-         if ( attribute ) {
-            if ( replaced ) {
-               velOrphan( replaced, &map );
-            }
-            velAdopt( *added, attribute, &map );
+         if constexpr ( owned ) {
+            velOrphan( replaced, &map );
          }
       }
-      velTellEntry( handlers, Name( added->name() ) );
+      velTellEntry( handlers, told );
    }
    [[noreturn]] static void velNullRefused( std::string_view typeName, std::string_view attribute );
 
-   void velAdopt( Entity & child, Name const & attribute, void const * home ) {
-      child.parent_ = this;
-      child.parentAttrName_ = attribute;
-      child.home_ = home;
-   }
+   /// What leads from a parent to its child.
+   enum class Path : uint8_t { throughAttribute, direct };
+   /// Makes this the parent; `home` is the attribute that holds the child. Fatal for an ancestor.
+   void velAdopt( Entity & child, Name const & attribute, void const * home, Path path );
    /// Ends the parenthood of what has left the attribute `home`, unless it has found another
    /// parent. Nothing for values and for entities that live elsewhere.
    template <typename V>
@@ -233,6 +237,7 @@ class VEL_API Entity : public PtrInterface {
    mutable ObserverList observers_;
    Entity * parent_ = nullptr;
    void const * home_ = nullptr; // the parent's attribute that owns this one
+   Path path_ = Path::direct;
    Name name_;
    Name parentAttrName_;
 };
@@ -283,7 +288,8 @@ class Ref : public NotifieeBase {
 ///
 /// Kinds, and what each declares for an attribute `foo` whose handler is `onFoo`:
 ///
-///    ( Plain, foo, onFoo, Type )           foo(), fooIs( v ); writing the value held is silent
+///    ( Plain, foo, onFoo, Type )           foo(), fooIs( v ); writing the value held is silent (a NaN
+///                                          is never the value held)
 ///    ( Constant, foo, Type )               foo(); the constructor initialises foo_
 ///    ( Counter, foo, onFoo, Type )         as Plain, and fooInc( n ), which always tells; wraps
 ///    ( Values, foo, onFoo, Key, Type )     foo( key ), fooHas( key ), fooIs( key, v ), fooDel( key ),
@@ -414,37 +420,39 @@ class Ref : public NotifieeBase {
 #define VEL_MEMBERS_Values_( ... ) VEL_MEMBERS_AnyValues_( HashMap, __VA_ARGS__ )
 #define VEL_MEMBERS_OrderedValues_( ... ) VEL_MEMBERS_AnyValues_( OrderedMap, __VA_ARGS__ )
 
-#define VEL_MEMBERS_AnyChildren_( Map, name, onName, Key, ... )                                    \
-   VEL_MEMBERS_Map_( name, onName, Key, Vel::Owned<Vel::Map<Key, Vel::Ptr<__VA_ARGS__>>> )         \
+#define VEL_POINTER_MAP_( ... ) Vel::HashMap<Vel::Name, Vel::Ptr<__VA_ARGS__>>
+#define VEL_MEMBERS_AnyPointers_( owned, name, onName, ... )                                       \
+   void name##Is( Vel::Ptr<__VA_ARGS__> const & velNew ) {                                         \
+      if ( !velNew ) [[unlikely]] {                                                                \
+         velNullRefused( velTypeModel().typeName, #name );                                         \
+      }                                                                                            \
+      velPointerIs<owned>( name##_, velNew, VEL_KEYED_( Vel::Name, name, onName ) );               \
+   }
+#define VEL_MEMBERS_Pointers_( name, onName, ... )                                                 \
+   VEL_MEMBERS_Map_( name, onName, Vel::Name, VEL_POINTER_MAP_( __VA_ARGS__ ) )                    \
+   [[nodiscard]] Vel::Ptr<__VA_ARGS__> name( Vel::Name const & velKey ) const {                    \
+      return velEntry( name##_, velKey );                                                          \
+   }                                                                                               \
+   VEL_MEMBERS_AnyPointers_( false, name, onName, __VA_ARGS__ )
+#define VEL_MEMBERS_Owned_( name, onName, Key, Map, ... )                                          \
+   VEL_MEMBERS_Map_( name, onName, Key, Vel::Owned<Map<Key, Vel::Ptr<__VA_ARGS__>>> )              \
    [[nodiscard]] Vel::Ptr<__VA_ARGS__> name( Vel::In<Key> velKey ) {                               \
       return velEntry( name##_, velKey );                                                          \
    }                                                                                               \
    [[nodiscard]] Vel::Ptr<__VA_ARGS__ const> name( Vel::In<Key> velKey ) const {                   \
       return velEntry( name##_, velKey );                                                          \
-   }                                                                                               \
+   }
+#define VEL_MEMBERS_Entries_( name, onName, ... )                                                  \
+   VEL_MEMBERS_Owned_( name, onName, Vel::Name, Vel::HashMap, __VA_ARGS__ )                        \
+   VEL_MEMBERS_AnyPointers_( true, name, onName, __VA_ARGS__ )
+
+#define VEL_MEMBERS_AnyChildren_( Map, name, onName, Key, ... )                                    \
+   VEL_MEMBERS_Owned_( name, onName, Key, Map, __VA_ARGS__ )                                       \
    Vel::Ptr<__VA_ARGS__> name##Is( Vel::In<Key> velKey ) {                                         \
       return velChildIs<__VA_ARGS__>( name##_, velKey, #name, VEL_KEYED_( Key, name, onName ) );   \
    }
-#define VEL_MEMBERS_Children_( ... ) VEL_MEMBERS_AnyChildren_( HashMap, __VA_ARGS__ )
-#define VEL_MEMBERS_OrderedChildren_( ... ) VEL_MEMBERS_AnyChildren_( OrderedMap, __VA_ARGS__ )
-
-#define VEL_MEMBERS_AnyPointers_( Map, attribute, name, onName, ... )                              \
-   VEL_MEMBERS_Map_( name, onName, Vel::Name, Map )                                                \
-   [[nodiscard]] Vel::Ptr<__VA_ARGS__> name( Vel::Name const & velKey ) const {                    \
-      return velEntry( name##_, velKey );                                                          \
-   }                                                                                               \
-   void name##Is( Vel::Ptr<__VA_ARGS__> const & velNew ) {                                         \
-      if ( !velNew ) [[unlikely]] {                                                                \
-         velNullRefused( velTypeModel().typeName, #name );                                         \
-      }                                                                                            \
-      velPointerIs( name##_, velNew, attribute, VEL_KEYED_( Vel::Name, name, onName ) );           \
-   }
-#define VEL_POINTER_MAP_( ... ) Vel::HashMap<Vel::Name, Vel::Ptr<__VA_ARGS__>>
-#define VEL_MEMBERS_Pointers_( name, onName, ... )                                                 \
-   VEL_MEMBERS_AnyPointers_( VEL_POINTER_MAP_( __VA_ARGS__ ), nullptr, name, onName, __VA_ARGS__ )
-#define VEL_MEMBERS_Entries_( name, onName, ... )                                                  \
-   VEL_MEMBERS_AnyPointers_( Vel::Owned<VEL_POINTER_MAP_( __VA_ARGS__ )>, "", name, onName,        \
-                             __VA_ARGS__ )
+#define VEL_MEMBERS_Children_( ... ) VEL_MEMBERS_AnyChildren_( Vel::HashMap, __VA_ARGS__ )
+#define VEL_MEMBERS_OrderedChildren_( ... ) VEL_MEMBERS_AnyChildren_( Vel::OrderedMap, __VA_ARGS__ )
 // clang-format on
 
 #define VEL_MEMBERS_Child_( name, onName, ... )                                                    \
@@ -461,7 +469,7 @@ class Ref : public NotifieeBase {
    Vel::Ptr<__VA_ARGS__> name##Is() {                                                              \
       if ( !name##_ ) {                                                                            \
          name##_ = Vel::Ptr<__VA_ARGS__>( new __VA_ARGS__( #name ) );                              \
-         velAdopt( *name##_, #name, &name##_ );                                                    \
+         velAdopt( *name##_, #name, &name##_, Path::direct );                                      \
          Vel::Ptr<__VA_ARGS__> const velMade = name##_;                                            \
          velTell<name##Attr, NotifieeConst, &NotifieeConst::onName>();                             \
          return velMade;                                                                           \

@@ -54,8 +54,9 @@ class HashMap {
       if ( ( entries_.size() + 1 ) * 2 > slots_.size() ) {
          rehash( slots_.empty() ? 8 : 2 * slots_.size() );
       }
-      place( tagOf( hashOf( key ) ), static_cast<uint32_t>( entries_.size() ) );
+      uint32_t const tag = tagOf( hashOf( key ) );
       entries_.push_back( { std::move( key ), std::move( value ) } );
+      place( tag, static_cast<uint32_t>( entries_.size() - 1 ) );
    }
 
    /// Removes the entry, which must be there.

@@ -27,7 +27,6 @@ class VEL_API NotifieeBase : public PtrInterface {
       registered_ = registered;
       told_ = registered ? attributes_ : uint16_t( 0 );
    }
-   [[nodiscard]] bool isRegisteredNotifiee() const { return registered_; }
 
  protected:
    [[nodiscard]] Entity const * velNotifier() const { return notifier_; }
@@ -59,6 +58,9 @@ class VEL_API ObserverList {
 
    [[nodiscard]] bool empty() const { return first_ == nullptr; }
 
+   /// How often the list has changed; a later change counts as more.
+   [[nodiscard]] uint64_t changes() const { return changes_; }
+
    /// Calls `tell` for each observer that is told of attribute `id`, as `NotifieeBase` describes.
    /// The list must outlive the call.
    template <typename Tell>
@@ -73,6 +75,25 @@ class VEL_API ObserverList {
          if ( changes_ != changes ) [[unlikely]] {
             deliverAfter( order, changes, id, tell );
             return;
+         }
+      }
+   }
+   /// The same to those attached after the list's change `order` and up to its change `latest`. Of a
+   /// change that is told in several steps, each step goes to the observers of its beginning.
+   template <typename Tell>
+   [[gnu::noinline]] void deliverAfter( uint64_t order, uint64_t latest, uint16_t id,
+                                        Tell const & tell ) {
+      uint64_t known = changes_;
+      for ( NotifieeBase * at = after( order ); at && at->order_ <= latest; ) {
+         order = at->order_;
+         if ( at->told_ > id ) {
+            tell( at );
+         }
+         if ( changes_ == known ) {
+            at = at->next_;
+         } else {
+            known = changes_;
+            at = after( order );
          }
       }
    }
@@ -96,24 +117,13 @@ class VEL_API ObserverList {
    void remove( NotifieeBase * observer );
    [[nodiscard]] NotifieeBase * after( uint64_t order ) const;
 
-   /// The rest of a delivery during which the list changes: to the observers behind `order`, but
-   /// none that came after `latest`.
-   template <typename Tell>
-   [[gnu::cold, gnu::noinline]] void deliverAfter( uint64_t order, uint64_t latest, uint16_t id,
-                                                   Tell const & tell ) {
-      for ( NotifieeBase * at = after( order ); at && at->order_ <= latest; at = after( order ) ) {
-         order = at->order_;
-         if ( at->told_ > id ) {
-            tell( at );
-         }
-      }
-   }
-
    NotifieeBase * first_ = nullptr;
    uint64_t changes_ = 0; // how often the list has changed
 };
 
-/// Gives the observers of entity type T their typed `notifier`. `T` is const for read-only ones.
+/// Gives the observers of entity type T their typed `notifier`. `T` is const for read-only ones. An
+/// observer that is attached through the `notifierIs` of a base class, to an entity of that base,
+/// must ask the base class for its notifier.
 template <typename T, typename Base>
 class NotifieeOf : public Base {
  public:

@@ -32,22 +32,21 @@ void String::release() noexcept {
    }
 }
 
-char * String::own( std::size_t capacity ) {
-   if ( !shared() && capacity <= inlineCapacity ) {
+char * String::own() {
+   if ( !shared() ) {
       return raw_;
    }
-   if ( shared() && block()->refs == 1 && block()->capacity >= capacity ) {
-      return block()->bytes();
+   if ( block()->refs != 1 ) {
+      String copy;
+      copy.allocate( data(), size(), size() );
+      *this = std::move( copy );
    }
-   String grown;
-   grown.allocate( data(), size(), std::max( capacity, size() ) );
-   *this = std::move( grown );
    return block()->bytes();
 }
 
 void String::byteIs( std::size_t at, uint8_t value ) {
    if ( at < size() ) {
-      own( size() )[at] = static_cast<char>( value );
+      own()[at] = static_cast<char>( value );
    }
 }
 

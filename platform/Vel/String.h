@@ -17,6 +17,7 @@ class VEL_API String {
    static constexpr std::size_t npos = std::string_view::npos;
 
    String() { std::memset( raw_, 0, sizeof raw_ ); }
+   /// `bytes` may be null when `size` is 0.
    String( char const * bytes, std::size_t size ) {
       std::memset( raw_, 0, sizeof raw_ );
       if ( size <= inlineCapacity ) {
@@ -67,10 +68,15 @@ class VEL_API String {
    }
 
    [[nodiscard]] std::size_t size() const { return shared() ? block()->size : inlineSize(); }
-   [[nodiscard]] std::size_t length() const { return size(); }
    [[nodiscard]] bool empty() const { return inlineSize() == 0; }
    [[nodiscard]] char const * data() const { return shared() ? block()->bytes() : raw_; }
-   [[nodiscard]] std::string_view view() const { return { data(), size() }; }
+   [[nodiscard]] std::string_view view() const {
+      // Pages are what is viewed all the time, and they lie in blocks.
+      if ( shared() ) [[likely]] {
+         return { block()->bytes(), block()->size };
+      }
+      return { raw_, inlineSize() };
+   }
    operator std::string_view() const { return view(); }
    [[nodiscard]] char const * begin() const { return data(); }
    [[nodiscard]] char const * end() const { return data() + size(); }
@@ -131,7 +137,7 @@ class VEL_API String {
    void allocate( char const * bytes, std::size_t size, std::size_t capacity );
    void release() noexcept;
    /// Writable bytes, in a block of this string's own when they lie in one.
-   char * own( std::size_t capacity );
+   char * own();
 
    // The bytes and, last, their number; or a block's address and, last, `sharedTag`.
    alignas( 8 ) char raw_[inlineCapacity + 1];

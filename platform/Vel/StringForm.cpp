@@ -120,7 +120,7 @@ void parseDouble( TextCursor & in, double & v ) {
    // from_chars also takes words such as "infinity"; only our own are part of the form.
    if ( text.size() > sign && text[sign] >= '0' && text[sign] <= '9' ) {
       auto const [end, error] = std::from_chars( text.data(), text.data() + text.size(), v );
-      if ( error == std::errc{} ) {
+      if ( error == std::errc{} && end[-1] != '.' && !hasLeadingZero( text.substr( sign ) ) ) {
          in.skip( static_cast<std::size_t>( end - text.data() ) );
          return;
       }

@@ -96,6 +96,12 @@ class TextCursor {
    char const * end_;
 };
 
+/// Whether a number starts with a zero that it need not have: 007, or -0 of an integer.
+[[nodiscard]] constexpr bool hasLeadingZero( std::string_view number ) {
+   auto const isDigit = []( char c ) { return c >= '0' && c <= '9'; };
+   return number.starts_with( "-0" ) ||
+          ( number.size() > 1 && number[0] == '0' && isDigit( number[1] ) );
+}
 VEL_API void parseDouble( TextCursor & in, double & v );
 VEL_API String parseText( TextCursor & in );
 VEL_API uint32_t parseEnumerator( TextCursor & in, EnumModel const & model );
@@ -142,7 +148,7 @@ template <typename T>
    constexpr std::size_t longestNumber = 32;
    if constexpr ( std::is_same_v<T, bool> ) {
       out.append( v ? "True" : "False" );
-   } else if constexpr ( std::is_floating_point_v<T> ) {
+   } else if constexpr ( std::is_same_v<T, double> ) {
       out.used( printDouble( out.room( longestNumber ), v ) );
    } else if constexpr ( std::is_integral_v<T> ) {
       char * to = out.room( longestNumber );
@@ -152,13 +158,9 @@ template <typename T>
    } else if constexpr ( ModelEnum<T> ) {
       out.append( velEnumModel( v ).stringValue( static_cast<uint32_t>( v ) ) );
    } else if constexpr ( ModelValue<T> ) {
-      if constexpr ( requires { v.velPrint( out ); } ) {
-         v.velPrint( out );
-      } else {
-         out.append( valueHeadView<T> );
-         T::velFields( FieldPrinter<T>{ out, v } );
-         out.append( "})" );
-      }
+      out.append( valueHeadView<T> );
+      T::velFields( FieldPrinter<T>{ out, v } );
+      out.append( "})" );
    } else {
       char const * separator = "{";
       for ( auto const & [key, value] : v ) {
@@ -182,11 +184,7 @@ struct FieldParser {
       std::size_t const lead = first ? 2 : 0;
       in.expect( { label + lead, N - 1 - lead } );
       first = false;
-      if constexpr ( std::is_same_v<F, double> ) {
-         parseDouble( in, v.*field );
-      } else {
-         parse( in, v.*field );
-      }
+      parse( in, v.*field );
    }
    TextCursor & in;
    T & v;
@@ -200,14 +198,12 @@ void parse( TextCursor & in, T & v ) {
       if ( !v && !in.take( "False" ) ) {
          in.fail( "True or False" );
       }
-   } else if constexpr ( std::is_floating_point_v<T> ) {
-      double wide;
-      parseDouble( in, wide );
-      v = static_cast<T>( wide );
+   } else if constexpr ( std::is_same_v<T, double> ) {
+      parseDouble( in, v );
    } else if constexpr ( std::is_integral_v<T> ) {
       std::string_view const text = in.rest();
       auto const [end, error] = std::from_chars( text.data(), text.data() + text.size(), v );
-      if ( error != std::errc{} ) {
+      if ( error != std::errc{} || hasLeadingZero( text ) ) {
          constexpr unsigned bits = 8 * sizeof( T );
          in.fail( ( std::is_signed_v<T> ? "a signed " : "an unsigned " ) + std::to_string( bits ) +
                   "-bit integer" );
@@ -218,19 +214,15 @@ void parse( TextCursor & in, T & v ) {
    } else if constexpr ( ModelEnum<T> ) {
       v = static_cast<T>( parseEnumerator( in, velEnumModel( v ) ) );
    } else if constexpr ( ModelValue<T> ) {
-      if constexpr ( requires { v.velParse( in ); } ) {
-         v.velParse( in );
-      } else {
-         in.expect( valueHeadView<T> );
-         T::velFields( FieldParser<T>{ in, v } );
-         if constexpr ( requires { T::velBound; } ) {
-            if ( v.value() > T::velBound ) {
-               in.fail( "a number of 0 to " + std::to_string( T::velBound ),
-                        std::to_string( v.value() ).size() );
-            }
+      in.expect( valueHeadView<T> );
+      T::velFields( FieldParser<T>{ in, v } );
+      if constexpr ( requires { T::velBound; } ) {
+         if ( v.value() > T::velBound ) {
+            in.fail( "a number of 0 to " + std::to_string( T::velBound ),
+                     std::to_string( v.value() ).size() );
          }
-         in.expect( "})" );
       }
+      in.expect( "})" );
    } else {
       v.clear();
       in.expect( "{" );

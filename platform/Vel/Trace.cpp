@@ -10,6 +10,7 @@ struct TraceSettings {
    TraceHandle * first = nullptr;
    std::map<String, int> levels; // as set, for handles that are made later
    TraceSink sink;
+   bool writing = false;
 
    [[nodiscard]] int level( std::string_view source ) const {
       auto found = levels.find( source );
@@ -43,8 +44,11 @@ TraceHandle::~TraceHandle() {
 
 void TraceHandle::write( int level, int line, char const * operation,
                          std::string_view text ) const {
-   if ( TraceSink const sink = settings().sink ) { // a copy: the sink may replace itself
+   TraceSink const sink = settings().sink; // a copy: the sink may replace itself
+   if ( sink && !settings().writing ) {
+      settings().writing = true;
       sink( { source_, level, line, operation, text } );
+      settings().writing = false;
    }
 }
 

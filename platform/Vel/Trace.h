@@ -22,7 +22,8 @@ using TraceSink = std::function<void( TraceRecord const & )>;
 /// Lets records of `source` pass up to `level`; 0, the default, is off. "*" sets every source, also
 /// those that are yet to be loaded. Tracing never changes a result.
 VEL_API void traceLevelIs( std::string_view source, int level );
-/// Receives every record that passes; an empty one discards them.
+/// Receives every record that passes; an empty one discards them. It must not throw. What it calls is
+/// not traced.
 VEL_API void traceSinkIs( TraceSink sink );
 
 /// A source module's handle; one static object a source file. What is off costs one compare.

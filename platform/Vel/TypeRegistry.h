@@ -51,8 +51,8 @@ struct AttrInfo {
    std::string_view keyTypeName; // of a collection's key; else empty
    /// What the attribute holds, as text; of a pointer or child, its full name or None.
    String ( *text )( Entity const & entity );
-   /// The entity that a collection holds under that name, or the single child; else null.
-   Ptr<Entity const> ( *held )( Entity const & entity, Name const & name );
+   /// The child of that name that the attribute owns; the function is null where it owns none.
+   Ptr<Entity const> ( *child )( Entity const & entity, Name const & name );
 };
 
 /// What the framework knows of an entity type.

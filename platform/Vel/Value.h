@@ -78,7 +78,7 @@ concept ModelValue = requires {
    [[nodiscard]] VEL_API Vel::String velStringForm() const;                                        \
    /* Calls `visit( label, member )` for every field, in the order of declaration. */              \
    template <typename Visitor>                                                                     \
-   static constexpr void velFields( Visitor && visit ) {                                           \
+   [[gnu::always_inline]] static constexpr void velFields( Visitor && visit ) {                    \
       using VelSelf = T;                                                                           \
       __VA_ARGS__                                                                                  \
    }                                                                                               \

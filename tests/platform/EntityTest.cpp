@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -39,6 +40,7 @@ class Slot : public Vel::Entity {
       ( Counter, resets, onResets, uint8_t ),
       ( Values, reading, onReading, uint8_t, uint32_t ),
       ( OrderedValues, alias, onAlias, Vel::String, Vel::String ),
+      ( Values, nickname, onNickname, Vel::String, Vel::String ),
       ( Children, lane, onLane, LaneNumber, Lane ),
       ( OrderedChildren, sorted, onSorted, Vel::Name, Lane ),
       ( Pointers, peer, onPeer, Vel::Entity const ),
@@ -76,6 +78,8 @@ class Recorder : public OpticalSlot::Notifiee {
    void onReading() override { told( "reading" ); }
    void onAlias( Vel::String const & key ) override { told( "alias " + std::string( key ) ); }
    void onAlias() override { told( "alias" ); }
+   void onNickname( Vel::String const & key ) override { told( "nickname " + std::string( key ) ); }
+   void onNickname() override { told( "nickname" ); }
    void onLane( LaneNumber key ) override { told( "lane " + std::to_string( key.value() ) ); }
    void onLane() override { told( "lane" ); }
    void onPeer( Vel::Name const & key ) override { told( "peer " + std::string( key ) ); }
@@ -163,7 +167,10 @@ TEST_F( EntityTest, childCollectionMakesAndKeepsChildren ) {
    EXPECT_EQ( lane->parentAttrName(), "lane" );
    EXPECT_EQ( lane->fullName(), "slot1/lane/3" );
    EXPECT_EQ( slot->entity( "lane/3" ), lane );
-   EXPECT_EQ( slot->entity( "lane/4" ), nullptr );
+   for ( char const * none : { "lane/4", "lane", "speed", "name", "parent", "lane/3/lit" } ) {
+      EXPECT_EQ( slot->entity( none ), nullptr ) << none;
+   }
+   EXPECT_EQ( slot->entity( "" ), slot );
 
    slot->laneDel( LaneNumber( 3 ) );
    EXPECT_EQ( recorder.takeHeard(), ( Heard{ "lane 3", "lane" } ) );
@@ -217,12 +224,21 @@ TEST( Dir, ownsItsEntriesAndFindsThemByPath ) {
    EXPECT_EQ( root->entity( "xcvr/slot1/lane/0" ), slot->lane( LaneNumber( 0 ) ).get() );
    EXPECT_EQ( root->entity( "xcvr/none/lane/0" ), nullptr );
 
+   xcvr->entryIs( Vel::dirFactory( "Ethernet3/1" ) );
+   EXPECT_EQ( root->entity( "xcvr/Ethernet3/1" ), xcvr->entry( "Ethernet3/1" ) );
+   EXPECT_DEATH( xcvr->entryIs( root ), "an entity cannot be below itself" );
+
    // The second directory becomes the parent; leaving the first changes nothing any more.
    Vel::Ptr<Vel::Dir> other = Vel::dirFactory( "other" );
    other->entryIs( slot );
    xcvr->entryDel( "slot1" );
    EXPECT_EQ( slot->fullName(), "other/slot1" );
-   other = nullptr;
+   xcvr->entryIs( slot );
+   EXPECT_EQ( slot->fullName(), "hardware/xcvr/slot1" );
+   other->entryIs( slot );
+   xcvr->entryIs( slot ); // which still holds it
+   EXPECT_EQ( slot->fullName(), "hardware/xcvr/slot1" );
+   xcvr->entryDel( "slot1" );
    EXPECT_EQ( slot->parent(), nullptr );
 }
 
@@ -300,6 +316,19 @@ TEST_F( ThreeObservers, oneAttachedDuringAChangeHearsOfTheNext ) {
    EXPECT_EQ( heard.back(), "late speed" );
 }
 
+TEST_F( ThreeObservers, oneAttachedDuringAChangeOfACollectionHearsNoneOfItsSteps ) {
+   Recorder late( nullptr, "late " );
+   late.heard = &heard;
+   observers[0]->then = [&]( std::string const & ) {
+      late.Slot::NotifieeConst::notifierIs( slot.get() );
+   };
+   slot->aliasIs( "1", "x" );
+   EXPECT_EQ( heard.size(), 6u );
+   late.Slot::NotifieeConst::notifierIs( nullptr );
+   slot->aliasDelAll();
+   EXPECT_EQ( std::count( heard.begin(), heard.end(), "late alias" ), 0 );
+}
+
 TEST_F( ThreeObservers, anObserverThatMovesItselfToTheEndIsToldOnce ) {
    observers[0]->then = [this]( std::string const & ) {
       observers[0]->Slot::NotifieeConst::notifierIs( nullptr );
@@ -370,6 +399,17 @@ TEST( Observers, anEntityThatNoPointerHoldsIsNotDestroyed ) {
    EXPECT_EQ( recorder.takeHeard(), ( Heard{ "speed", "reading 1", "reading" } ) );
 }
 
+TEST_F( EntityTest, keysAndValuesMayBePartOfTheCollection ) {
+   for ( char const * key : { "a", "b", "c", "d" } ) {
+      slot->nicknameIs( key, key );
+   }
+   slot->nicknameIs( slot->nicknameMap().begin()->second, "new" ); // of the entry it replaces
+   EXPECT_EQ( slot->nickname( "a" ), "new" );
+   recorder.takeHeard();
+   slot->nicknameIs( slot->nicknameMap().begin()->second, "x" ); // while the storage grows
+   EXPECT_EQ( recorder.takeHeard(), ( Heard{ "nickname new", "nickname" } ) );
+}
+
 // ---------------------------------------------------------------------------------------------
 // Reflection
 
@@ -387,9 +427,10 @@ TEST( Reflection, attributesAreNumberedAndReadThroughTheModel ) {
       texts.push_back( std::string( attribute.name ) + "=" +
                        std::string( attribute.text( *slot ) ) );
    }
-   EXPECT_EQ( texts, ( Heard{ "speed=10", "label=''", "resets=0", "reading={}",
-                              "alias={'a': 'it\\'s'}", "lane=['slot1/lane/0']", "sorted=[]",
-                              "peer=[]", "stats=None", "table=None", "doubled=20" } ) );
+   EXPECT_EQ( texts,
+              ( Heard{ "speed=10", "label=''", "resets=0", "reading={}", "alias={'a': 'it\\'s'}",
+                       "nickname={}", "lane=['slot1/lane/0']", "sorted=[]", "peer=[]", "stats=None",
+                       "table=None", "doubled=20" } ) );
    ASSERT_EQ( optical.base->base->typeName, "Vel::Entity" );
    Heard inherited;
    for ( Vel::AttrInfo const & attribute : *optical.base->base ) {

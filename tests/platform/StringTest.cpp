@@ -22,7 +22,7 @@ std::string letters( std::size_t count, std::size_t first = 0 ) {
 
 // However a content came about, inside or in a block, it is the same value.
 TEST( String, ContentDecidesEqualityAndHash ) {
-   for ( std::size_t size : { 0, 1, 22, 23, 24, 25, 64, 300 } ) {
+   for ( std::size_t size : { 0U, 1U, 22U, 23U, 24U, 25U, 64U, 300U } ) {
       SCOPED_TRACE( size );
       std::string const text = letters( size );
       String const whole( text );

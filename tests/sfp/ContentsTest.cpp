@@ -274,6 +274,56 @@ TEST( Registers, NamesAndKeys ) {
    EXPECT_THROW( key( "domTempHighAlarm" ), Vel::ParseException );
 }
 
+// The bits that decisions rest on, and of the others the first and last of each field.
+TEST( FieldTable, BitsLieWhereTheStandardPutsThem ) {
+   struct Case {
+      char const * field;
+      char const * bit;
+      unsigned at, number;
+   };
+   Case const cases[] = {
+      { "compliance", "10GBASE-ER", 3, 7 },
+      { "compliance", "10GBASE-LRM", 3, 6 },
+      { "compliance", "10GBASE-LR", 3, 5 },
+      { "compliance", "10GBASE-SR", 3, 4 },
+      { "compliance", "InfiniBand 1X copper passive", 3, 0 },
+      { "compliance", "OC-48 short reach", 4, 0 },
+      { "compliance", "OC-3 short reach", 5, 0 },
+      { "compliance", "BASE-BX10", 6, 6 },
+      { "compliance", "100BASE-FX", 6, 5 },
+      { "compliance", "100BASE-LX10", 6, 4 },
+      { "compliance", "1000BASE-T", 6, 3 },
+      { "compliance", "1000BASE-LX", 6, 1 },
+      { "compliance", "1000BASE-SX", 6, 0 },
+      { "compliance", "FC very long distance", 7, 7 },
+      { "compliance", "active cable", 8, 3 },
+      { "compliance", "passive cable", 8, 2 },
+      { "compliance", "FC twin axial pair", 9, 7 },
+      { "compliance", "FC 100 MB/s", 10, 0 },
+      { "options", "power level 4", 64, 6 },
+      { "options", "tunable transmitter", 65, 6 },
+      { "options", "Tx disable", 65, 4 },
+      { "options", "Tx fault", 65, 3 },
+      { "options", "Rx LOS", 65, 1 },
+      { "diagsMonitoringType", "digital diagnostics", 92, 6 },
+      { "diagsMonitoringType", "internally calibrated", 92, 5 },
+      { "diagsMonitoringType", "externally calibrated", 92, 4 },
+      { "enhancedOptions", "alarm and warning flags", 93, 7 },
+      { "domStatusBits", "Tx disable state", 110, 7 },
+      { "domStatusBits", "data not ready", 110, 0 },
+      { "alarmFlags", "temperature high", 112, 7 },
+      { "alarmFlags", "Tx power low", 112, 0 },
+      { "warningFlags", "Rx power low", 117, 6 },
+   };
+   for ( Case const & c : cases ) {
+      size_t const row = memoryFieldIndex( sff8472Fields(), c.field );
+      ASSERT_LT( row, sff8472Fields().size() ) << c.field;
+      MemoryBitPlace const place = findMemoryBit( sff8472Fields()[row], c.bit );
+      EXPECT_EQ( place.at, c.at ) << c.bit;
+      EXPECT_EQ( place.mask, 1 << c.number ) << c.bit;
+   }
+}
+
 TEST( FieldTable, RowsHoldOnlyWhereTheyAreInUse ) {
    auto const inUse = []( SfpImageBuilder const & module ) {
       std::set<std::string_view> names;
