@@ -6,6 +6,8 @@ target_compile_options( xcvr-compile INTERFACE
    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
    # A decoded value must have the same bits whatever the processor: no fused multiply-add.
    -ffp-contract=off
+   # Nobody replaces an exported function of the library, so the compiler may inline it.
+   -fno-semantic-interposition
    # No path of the building machine in messages of assertions.
    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
    # An error in a model macro points at the declared list, not at thousands of lines of expansion.

@@ -2,6 +2,7 @@
 
 #include <Vel/Api.h>
 
+#include <bit>
 #include <compare>
 #include <cstdint>
 #include <cstring>
@@ -19,10 +20,8 @@ class VEL_API String {
    String() { std::memset( raw_, 0, sizeof raw_ ); }
    /// `bytes` may be null when `size` is 0.
    String( char const * bytes, std::size_t size ) {
-      std::memset( raw_, 0, sizeof raw_ );
       if ( size <= inlineCapacity ) {
-         std::memcpy( raw_, bytes ? bytes : "", size );
-         raw_[tagAt] = static_cast<char>( size );
+         setInside( bytes, size );
       } else {
          allocate( bytes, size, size );
       }
@@ -133,6 +132,40 @@ class VEL_API String {
       Block * result;
       std::memcpy( &result, raw_, sizeof result );
       return result;
+   }
+   template <typename T>
+   [[gnu::always_inline]] static uint64_t load( char const * at ) {
+      T word;
+      std::memcpy( &word, at, sizeof word );
+      return word;
+   }
+   /// Holds at most `inlineCapacity` bytes, put together in registers from overlapping loads of fixed
+   /// width: a copy of variable width would be a call, and the bytes would come in pieces for which
+   /// the next reader of the whole has to wait.
+   [[gnu::always_inline]] void setInside( char const * bytes, std::size_t size ) {
+      uint64_t word[3] = {};
+      if constexpr ( std::endian::native != std::endian::little ) {
+         std::memcpy( word, bytes ? bytes : "", size );
+         std::memcpy( raw_, word, sizeof raw_ );
+         raw_[tagAt] = static_cast<char>( size );
+         return;
+      }
+      char const * const end = bytes + size;
+      if ( size >= 16 ) {
+         word[0] = load<uint64_t>( bytes );
+         word[1] = load<uint64_t>( bytes + 8 );
+         word[2] = load<uint64_t>( end - 8 ) >> 8 * ( 23 - size ) >> 8;
+      } else if ( size >= 8 ) {
+         word[0] = load<uint64_t>( bytes );
+         word[1] = load<uint64_t>( end - 8 ) >> 8 * ( 15 - size ) >> 8;
+      } else if ( size >= 4 ) {
+         word[0] = load<uint32_t>( bytes ) | load<uint32_t>( end - 4 ) << 8 * ( size - 4 );
+      } else if ( size != 0 ) {
+         word[0] = load<uint8_t>( bytes ) | load<uint8_t>( bytes + size / 2 ) << 8 * ( size / 2 ) |
+                   load<uint8_t>( end - 1 ) << 8 * ( size - 1 );
+      }
+      word[2] |= uint64_t( size ) << 56;
+      std::memcpy( raw_, word, sizeof raw_ );
    }
    void allocate( char const * bytes, std::size_t size, std::size_t capacity );
    void release() noexcept;
