@@ -85,7 +85,8 @@ constexpr std::string_view memoryConditionsFault( std::span<MemoryCondition cons
                                                   std::span<MemoryField const> fields ) {
    for ( MemoryCondition const & condition : conditions ) {
       size_t const index = memoryFieldIndex( fields, condition.field );
-      if ( index == fields.size() || findMemoryBit( fields[index], condition.bit ).mask == 0 ) {
+      if ( index == fields.size() ||
+           ( !condition.bit.empty() && findMemoryBit( fields[index], condition.bit ).mask == 0 ) ) {
          return "a condition names no bit of the table";
       }
       if ( std::none_of( fields.begin(), fields.end(),

@@ -26,10 +26,10 @@ double foldTemperature( double celsius ) {
 constexpr double voltPerCode = 0.0001;
 constexpr double milliamperePerCode = 0.002;
 
-/// dBm of a power in 0.1 µW. Minus infinity unless it is a positive, finite number: a power that
-/// cannot be is a power that cannot be read.
+/// dBm of a power in 0.1 µW. Minus infinity for a negative one and for what is no number: a power
+/// that cannot be is a power that cannot be read. Zero and plus infinity follow the formula.
 double powerDbm( double code ) {
-   if ( !( code > 0 ) || std::isinf( code ) ) {
+   if ( !( code >= 0 ) ) {
       return -std::numeric_limits<double>::infinity();
    }
    return 10 * std::log10( code * 1e-7 ) + 30;

@@ -239,6 +239,8 @@ std::string hex( size_t byte ) {
    return { digits[byte >> 4 & 15], digits[byte & 15] };
 }
 
+/// A section of a labelled image. The program's own writer is not used: it comes with the program's
+/// packages, and examples are built without these too.
 void writePage( std::ostream & out, char const * label, std::string_view bytes ) {
    if ( bytes.empty() ) {
       return;

@@ -78,7 +78,11 @@ double XcvrSff8472IdEepromContents::quorelAttnValue() const {
    VEL_TRACE_SCOPE( trace );
    constexpr MemoryField minuend = row( "quorelAttnMinuend" );
    constexpr MemoryField subtrahend = row( "quorelAttnSubtrahend" );
-   PageView const page = pageToRead( subtrahend );
+   PageView const page = pageOf( subtrahend );
+   if ( !page.has( subtrahend.at, subtrahend.width ) ) {
+      VEL_TRACE( trace, 8, "the page does not hold the field" );
+      return 0.0;
+   }
    int const first = page.s8( minuend.at );
    return first == 0 ? 0.0 : ( first - page.s8( subtrahend.at ) ) * minuend.scale;
 }
@@ -164,9 +168,9 @@ bool XcvrSff8472IdEepromContents::fieldInUse( MemoryField const & field ) const 
       if ( !condition.covers( field ) ) {
          return true;
       }
-      MemoryField const & flags =
+      MemoryField const & asked =
          Sff8472Table::fields[memoryFieldIndex( Sff8472Table::fields, condition.field )];
-      return pageOf( flags ).bit( findMemoryBit( flags, condition.bit ) );
+      return memoryConditionMet( condition, asked, pageOf( asked ) );
    } );
 }
 

@@ -259,15 +259,18 @@ inline constexpr MemoryField fields[] = {
    { "vendorPn", a0h, 40, 16, text },
    { "vendorRev", a0h, 56, 4, text },
    { "laserWavelengthInteger", a0h, 60, 2, u16be, "nm" },
-   // A cable has no wavelength and keeps its attenuation in these bytes; which of the three it is
-   // the reader must know. Reading one memory under three names is intended.
+   // A cable has no wavelength and keeps its attenuation in these bytes. Reading one memory under
+   // three names is intended: the accessors read it of any module.
    { "passiveAttenuation", a0h, 60, 2, u16be, "", 1, {}, shared },
    { "activeAttenuation", a0h, 60, 2, u16be, "", 1, {}, shared },
    { "laserWavelengthFractional", a0h, 62, 1, u8, "nm", 0.01 },
    { "storedCcBase", a0h, 63, 1, u8 },
    { "options", a0h, 64, 2, bits, "", 1, optionBits },
    { "bitrateMax", a0h, 66, 1, u8, "%" },
+   // Of a rate beyond the byte of the nominal rate: the rate, and how far it may deviate both ways.
+   { "bitrateHigh", a0h, 66, 1, u8, "MBd", 250, {}, shared },
    { "bitrateMin", a0h, 67, 1, u8, "%" },
+   { "bitrateHighTolerance", a0h, 67, 1, u8, "%", 1, {}, shared },
    { "vendorSn", a0h, 68, 16, text },
    { "dateCode", a0h, 84, 8, text },
    { "diagsMonitoringType", a0h, 92, 1, bits, "", 1, diagsMonitoringTypeBits },
@@ -333,12 +336,25 @@ inline constexpr MemoryField fields[] = {
 };
 
 inline constexpr MemoryCondition conditions[] = {
-   // page, first and last byte, the bit that must be set
+   // page, first and last byte, field, bit, value, negated, row
+   { a0h, 13, 13, "identifier", "", 0x0b, false, "dwdmLength" },
+   { a0h, 60, 60, "compliance", "passive cable", 0, true, "laserWavelengthInteger" },
+   { a0h, 60, 60, "compliance", "active cable", 0, true, "laserWavelengthInteger" },
+   { a0h, 60, 60, "compliance", "passive cable", 0, false, "passiveAttenuation" },
+   { a0h, 60, 60, "compliance", "active cable", 0, false, "activeAttenuation" },
+   { a0h, 62, 62, "compliance", "passive cable", 0, true },
+   { a0h, 62, 62, "compliance", "active cable", 0, true },
+   { a0h, 66, 66, "bitrateNominal", "", 0xff, true, "bitrateMax" },
+   { a0h, 66, 66, "bitrateNominal", "", 0xff, false, "bitrateHigh" },
+   { a0h, 67, 67, "bitrateNominal", "", 0xff, true, "bitrateMin" },
+   { a0h, 67, 67, "bitrateNominal", "", 0xff, false, "bitrateHighTolerance" },
    { a2h, 0, 39, "diagsMonitoringType", "digital diagnostics" },
    { a2h, 56, 91, "diagsMonitoringType", "externally calibrated" },
    { a2h, 95, 110, "diagsMonitoringType", "digital diagnostics" },
    { a2h, 112, 117, "enhancedOptions", "alarm and warning flags" },
+   // The upper half shows the tuning page while that is selected.
    { a2h, 132, 147, "options", "tunable transmitter" },
+   { a2h, 132, 147, "tuningPageSelect", "", 2 },
 };
 // clang-format on
 

@@ -7,6 +7,7 @@
 // Decoders of digital optical monitoring registers, shared by every module family that has them.
 // Byte arguments are given as the module stores them, most significant first. Optical power is in
 // dBm; no light is minus infinity, and so is a power that calibration makes negative or no number.
+// One that calibration makes infinite is plus infinity.
 namespace Xcvr {
 
 // Internally calibrated monitors of SFF-8472, which SFF-8636 and CMIS code alike.

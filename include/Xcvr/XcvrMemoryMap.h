@@ -41,17 +41,22 @@ struct MemoryField {
    [[nodiscard]] constexpr uint32_t end() const { return uint32_t{ at } + width; }
 };
 
-/// A run of bytes whose rows hold only while a bit of another field is set; without it the bytes
-/// mean nothing or are another use of the memory.
+/// What another field must say for the rows of a run of bytes to hold: a bit of it is set or, in a
+/// condition without a bit, it has a value. Otherwise the bytes mean nothing or are another use of
+/// the memory. All conditions that cover a row must be met.
 struct MemoryCondition {
    std::string_view page;
    uint16_t first;
    uint16_t last;
    std::string_view field;
    std::string_view bit;
+   uint64_t value = 0;        // without a bit
+   bool negated = false;      // the rows hold where the field says otherwise
+   std::string_view row = {}; // only the row of this name, of several that share the run
 
-   [[nodiscard]] constexpr bool covers( MemoryField const & row ) const {
-      return row.page == page && row.at >= first && row.at <= last;
+   [[nodiscard]] constexpr bool covers( MemoryField const & other ) const {
+      return other.page == page && other.at >= first && other.at <= last &&
+             ( row.empty() || row == other.name );
    }
 };
 
@@ -108,7 +113,7 @@ class PageView {
       return ( u8( place.at ) & place.mask ) != 0;
    }
 
-   /// The number in a field, in its unit; 0 for a text.
+   /// The number in a field, in its unit; 0 for a text and for more than eight bytes.
    [[nodiscard]] constexpr double value( MemoryField const & field ) const {
       return number( field ) * field.scale;
    }
@@ -133,7 +138,7 @@ class PageView {
       case MemoryKind::bytes:
          break;
       }
-      return static_cast<double>( unsignedBe( field.at, field.width ) );
+      return field.width > 8 ? 0 : static_cast<double>( unsignedBe( field.at, field.width ) );
    }
 
    std::string_view bytes_;
@@ -161,6 +166,15 @@ class PageView {
       }
    }
    return {};
+}
+
+/// Whether a condition on a field of this page is met.
+[[nodiscard]] constexpr bool memoryConditionMet( MemoryCondition const & condition,
+                                                 MemoryField const & field, PageView page ) {
+   bool const says = condition.bit.empty()
+                        ? page.unsignedBe( field.at, field.width ) == condition.value
+                        : page.bit( findMemoryBit( field, condition.bit ) );
+   return says != condition.negated;
 }
 
 } // namespace Xcvr

@@ -93,7 +93,8 @@ class XCVR_API XcvrSff8472IdEepromContents {
    /// Code of the revision of SFF-8472 that the module complies with.
    uint8_t revision() const { return u8( row( "revision" ) ); }
    uint8_t storedCcExt() const { return u8( row( "storedCcExt" ) ); }
-   /// dB, -127.5 to 127.5, from two bytes of the vendor's area; 0 when the first of them is 0.
+   /// dB, -127.5 to 127.5, from two bytes of the vendor's area; 0 when the first of them is 0 or
+   /// the page ends in front of the second.
    double quorelAttnValue() const;
 
    bool domSupported() const {
@@ -146,7 +147,7 @@ class XCVR_API XcvrSff8472IdEepromContents {
    bool is1GConfigurable() const;
 
    /// Whether the bytes of a row are what the row says, in this module: a row of the tuning page is
-   /// not in use when the transmitter is not tunable.
+   /// in use when the transmitter is tunable and page A2h shows that page.
    bool fieldInUse( MemoryField const & field ) const;
 
  private:

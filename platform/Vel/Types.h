@@ -12,4 +12,8 @@ using Seconds = double;
 template <typename T>
 using In = std::conditional_t<std::is_trivially_copyable_v<T> && sizeof( T ) <= 16, T, T const &>;
 
+/// How a value of type T is handed over for keeping: what owns memory is moved on from the parameter.
+template <typename T>
+using Give = std::conditional_t<std::is_trivially_copyable_v<T>, In<T>, T>;
+
 } // namespace Vel

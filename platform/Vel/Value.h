@@ -6,6 +6,7 @@
 #include <Vel/Types.h>
 
 #include <cstdint>
+#include <utility>
 
 namespace Vel {
 
@@ -52,10 +53,10 @@ concept ModelValue = requires {
 // A constructor from a single field must not convert on the quiet.
 #define VEL_VALUE_EXPLICIT_( row, ... ) explicit( true __VA_OPT__( &&false ) )
 
-#define VEL_VALUE_PARAM_( name, ... ) Vel::In<__VA_ARGS__> name
-#define VEL_VALUE_NEXT_PARAM_( name, ... ) , Vel::In<__VA_ARGS__> name
-#define VEL_VALUE_INIT_( name, ... ) name##_( name )
-#define VEL_VALUE_NEXT_INIT_( name, ... ) , name##_( name )
+#define VEL_VALUE_PARAM_( name, ... ) Vel::Give<__VA_ARGS__> name
+#define VEL_VALUE_NEXT_PARAM_( name, ... ) , Vel::Give<__VA_ARGS__> name
+#define VEL_VALUE_INIT_( name, ... ) name##_( std::move( name ) )
+#define VEL_VALUE_NEXT_INIT_( name, ... ) , name##_( std::move( name ) )
 #define VEL_VALUE_FIELD_( name, ... )                                                              \
  private:                                                                                          \
    __VA_ARGS__ name##_{};                                                                          \

@@ -121,15 +121,16 @@ TEST( ExternalCalibration, RxPowerTakesTheCoefficientsInTheirOrder ) {
    EXPECT_DOUBLE_EQ( rxPower( 10, { 1, 2, 3, 4, 5 } ), dBm( 54321 ) );
 }
 
-TEST( ExternalCalibration, PowerThatCannotBeIsMinusInfinity ) {
+TEST( ExternalCalibration, PowerThatCannotBeIsMinusInfinityAnEndlessOneIsNot ) {
    auto const nan = static_cast<float>( notANumber );
    auto const infinite = static_cast<float>( infinity );
    EXPECT_EQ( rxPower( 100, {} ), -infinity );
    EXPECT_EQ( rxPower( 100, { .c0 = -1 } ), -infinity );
    EXPECT_EQ( rxPower( 100, { .c2 = nan } ), -infinity );
    EXPECT_EQ( rxPower( 0, { .c4 = infinite } ), -infinity ); // infinity × 0
-   EXPECT_EQ( rxPower( 100, { .c4 = infinite } ), -infinity );
    EXPECT_EQ( rxPower( 100, { .c1 = infinite, .c4 = -infinite } ), -infinity );
+   EXPECT_EQ( rxPower( 100, { .c4 = -infinite } ), -infinity );
+   EXPECT_EQ( rxPower( 100, { .c4 = infinite } ), infinity );
 }
 
 // Whatever a module's calibration holds, no measurement comes out as not-a-number.
@@ -141,9 +142,7 @@ TEST( ExternalCalibration, AnyCoefficientsGiveANumber ) {
    for ( int i = 0; i < 20000; ++i ) {
       Polynomial const p{ coefficient(), coefficient(), coefficient(), coefficient(),
                           coefficient() };
-      double const power = rxPower( random() & 0xffff, p );
-      ASSERT_FALSE( std::isnan( power ) );
-      ASSERT_LT( power, infinity );
+      ASSERT_FALSE( std::isnan( rxPower( random() & 0xffff, p ) ) );
    }
 }
 

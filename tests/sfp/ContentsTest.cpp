@@ -178,6 +178,7 @@ TEST( Contents, AttenuationOfTheVendorArea ) {
    EXPECT_EQ( with( 0, 4 ).quorelAttnValue(), 0.0 );
    EXPECT_EQ( with( 10, 4 ).buf().substr( 118, 2 ), "\x14\x08" );
    EXPECT_EQ( Contents().quorelAttnValue(), 0.0 );
+   EXPECT_EQ( Contents( with( 10, 4 ).buf().substr( 0, 119 ), "", 0 ).quorelAttnValue(), 0.0 );
 }
 
 TEST( Checksums, ValidUntilAGuardedByteChanges ) {
@@ -341,11 +342,30 @@ TEST( FieldTable, RowsHoldOnlyWhereTheyAreInUse ) {
    module.bit( "diagsMonitoringType", "digital diagnostics" )
       .bit( "options", "tunable transmitter" );
    EXPECT_TRUE( inUse( module ).contains( "domTemperature" ) );
-   EXPECT_TRUE( inUse( module ).contains( "tuningChannel" ) );
    EXPECT_FALSE( inUse( module ).contains( "domRxPower4" ) );
    module.bit( "diagsMonitoringType", "externally calibrated" )
       .bit( "enhancedOptions", "alarm and warning flags" );
-   EXPECT_EQ( inUse( module ).size(), sff8472Fields().size() );
+   EXPECT_FALSE( inUse( module ).contains( "tuningChannel" ) ); // another page is selected
+   module.raw( "tuningPageSelect", 2 );
+   // Everything but what cables, DWDM modules and rates beyond byte 12 have.
+   std::set<std::string_view> const others{ "dwdmLength", "passiveAttenuation", "activeAttenuation",
+                                            "bitrateHigh", "bitrateHighTolerance" };
+   EXPECT_EQ( inUse( module ).size(), sff8472Fields().size() - others.size() );
+   module.raw( "identifier", 11 ).raw( "bitrateNominal", 255 ).bit( "compliance", "passive cable" );
+   std::set<std::string_view> const names = inUse( module );
+   for ( char const * name : { "dwdmLength", "passiveAttenuation", "bitrateHigh" } ) {
+      EXPECT_TRUE( names.contains( name ) ) << name;
+   }
+   for ( char const * name : { "laserWavelengthInteger", "laserWavelengthFractional",
+                               "activeAttenuation", "bitrateMax", "bitrateMin" } ) {
+      EXPECT_FALSE( names.contains( name ) ) << name;
+   }
+}
+
+TEST( FieldTable, MoreBytesThanANumberHasAreNone ) {
+   constexpr MemoryField field = Sff8472Table::row( "vendorSpecific" );
+   std::string const bytes( Sff8472Table::pageSize, '\1' );
+   EXPECT_EQ( PageView( bytes ).value( field ), 0.0 );
 }
 
 TEST( Thresholds, AreRewrittenInPlace ) {
@@ -385,6 +405,7 @@ TEST( Traces, NameTheOperation ) {
       static_cast<void>( contents.vendorName() ); // can be read, so is no news
       static_cast<void>( Contents().vendorName() );
       static_cast<void>( Contents().bitrateNominal() );
+      static_cast<void>( Contents().quorelAttnValue() ); // is entered, and cannot read
    };
    readAll();
    EXPECT_TRUE( operations.empty() );
@@ -392,9 +413,10 @@ TEST( Traces, NameTheOperation ) {
    readAll();
    Vel::traceLevelIs( "XcvrSfpPlus", 0 );
    Vel::traceSinkIs( {} );
-   EXPECT_EQ( operations,
-              ( std::vector<std::string>{ "XcvrSfpPlus 8 mediaType", "XcvrSfpPlus 8 vendorName",
-                                          "XcvrSfpPlus 8 bitrateNominal" } ) );
+   EXPECT_EQ( operations, ( std::vector<std::string>{
+                             "XcvrSfpPlus 8 mediaType", "XcvrSfpPlus 8 vendorName",
+                             "XcvrSfpPlus 8 bitrateNominal", "XcvrSfpPlus 8 quorelAttnValue",
+                             "XcvrSfpPlus 8 quorelAttnValue" } ) );
 }
 
 TEST( Contents, IdentityAndMediaTypeDoNotAllocate ) {

@@ -201,15 +201,14 @@ TEST( ModuleImage, labelledImageKeepsEveryPageAsWritten ) {
                             "0x60: 01,02  0x03 # three more\n"
                             "63:0405\n"
                             "[a2h]\n\t0000: ff\n"
-                            "[02h]\n01\n[11h.0]\n02\n[11h.255]\n03\n[8000h]\n04\n";
+                            "[02h]\n01\n[00h]\n02\n[FFh]\n03\n";
    ModuleImage const image = parseImage( "f", text, ImageFamily::automatic );
    EXPECT_EQ( image.family, ImageFamily::sfp );
    EXPECT_EQ( image.page( "a0h" )->substr( 96 ), "\1\2\3\4\5" );
    EXPECT_EQ( *image.page( "a2h" ), "\xff" );
    EXPECT_EQ( *image.page( "02h" ), "\1" );
-   EXPECT_EQ( *image.page( "11h.0" ), "\2" );
-   EXPECT_EQ( *image.page( "11h.255" ), "\3" );
-   EXPECT_EQ( *image.page( "8000h" ), "\4" );
+   EXPECT_EQ( *image.page( "00h" ), "\2" );
+   EXPECT_EQ( *image.page( "ffh" ), "\3" );
    EXPECT_EQ( image.page( "03h" ), nullptr );
 
    ModuleImage const again = parseImage( "f", labelledForm( image ), ImageFamily::automatic );
@@ -261,12 +260,16 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
       { std::string( 512, '\0' ), "identifier 00h", "(byte 0)" },
       { std::string( ( 1 << 20 ) + 1, '\3' ), "too large", "(more than 1048576 bytes)" },
       // Other modules, and too much or too little of one.
-      { withIdentifier( 0x11 ), "identifier 11h is QSFP28, which this version does not decode",
-        "--family sfp" },
-      { withIdentifier( 0x22 ), "22h is ELSFP with CMIS", "(byte 0)" },
+      { withIdentifier( 0x11 ),
+        "identifier 11h (QSFP28 or later) is not one that this version decodes", "--family sfp" },
+      { withIdentifier( 0x22 ), "22h (ELSFP with CMIS) is", "(byte 0)" },
       { withIdentifier( 0x23 ), "identifier 23h is not that of any module", "(byte 0)" },
-      { "[lower]\n18\n[00h]\n18\n", "identifier 18h is QSFP-DD", "(byte 0)" },
-      { "[lower]\n03\n", "too short", "(0 bytes of page a0h)" },
+      { "[lower]\n18\n[00h]\n18\n", "identifier 18h (QSFP-DD) is", "(byte 0)" },
+      { "[lower]\n03\n", "[lower] is no page of this family, sfp", "(line 1)" },
+      { "[lower]\n03\n" + a0h, "[lower] is no page of", "(line 1); remove" },
+      { a0h + "[02h]\n01\n[8000h]\n01\n[11h.0]\n01\n", "[8000h] is no page of",
+        "(line 5); remove" },
+      { a0h + "[11h.255]\n01\n", "[11h.255] is no page of", "(line 3); remove" },
       { "[8000h]\n0e\n", "do not show which kind of module", "(first is [8000h])" },
       { "\3", "too short to identify", "(1 byte of page a0h)" },
       { bytes.substr( 0, 95 ), "too short", "(95 bytes of page a0h); give at least the first 96" },

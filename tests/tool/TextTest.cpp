@@ -32,6 +32,23 @@ TEST( Text, AnyBytesBecomeUtf8 ) {
    }
 }
 
+TEST( Text, FileNamesHaveNoControlCharacters ) {
+   struct {
+      std::string name, shown;
+   } const cases[] = {
+      { "", "\"\"" },
+      { "a b~.bin", "a b~.bin" },
+      { "50 \xc2\xb5m\xc2\xa0\xe2\x82\xac", "50 \xc2\xb5m\xc2\xa0\xe2\x82\xac" },
+      { "a\x1b[2J\n\x7f", "a?[2J??" },
+      { "\xc2\x9b"
+        "2J\x9b\xff",
+        "?2J??" }, // control characters beyond ASCII, and no UTF-8
+   };
+   for ( auto const & row : cases ) {
+      EXPECT_EQ( shownFileName( row.name ), row.shown );
+   }
+}
+
 TEST( Text, LinesBreakBehindCommasElseAtBlanks ) {
    EXPECT_THAT( wrapped( "", 9 ), ElementsAre( "" ) );
    EXPECT_THAT( wrapped( "ten and up", 10 ), ElementsAre( "ten and up" ) );

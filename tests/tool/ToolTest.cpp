@@ -139,6 +139,8 @@ TEST_F( ToolTest, ShowFacts ) {
           { "Vendor part number", "A_[2J___" } } },
       { sr().text( "dateCode", "240229" ), { { "Date code", "2024-02-29" } } },
       { sr().text( "dateCode", "250229" ), { { "Date code", "250229" } } },
+      { sr().text( "dateCode", "601231" ), { { "Date code", "2060-12-31" } } },
+      { sr().text( "dateCode", "610101" ), { { "Date code", "610101" } } },
       // Zeros behind a text are padding as well.
       { sr().text( "vendorSn", std::string_view( "SN1\0\0", 5 ) ),
         { { "Vendor serial number", "SN1" } } },
@@ -157,6 +159,14 @@ TEST_F( ToolTest, ShowFacts ) {
           { "Bit rate, maximum", "26265 MBd" },
           { "Bit rate, minimum", "25235 MBd" } } },
       { sr().raw( "bitrateNominal", 0 ), { { "Bit rate", "unspecified" } } },
+      // No rate falls by more than all of it.
+      { sr().raw( "bitrateMax", 101 ).raw( "bitrateMin", 101 ),
+        { { "Bit rate, maximum", "20703 MBd" },
+          { "Bit rate, minimum", "(no Bit rate, minimum)" } } },
+      { sr().raw( "bitrateNominal", 255 ).raw( "bitrateMax", 103 ).raw( "bitrateMin", 200 ),
+        { { "Bit rate", "25750 MBd" },
+          { "Bit rate, maximum", "(no Bit rate, maximum)" },
+          { "Bit rate, minimum", "(no Bit rate, minimum)" } } },
       // A code without a name, and bits without one.
       { sr().raw( "connector", 0x7f ).raw( "options", 0x8001 ),
         { { "Connector", "0x7f" }, { "Options", "bit 15, bit 0" } } },
@@ -215,6 +225,9 @@ TEST_F( ToolTest, JsonOfModules ) {
    EXPECT_EQ( all["units"]["laserWavelength"], "nm" );
    EXPECT_EQ( all["units"]["lengths"]["lengthOm3"], "m" );
    EXPECT_EQ( all["units"]["bitrate"]["max"], "MBd" );
+   Json const odd =
+      Json::parse( this->run( "show --json -", binary( sr().raw( "bitrateMin", 101 ) ) ).out );
+   EXPECT_EQ( odd["modules"][0]["bitrate"]["min"], 0 );
 
    Json const & second = all["modules"][1];
    EXPECT_EQ( second["passiveAttenuation"], 0x0100 );
@@ -260,7 +273,8 @@ TEST_F( ToolTest, HexdumpOfFields ) {
             "\n 12 0c  67                       bitrateNominal             10300 MBd\n",
             "\n 20 14  48 61 72 62 6f 75 72 20  vendorName                 \"Harbour Optics\"\n"
             " 28 1c  4f 70 74 69 63 73 20 20\n",
-            "\n 60 3c  03 52                    (passiveAttenuation)       850\n",
+            "\n 60 3c  03 52                    laserWavelengthInteger     850 nm\n",
+            "\n118 76  00                       (quorelAttnMinuend)        0.0 dB\n",
             "\n 64 40  00 12                    options                    Tx disable, Rx LOS\n",
             "\n 96 60  00 ...                   vendorSpecific             32 bytes of 00\n",
             "\n128 80  00 ...                                              128 bytes of 00\n",
@@ -272,7 +286,34 @@ TEST_F( ToolTest, HexdumpOfFields ) {
       EXPECT_THAT( out, HasSubstr( line ) );
    }
    EXPECT_THAT( out, AllOf( Not( HasSubstr( "Slope" ) ), Not( HasSubstr( "tuningChannel" ) ),
-                            Not( HasSubstr( "calibration" ) ) ) );
+                            Not( HasSubstr( "calibration" ) ), Not( HasSubstr( "Attenuation" ) ),
+                            Not( HasSubstr( "dwdmLength" ) ), Not( HasSubstr( "bitrateHigh" ) ) ) );
+}
+
+/// Bytes with more than one meaning have that of the module.
+TEST_F( ToolTest, HexdumpOfOverloadedBytes ) {
+   EXPECT_THAT(
+      run( "hexdump -", binary( cable() ) ).out,
+      AllOf( HasSubstr( "\n 60 3c  01 00                    passiveAttenuation         256\n"
+                        " 62 3e  00\n" ),
+             Not( HasSubstr( "laserWavelength" ) ) ) );
+   EXPECT_THAT( run( "hexdump -", binary( cable().bit( "compliance", "active cable" ) ) ).out,
+                HasSubstr( " passiveAttenuation         256\n"
+                           " 60 3c  01 00                    (activeAttenuation)        256\n" ) );
+   EXPECT_THAT(
+      run( "hexdump -", binary( sr().raw( "bitrateNominal", 255 ).raw( "bitrateMax", 103 ) ) ).out,
+      AllOf( HasSubstr( " bitrateNominal             0xff (see bitrateHigh)\n" ),
+             HasSubstr( "\n 66 42  67                       bitrateHigh                25750 MBd\n"
+                        " 67 43  00                       bitrateHighTolerance       0 %\n" ),
+             Not( HasSubstr( "bitrateM" ) ) ) );
+   SfpImageBuilder dwdm = sr().raw( "identifier", 11 ).value( "length9umKm", 80 );
+   dwdm.bit( "options", "tunable transmitter" ).raw( "tuningChannel", 37 );
+   EXPECT_THAT(
+      run( "hexdump -", binary( dwdm ) ).out,
+      AllOf( HasSubstr( "\n 13 0d  00 50                    (dwdmLength)               80 km\n" ),
+             Not( HasSubstr( "tuningChannel" ) ) ) );
+   EXPECT_THAT( run( "hexdump -", binary( dwdm.raw( "tuningPageSelect", 2 ) ) ).out,
+                HasSubstr( " tuningChannel              37\n" ) );
 }
 
 TEST_F( ToolTest, HexdumpOfExternalCalibration ) {
@@ -357,13 +398,22 @@ TEST_F( ToolTest, ExplainShowsTheRulesUpToTheOneThatMatched ) {
    EXPECT_EQ( std::distance( std::sregex_iterator( out.begin(), out.end(), tried ), {} ),
               static_cast<std::ptrdiff_t>( decision.rule ) );
    EXPECT_THAT( out, ContainsRegex( "\n +" + number + "  [^\n]* yes: xcvr10GBaseSr\n" ) );
+   EXPECT_EQ( fact( out, "Byte 12, bit rate" ), "103 x 100 MBd" );
+   EXPECT_EQ( fact( out, "Bytes 13-14, DWDM length" ), "(no Bytes 13-14, DWDM length)" );
+   EXPECT_EQ( fact( out, "Bytes 60-61, wavelength" ), "850 nm" );
+   std::string const dwdm =
+      run( "explain -", binary( cable().raw( "identifier", 11 ).raw( "dwdmLength", 0x0150 ) ) ).out;
+   EXPECT_EQ( fact( dwdm, "Bytes 13-14, DWDM length" ), "336 km" );
+   EXPECT_EQ( fact( dwdm, "Bytes 60-61, wavelength" ), "256 nm" );
    // The last rule takes what no other does; nothing is left untried then.
    EXPECT_THAT( run( "explain -", binary( SfpImageBuilder() ) ).out,
                 EndsWith( " yes: xcvrUnknown\n" ) );
 }
 
 TEST_F( ToolTest, Usage ) {
-   file( "sr", binary( sr() ) );
+   for ( char const * name : { "sr", "[a,b]", "\xc3\xa9\x1b" } ) {
+      file( name, binary( sr() ) );
+   }
    struct {
       char const * arguments;
       int exitCode;
@@ -383,6 +433,12 @@ TEST_F( ToolTest, Usage ) {
       { "show --family sfp sr", 0, "xcvr10GBaseSr", "^$" },
       { "show -- sr", 0, "xcvr10GBaseSr", "^$" },
       { "show . sr", 3, "xcvr10GBaseSr", "xcvr: \\.: .*directory" },
+      // Names that a reader of arguments, or a terminal, could make something else of.
+      { "show '[a,b]' '[a]'", 3, "^\\./\\[a,b]\n.*xcvr10GBaseSr",
+        "xcvr: \\./\\[a]: cannot be opened" },
+      { "show ''", 3, "^$", "xcvr: \"\": cannot be opened" },
+      { "show \"$( printf 'e\\033[2J' )\" sr", 3, "^sr", "xcvr: e\\?\\[2J: cannot be opened" },
+      { "show sr \"$( printf '\\303\\251\\033' )\"", 0, "\n\xc3\xa9\\?\n", "^$" },
    };
    for ( auto const & row : cases ) {
       ToolRun const run = this->run( row.arguments );

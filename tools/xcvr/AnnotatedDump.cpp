@@ -24,7 +24,8 @@ class PageDump {
    /// `base` is the address of the first byte.
    PageDump( std::string_view bytes, std::size_t base ) : bytes_( bytes ), base_( base ) {}
 
-   void field( MemoryField const & field );
+   /// The line of a field, with its name as given.
+   void field( MemoryField const & field, std::string const & name );
    /// Bytes without a value of their own, up to the page's end; equal ones run together.
    void plain( std::size_t from, std::size_t to, std::string_view name );
    [[nodiscard]] std::string const & text() const { return text_; }
@@ -51,13 +52,10 @@ void PageDump::line( std::size_t at, std::string_view bytes, std::string_view na
    text_ += whole.substr( 0, whole.find_last_not_of( ' ' ) + 1 ) + '\n';
 }
 
-void PageDump::field( MemoryField const & field ) {
+void PageDump::field( MemoryField const & field, std::string const & name ) {
    std::vector<std::string> const values =
       wrapped( fieldText( bytes_, field ), lineWidth - valueAt );
    std::string_view const bytes = bytes_.substr( field.at, field.width );
-   // Another reading of bytes that belong to other fields stands in parentheses.
-   std::string const name =
-      field.shared ? fmt::format( "({})", field.name ) : std::string( field.name );
    std::size_t const byteLines = ( bytes.size() + bytesPerLine - 1 ) / bytesPerLine;
    for ( std::size_t i = 0; i < std::max( byteLines, values.size() ); ++i ) {
       std::size_t const from = std::min( i * bytesPerLine, bytes.size() );
@@ -104,15 +102,16 @@ std::string dumpOf( std::string const & label, std::string const & bytes,
       if ( field.page != label || field.at >= bytes.size() || !contents.fieldInUse( field ) ) {
          continue;
       }
-      if ( field.shared ) {
-         dump.field( field );
+      // Another reading of bytes that are already there stands in parentheses.
+      if ( field.at < done ) {
+         dump.field( field, fmt::format( "({})", field.name ) );
          continue;
       }
       dump.plain( done, field.at, {} );
       if ( isPlain( field ) ) {
          dump.plain( field.at, field.end(), field.name );
       } else {
-         dump.field( field );
+         dump.field( field, std::string( field.name ) );
       }
       done = field.end();
    }

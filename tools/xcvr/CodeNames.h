@@ -53,6 +53,7 @@ inline constexpr CodeName identifierNames[] = {
    { 0x20, "SFP+ with CMIS" },
    { 0x21, "OSFP-XD with CMIS" },
    { 0x22, "ELSFP with CMIS" },
+   { 0x26, "XPO" },
 };
 
 /// SFF-8472, extended identifiers.
@@ -168,9 +169,6 @@ inline constexpr CodeName complianceExtendedNames[] = {
    { 0x31, "AOC with 50GAUI, 100GAUI-2 or 200GAUI-4, BER 1e-6" },
    { 0x32, "ACC with 50GAUI, 100GAUI-2 or 200GAUI-4, BER 2.6e-4" },
    { 0x33, "AOC with 50GAUI, 100GAUI-2 or 200GAUI-4, BER 2.6e-4" },
-   { 0x37, "10GBASE-BR" },
-   { 0x38, "25GBASE-BR" },
-   { 0x39, "50GBASE-BR" },
    { 0x3f, "100GBASE-CR1, 200GBASE-CR2 or 400GBASE-CR4" },
    { 0x40, "50GBASE-CR, 100GBASE-CR2 or 200GBASE-CR4" },
    { 0x41, "50GBASE-SR, 100GBASE-SR2 or 200GBASE-SR4" },
@@ -202,17 +200,23 @@ inline constexpr CodeName revisionNames[] = {
    { 0x09, "12.4" },
 };
 
+/// SFF-8472, the nominal bit rate where it is no number.
+inline constexpr CodeName bitrateNominalNames[] = {
+   { 0xff, "see bitrateHigh" },
+};
+
 struct CodeNames {
    std::string_view field; // its name in the field table
    std::span<CodeName const> names;
 };
 
-/// The fields that hold a code.
+/// The fields that hold a code, if only instead of some numbers.
 inline constexpr CodeNames codeNames[] = {
    { "identifier", identifierNames },
    { "extIdentifier", extIdentifierNames },
    { "connector", connectorNames },
    { "encoding", encodingNames },
+   { "bitrateNominal", bitrateNominalNames },
    { "rateIdentifier", rateIdentifierNames },
    { "complianceExtended", complianceExtendedNames },
    { "revision", revisionNames },

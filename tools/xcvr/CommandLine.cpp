@@ -125,7 +125,8 @@ bool printText( Arguments const & arguments, Output & output ) {
    bool isFirst = true;
    return forEachImage( arguments, output, [&]( ModuleImage const & image ) {
       if ( arguments.files.size() > 1 ) {
-         output.write( ( isFirst ? "" : "\n" ) + style.heading( image.file ) + '\n' );
+         output.write( ( isFirst ? "" : "\n" ) + style.heading( shownFileName( image.file ) ) +
+                       '\n' );
       }
       output.write( arguments.command->text( image, style ) );
       isFirst = false;
@@ -157,12 +158,23 @@ int sayUsage( CLI::App const & app, CLI::ParseError const & error, Output & outp
    return exitUsage;
 }
 
+/// The arguments, the last one first, as CLI11 takes them. It would unpack "[a,b]" into its parts;
+/// the file of that name is meant.
+std::vector<std::string> wordsOf( int argc, char const * const * argv ) {
+   std::vector<std::string> words;
+   for ( int i = argc - 1; i > 0; --i ) {
+      std::string const word = argv[i];
+      words.push_back( word.starts_with( '[' ) ? "./" + word : word );
+   }
+   return words;
+}
+
 int runCommand( int argc, char const * const * argv, Output & output ) {
    CLI::App app;
    Arguments arguments;
    describeArguments( app, arguments );
    try {
-      app.parse( argc, argv );
+      app.parse( wordsOf( argc, argv ) );
    } catch ( CLI::ParseError const & error ) {
       return sayUsage( app, error, output );
    }

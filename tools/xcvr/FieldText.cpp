@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <span>
 
 namespace XcvrTool {
 
@@ -82,8 +83,11 @@ std::string fieldText( PageView page, MemoryField const & field ) {
    case MemoryKind::f32be:
       break;
    }
-   return codeNamesOf( field.name ).empty() ? scaledText( page, field )
-                                            : codeText( field, page.u8( field.at ) );
+   // Of a number, which has a unit, only some codes may have a name.
+   std::span<CodeName const> const names = codeNamesOf( field.name );
+   std::uint8_t const code = page.u8( field.at );
+   bool const isCode = field.unit.empty() ? !names.empty() : !codeName( names, code ).empty();
+   return isCode ? codeText( field, code ) : scaledText( page, field );
 }
 
 } // namespace XcvrTool

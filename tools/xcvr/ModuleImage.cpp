@@ -1,7 +1,9 @@
 #include "tools/xcvr/ModuleImage.h"
 
+#include "tools/xcvr/CodeNames.h"
 #include "tools/xcvr/HexDump.h"
 #include "tools/xcvr/InputText.h"
+#include "tools/xcvr/Text.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +15,7 @@
 #include <memory>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 namespace XcvrTool {
 
@@ -31,7 +34,7 @@ struct FixedPage {
    std::size_t size;
 };
 
-/// What is to know of a family. A new family is a new row.
+/// What the reader of images has to know of a family.
 struct Family {
    ImageFamily family;
    std::string_view name;          // as the user writes it
@@ -46,45 +49,6 @@ constexpr Family families[] = {
    { ImageFamily::sfp, "sfp", "\x03\x0b"sv, { { { "a0h", 256 }, { "a2h", 256 } } }, 1, 96 },
 };
 
-/// What an identifier stands for, by its number in SFF-8024.
-constexpr std::string_view identifierNames[] = {
-   /* 00h */ "",
-   "GBIC",
-   "a module soldered to the board",
-   "SFP, SFP+ or SFP28",
-   "300-pin XBI",
-   "XENPAK",
-   "XFP",
-   "XFF",
-   /* 08h */ "XFP-E",
-   "XPAK",
-   "X2",
-   "DWDM-SFP or DWDM-SFP+",
-   "QSFP",
-   "QSFP+",
-   "CXP",
-   "mini multilane HD 4X",
-   /* 10h */ "mini multilane HD 8X",
-   "QSFP28",
-   "CXP2",
-   "CDFP style 1 or 2",
-   "an HD 4X fan-out cable",
-   "an HD 8X fan-out cable",
-   "CDFP style 3",
-   "microQSFP",
-   /* 18h */ "QSFP-DD",
-   "OSFP",
-   "SFP-DD",
-   "DSFP",
-   "x4 MiniLink or OCuLink",
-   "x8 MiniLink",
-   "QSFP with CMIS",
-   "SFP-DD with CMIS",
-   /* 20h */ "SFP+ with CMIS",
-   "OSFP-XD with CMIS",
-   "ELSFP with CMIS",
-};
-
 std::string countText( std::size_t count ) {
    return std::to_string( count ) + ( count == 1 ? " byte" : " bytes" );
 }
@@ -95,10 +59,10 @@ Family const & familyOfIdentifier( char identifier ) {
          return family;
    auto const number = static_cast<std::uint8_t>( identifier );
    std::string const text = "identifier " + hexText( number, 2 ) + "h";
-   if ( number < std::size( identifierNames ) && !identifierNames[number].empty() )
-      throw InputProblem( text + " is " + std::string( identifierNames[number] ) +
-                             ", which this version does not decode",
-                          "byte 0", "give an image of an SFP, or --family sfp to read it as one" );
+   std::string const name( codeName( identifierNames, number ) );
+   if ( number != 0 && !name.empty() ) // 0 is "unknown": of a module or of anything else
+      throw InputProblem( text + " (" + name + ") is not one that this version decodes", "byte 0",
+                          "give an image of an SFP, or --family sfp to read it as one" );
    throw InputProblem( "no module image: " + text + " is not that of any module", "byte 0",
                        std::string( acceptedForms ) + "; --family sfp reads it all the same" );
 }
@@ -143,6 +107,14 @@ Pages linearPages( Family const & family, std::string_view bytes ) {
    return pages;
 }
 
+/// Whether modules of a family have a page: one of the fixed ones, or an upper page. No family so
+/// far has banks or register tables.
+bool hasPage( Family const & family, std::string_view label ) {
+   bool const isUpperPage = label.size() == 3; // "02h"; with a bank, or of a table, it is longer
+   return isUpperPage ||
+          std::ranges::find( family.pages, label, &FixedPage::label ) != family.pages.end();
+}
+
 bool isBank( std::string_view text ) {
    std::uint8_t bank = 0;
    auto const [end, error] = std::from_chars( text.data(), text.data() + text.size(), bank );
@@ -170,16 +142,19 @@ std::size_t pageSize( std::string_view label ) {
 class LabelledReader {
  public:
    void read( Line const & line );
-   Pages end();
+   void end() const { checkSectionHasBytes(); }
+   [[nodiscard]] Pages const & pages() const { return pages_; }
+   /// Refuses sections that modules of the family do not have.
+   void checkSectionsFit( Family const & family ) const;
 
  private:
    void sectionIs( Line const & line, std::string_view header );
    void checkSectionHasBytes() const;
 
    Pages pages_;
-   Pages::value_type * section_ = nullptr; // where bytes go
-   Line sectionLine_{};
-   bool lastLineHasOffset_ = false; // a cut offset would pass for bytes
+   Pages::value_type * section_ = nullptr;             // where bytes go
+   std::vector<std::pair<std::string, Line>> headers_; // in the order of the text
+   bool lastLineHasOffset_ = false;                    // a cut offset would pass for bytes
 };
 
 void LabelledReader::read( Line const & line ) {
@@ -218,26 +193,31 @@ void LabelledReader::sectionIs( Line const & line, std::string_view header ) {
       throw InputProblem( "a second section [" + label + "]", lineText( line ),
                           "give each page once" );
    section_ = &*section;
-   sectionLine_ = line;
+   headers_.emplace_back( label, line );
 }
 
 void LabelledReader::checkSectionHasBytes() const {
    if ( section_ && section_->second.empty() )
-      throw InputProblem( "[" + section_->first + "] has no bytes", lineText( sectionLine_ ),
+      throw InputProblem( "[" + section_->first + "] has no bytes",
+                          lineText( headers_.back().second ),
                           "give its bytes, or remove the section" );
 }
 
-Pages LabelledReader::end() {
-   checkSectionHasBytes();
-   return std::move( pages_ );
+void LabelledReader::checkSectionsFit( Family const & family ) const {
+   for ( auto const & [label, line] : headers_ )
+      if ( !hasPage( family, label ) )
+         throw InputProblem( "[" + label + "] is no page of this family, " +
+                                std::string( family.name ),
+                             lineText( line ), "remove the section" );
 }
 
-Pages labelledPages( std::string_view text ) {
+LabelledReader readLabelled( std::string_view text ) {
    LabelledReader reader;
    Lines lines( text );
    while ( auto const line = lines.next() )
       reader.read( *line );
-   return reader.end();
+   reader.end();
+   return reader;
 }
 
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
@@ -287,8 +267,10 @@ void readPages( ModuleImage & image, std::string_view content ) {
    std::string_view const text = withoutByteOrderMark( content );
    Family const * family = nullptr;
    if ( image.form == ImageForm::labelled ) {
-      image.pages = labelledPages( text );
-      family = &( isAutomatic ? familyOfSections( image.pages ) : familyRow( image.family ) );
+      LabelledReader const reader = readLabelled( text );
+      family = &( isAutomatic ? familyOfSections( reader.pages() ) : familyRow( image.family ) );
+      reader.checkSectionsFit( *family );
+      image.pages = reader.pages();
    } else {
       std::string const bytes = image.form == ImageForm::hexDump ? hexDumpBytes( text, inputLimit )
                                                                  : std::string( content );
@@ -332,6 +314,9 @@ bool PageOrder::operator()( std::string_view left, std::string_view right ) cons
    };
    return std::tuple( isNumbered( left ), left ) < std::tuple( isNumbered( right ), right );
 }
+
+ImageError::ImageError( std::string_view file, std::string const & problem )
+   : std::runtime_error( shownFileName( file ) + ": " + problem ) {}
 
 std::string const * ModuleImage::page( std::string_view label ) const {
    auto const found = pages.find( label );

@@ -23,7 +23,7 @@ struct PageOrder {
 
 /// The raw memory of one module, as one input holds it.
 struct ModuleImage {
-   /// The file's name, for messages; "<stdin>" for the standard input.
+   /// The file's name, as it is; "<stdin>" for the standard input.
    std::string file;
    ImageForm form = ImageForm::binary;
    ImageFamily family = ImageFamily::automatic;
@@ -40,8 +40,7 @@ struct ModuleImage {
 /// Why an input cannot be used. what() is one line: "FILE: what is wrong (where); what to do".
 class ImageError : public std::runtime_error {
  public:
-   ImageError( std::string const & file, std::string const & problem )
-      : std::runtime_error( file + ": " + problem ) {}
+   ImageError( std::string_view file, std::string const & problem );
 };
 
 /// Reads the image in a file, or in the standard input if the path is "-". Works for pipes and
@@ -64,7 +63,8 @@ ModuleImage readImage( std::string const & path, ImageFamily family );
 /// - Other text is a hex dump (see hexDumpBytes) in the linear layout.
 ///
 /// An image may end early, but not before the identification is complete (96 bytes of A0h). With
-/// the family `automatic` the identifier byte or the labels decide; any other is taken as said.
+/// the family `automatic` the identifier byte or the labels decide; any other is taken as said. A
+/// section that the family cannot have is refused.
 /// Throws ImageError.
 ModuleImage parseImage( std::string name, std::string_view content, ImageFamily family );
 

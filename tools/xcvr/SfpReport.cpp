@@ -65,8 +65,9 @@ void addLength( Report & report, MemoryField const & field, std::string const & 
                                   : fmt::format( "{} {}", code * step, unit ) } );
 }
 
-/// The day in a date code, which has two digits each of year, month and day, as "2024-03-15".
-/// Modules are younger than the century, so the year needs no guess.
+/// The day in a date code, which has two digits each of year, month and day, as "2024-03-15". The
+/// year counts from 2000. One far ahead of any module is that of a maker who does otherwise, and
+/// then nobody knows the day.
 std::optional<std::string> isoDate( std::string_view dateCode ) {
    std::string_view const digits = dateCode.substr( 0, 6 );
    if ( digits.size() < 6 || digits.find_first_not_of( "0123456789" ) != std::string_view::npos ) {
@@ -79,7 +80,8 @@ std::optional<std::string> isoDate( std::string_view dateCode ) {
       std::chrono::year( 2000 + number( 0 ) ),
       std::chrono::month( static_cast<unsigned>( number( 2 ) ) ),
       std::chrono::day( static_cast<unsigned>( number( 4 ) ) ) );
-   if ( !date.ok() ) {
+   constexpr std::chrono::year lastPlausible( 2060 );
+   if ( !date.ok() || date.year() > lastPlausible ) {
       return {};
    }
    return fmt::format( "20{}-{}-{}", digits.substr( 0, 2 ), digits.substr( 2, 2 ),
@@ -99,6 +101,7 @@ class SfpReporter {
    void options( Report & report ) const;
    void features( Report & report ) const;
    void checksums( Report & report ) const;
+   void ruleInputs( Report & report ) const;
 
  private:
    [[nodiscard]] PageView pageA0h() const { return contents_.buf().view(); }
@@ -169,23 +172,28 @@ void SfpReporter::medium( Report & report ) const {
 }
 
 /// SFF-8472 gives the limits in percent of the nominal rate. A rate too high for the nominal byte is
-/// in units of 250 MBd where the upper limit is otherwise, and the other limit counts both ways.
+/// in units of 250 MBd where the upper limit is otherwise, and the other limit counts both ways. No
+/// rate falls by more than all of it: such a lower limit says nothing.
 void SfpReporter::bitrate( Report & report ) const {
    constexpr std::uint8_t seeMaximum = 0xff;
    bool const isHigh = contents_.bitrateNominal() == seeMaximum;
    int const nominal = isHigh ? contents_.bitrateMax() * 250 : contents_.bitrateNominal() * 100;
-   int const percentAbove = isHigh ? contents_.bitrateMin() : contents_.bitrateMax();
-   auto const add = [&]( char const * member, std::string const & label, int percent ) {
-      int const rate = nominal + nominal * percent / 100;
+   int const percentBelow = contents_.bitrateMin();
+   int const percentAbove = isHigh ? percentBelow : contents_.bitrateMax();
+   bool const saysBelow = percentBelow <= 100;
+   bool const saysAbove = saysBelow || !isHigh;
+   auto const add = [&]( char const * member, std::string const & label, int percent,
+                         bool isKnown = true ) {
+      int const rate = isKnown ? nominal + nominal * percent / 100 : 0;
       report.push_back( { .member = member,
                           .value = rate,
                           .unit = "MBd",
-                          .label = label,
+                          .label = isKnown ? label : "",
                           .text = rate == 0 ? "unspecified" : fmt::format( "{} MBd", rate ) } );
    };
    add( "bitrate/nominal", "Bit rate", 0 );
-   add( "bitrate/max", percentAbove ? "Bit rate, maximum" : "", percentAbove );
-   add( "bitrate/min", contents_.bitrateMin() ? "Bit rate, minimum" : "", -contents_.bitrateMin() );
+   add( "bitrate/max", percentAbove ? "Bit rate, maximum" : "", percentAbove, saysAbove );
+   add( "bitrate/min", percentBelow ? "Bit rate, minimum" : "", -percentBelow, saysBelow );
 }
 
 void SfpReporter::lengths( Report & report ) const {
@@ -287,6 +295,19 @@ void SfpReporter::checksums( Report & report ) const {
    report.insert( report.end(), lines.begin(), lines.end() );
 }
 
+/// Numbers as the rules for the media type read them, whatever the facts above make of the bytes.
+void SfpReporter::ruleInputs( Report & report ) const {
+   auto const add = [&]( char const * label, std::string const & text ) {
+      report.push_back( { .label = label, .text = text } );
+   };
+   add( "Byte 12, bit rate", fmt::format( "{} x 100 MBd", contents_.bitrateNominal() ) );
+   if ( MemoryField const & length = row( "dwdmLength" ); contents_.fieldInUse( length ) ) {
+      add( "Bytes 13-14, DWDM length", fieldText( pageA0h(), length ) );
+   }
+   add( "Bytes 60-61, wavelength",
+        fmt::format( "{} nm", pageA0h().s16be( row( "laserWavelengthInteger" ).at ) ) );
+}
+
 } // namespace
 
 Xcvr::XcvrSff8472IdEepromContents sfpContents( ModuleImage const & image ) {
@@ -318,6 +339,7 @@ Report sfpKindReport( ModuleImage const & image ) {
    reporter.product( report );
    reporter.medium( report );
    reporter.options( report );
+   reporter.ruleInputs( report );
    return report;
 }
 

@@ -13,7 +13,8 @@ namespace XcvrTool {
 /// Identity, medium, features and checksums of an SFP module.
 [[nodiscard]] Report sfpReport( ModuleImage const & image );
 
-/// The part of it that tells what kind of module it is, whichever of its items.
+/// The part of it that tells what kind of module it is, whichever of its items, and what the
+/// rules for the media type read beside it.
 [[nodiscard]] Report sfpKindReport( ModuleImage const & image );
 
 } // namespace XcvrTool

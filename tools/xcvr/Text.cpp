@@ -59,6 +59,21 @@ std::string printable( std::string_view bytes ) {
    return text;
 }
 
+std::string shownFileName( std::string_view name ) {
+   std::string text;
+   while ( !name.empty() ) {
+      std::size_t const length = utf8Length( name );
+      std::string_view const character = name.substr( 0, length );
+      // Those of ASCII, and U+0080 to U+009F.
+      bool const isControl = length == 1   ? character < " " || character == "\x7f"
+                             : length == 2 ? character < "\xc2\xa0"
+                                           : length == 0;
+      text += isControl ? "?" : character;
+      name.remove_prefix( std::max<std::size_t>( length, 1 ) );
+   }
+   return text.empty() ? "\"\"" : text;
+}
+
 std::string utf8( std::string_view bytes ) {
    std::string text;
    while ( !bytes.empty() ) {

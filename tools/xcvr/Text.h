@@ -24,6 +24,10 @@ struct Style {
 /// Bytes of module memory for a terminal: what is not printable ASCII becomes "_".
 [[nodiscard]] std::string printable( std::string_view bytes );
 
+/// The name of a file for people: control characters, and what is no UTF-8, become "?"; an empty
+/// name is shown as "".
+[[nodiscard]] std::string shownFileName( std::string_view name );
+
 /// Any bytes as UTF-8, which JSON has to be: what is valid UTF-8 stays, any other byte becomes the
 /// character of the same number.
 [[nodiscard]] std::string utf8( std::string_view bytes );
