@@ -60,8 +60,8 @@ void checkChecksums( Contents contents ) {
    contents.storedCcBaseIs( static_cast<uint8_t>( contents.computedCcBase() ) );
    contents.storedCcExtIs( static_cast<uint8_t>( contents.computedCcExt() ) );
    contents.storedCcDmiIs( static_cast<uint8_t>( contents.computedCcDmi() ) );
-   require( contents.checksumsValid( pageA0h ) == contents.buf().size() > 95 );
-   require( contents.checksumsValid( pageA2h ) == contents.eepromPageA2Data().size() > 95 );
+   require( contents.checksumsValid( pageA0h ) == ( contents.buf().size() > 95 ) );
+   require( contents.checksumsValid( pageA2h ) == ( contents.eepromPageA2Data().size() > 95 ) );
 }
 
 void checkMediaType( Contents const & contents ) {
