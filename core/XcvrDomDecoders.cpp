@@ -1,9 +1,10 @@
 #include <Xcvr/XcvrDomDecoders.h>
 
+#include "core/DomCodes.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <limits>
 
 // Pure functions of their arguments on the hottest path there is; they trace nothing.
 namespace Xcvr {
@@ -17,50 +18,32 @@ constexpr int16_t signedWord( uint8_t msb, uint8_t lsb ) {
    return static_cast<int16_t>( word( msb, lsb ) );
 }
 
-/// Two's complement read through the unsigned value. An externally calibrated temperature passes
-/// through it as well, which is intended: a result of 128 °C or more reads as negative.
-double foldTemperature( double celsius ) {
-   return celsius >= 128 ? celsius - 256 : celsius;
-}
-
-constexpr double voltPerCode = 0.0001;
-constexpr double milliamperePerCode = 0.002;
-
-/// dBm of a power in 0.1 µW. Minus infinity for a negative one and for what is no number: a power
-/// that cannot be is a power that cannot be read. Zero and plus infinity follow the formula.
-double powerDbm( double code ) {
-   if ( !( code >= 0 ) ) {
-      return -std::numeric_limits<double>::infinity();
-   }
-   return 10 * std::log10( code * 1e-7 ) + 30;
-}
-
-double calibrated( uint8_t msb, uint8_t lsb, uint8_t slopeMsb, uint8_t slopeLsb, uint8_t offsetMsb,
-                   uint8_t offsetLsb ) {
-   return word( msb, lsb ) * decodeDomECSlope( slopeMsb, slopeLsb ) +
-          decodeDomECOffset( offsetMsb, offsetLsb );
+DomCodes::Calibration calibration( uint8_t slopeMsb, uint8_t slopeLsb, uint8_t offsetMsb,
+                                   uint8_t offsetLsb ) {
+   return { decodeDomECSlope( slopeMsb, slopeLsb ),
+            static_cast<double>( decodeDomECOffset( offsetMsb, offsetLsb ) ) };
 }
 
 } // namespace
 
 double decodeDomICTemperature( uint8_t msb, uint8_t lsb ) {
-   return foldTemperature( word( msb, lsb ) / 256. );
+   return DomCodes::temperature( word( msb, lsb ) );
 }
 
 double decodeDomICSupplyVoltage( uint8_t msb, uint8_t lsb ) {
-   return word( msb, lsb ) * voltPerCode;
+   return DomCodes::supplyVoltage( word( msb, lsb ) );
 }
 
 double decodeDomICTxBias( uint8_t msb, uint8_t lsb ) {
-   return word( msb, lsb ) * milliamperePerCode;
+   return DomCodes::txBias( word( msb, lsb ) );
 }
 
 double decodeDomICPower( uint8_t msb, uint8_t lsb ) {
-   return powerDbm( word( msb, lsb ) );
+   return DomCodes::power( word( msb, lsb ) );
 }
 
 double decodeDomECSlope( uint8_t msb, uint8_t lsb ) {
-   return msb + lsb / 256.;
+   return DomCodes::slope( word( msb, lsb ) );
 }
 
 int16_t decodeDomECOffset( uint8_t msb, uint8_t lsb ) {
@@ -73,24 +56,26 @@ float decodeDomECIEEEFloat( uint8_t b0, uint8_t b1, uint8_t b2, uint8_t b3 ) {
 
 double decodeDomECTemperature( uint8_t msb, uint8_t lsb, uint8_t slopeMsb, uint8_t slopeLsb,
                                uint8_t offsetMsb, uint8_t offsetLsb ) {
-   return foldTemperature( ( signedWord( msb, lsb ) * decodeDomECSlope( slopeMsb, slopeLsb ) +
-                             decodeDomECOffset( offsetMsb, offsetLsb ) ) /
-                           256 );
+   return DomCodes::temperature(
+      calibration( slopeMsb, slopeLsb, offsetMsb, offsetLsb )( signedWord( msb, lsb ) ) );
 }
 
 double decodeDomECSupplyVoltage( uint8_t msb, uint8_t lsb, uint8_t slopeMsb, uint8_t slopeLsb,
                                  uint8_t offsetMsb, uint8_t offsetLsb ) {
-   return calibrated( msb, lsb, slopeMsb, slopeLsb, offsetMsb, offsetLsb ) * voltPerCode;
+   return DomCodes::supplyVoltage(
+      calibration( slopeMsb, slopeLsb, offsetMsb, offsetLsb )( word( msb, lsb ) ) );
 }
 
 double decodeDomECTxBias( uint8_t msb, uint8_t lsb, uint8_t slopeMsb, uint8_t slopeLsb,
                           uint8_t offsetMsb, uint8_t offsetLsb ) {
-   return calibrated( msb, lsb, slopeMsb, slopeLsb, offsetMsb, offsetLsb ) * milliamperePerCode;
+   return DomCodes::txBias(
+      calibration( slopeMsb, slopeLsb, offsetMsb, offsetLsb )( word( msb, lsb ) ) );
 }
 
 double decodeDomECTxPower( uint8_t msb, uint8_t lsb, uint8_t slopeMsb, uint8_t slopeLsb,
                            uint8_t offsetMsb, uint8_t offsetLsb ) {
-   return powerDbm( calibrated( msb, lsb, slopeMsb, slopeLsb, offsetMsb, offsetLsb ) );
+   return DomCodes::power(
+      calibration( slopeMsb, slopeLsb, offsetMsb, offsetLsb )( word( msb, lsb ) ) );
 }
 
 double decodeDomECRxPower( uint8_t msb, uint8_t lsb,                               //
@@ -104,8 +89,7 @@ double decodeDomECRxPower( uint8_t msb, uint8_t lsb,                            
    double const c2 = decodeDomECIEEEFloat( c2b0, c2b1, c2b2, c2b3 );
    double const c3 = decodeDomECIEEEFloat( c3b0, c3b1, c3b2, c3b3 );
    double const c4 = decodeDomECIEEEFloat( c4b0, c4b1, c4b2, c4b3 );
-   double const r = word( msb, lsb );
-   return powerDbm( c4 * ( r * r * r * r ) + c3 * ( r * r * r ) + c2 * ( r * r ) + c1 * r + c0 );
+   return DomCodes::power( DomCodes::rxPolynomial( word( msb, lsb ), c0, c1, c2, c3, c4 ) );
 }
 
 uint32_t decodeTuningFrequency( uint8_t thzMsb, uint8_t thzLsb, uint8_t ghzMsb, uint8_t ghzLsb ) {

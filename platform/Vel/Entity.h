@@ -295,6 +295,8 @@ class Ref : public NotifieeBase {
 ///    ( Values, foo, onFoo, Key, Type )     foo( key ), fooHas( key ), fooIs( key, v ), fooDel( key ),
 ///                                          fooDelAll(), fooMap(); an absent key reads as Type{}
 ///    ( OrderedValues, … )                  the same, iterated in the order of the keys
+///    ( Records, foo, onFoo, Storage )      as Values, but a value carries its own key, so that the
+///                                          setter is fooIs( v ), and the type of the storage is given
 ///    ( Children, foo, onFoo, Key, Child )  fooIs( key ) makes a Child( key ) or returns the one that
 ///                                          is there, an absent key reads as null; else as Values
 ///    ( OrderedChildren, … )                the same, iterated in the order of the keys
@@ -304,6 +306,12 @@ class Ref : public NotifieeBase {
 ///    ( Child, foo, onFoo, Child )          foo(), fooIs() makes it, fooDel()
 ///    ( Reference, foo, onFoo, T )          foo(), fooIs( ptr ); not owned, null once it is gone
 ///    ( Derived, foo, Type )                reflected only; the operation foo() is written by hand
+///
+/// A collection has fooNotify( key ) too, which tells of an entry as though it had changed.
+///
+/// The Storage of Records has `key_type`, `mapped_type`, `static keyOf( v )`, `contains( key )`,
+/// `at( key )` (a default value when absent), `store( v )` and `erase( key )` (whether they changed
+/// anything), `empty()`, and is iterated over entries with `first` and `second`.
 ///
 /// Handlers run after the change: onFoo() for a single attribute; onFoo( key ) and then onFoo() for an
 /// entry of a collection; for fooDelAll() onFoo( key ) for each removed key, then onFoo() once.
@@ -406,6 +414,10 @@ class Ref : public NotifieeBase {
    }                                                                                               \
    void name##DelAll() {                                                                           \
       velEntryDelAll( name##_, VEL_KEYED_( Key, name, onName ) );                                  \
+   }                                                                                               \
+   void name##Notify( Vel::In<Key> velKey ) const {                                                \
+      Key const velTold = velKey;                                                                  \
+      velTellEntry( VEL_KEYED_( Key, name, onName ), velTold );                                    \
    }
 
 // clang-format off
@@ -445,6 +457,38 @@ class Ref : public NotifieeBase {
 #define VEL_MEMBERS_Entries_( name, onName, ... )                                                  \
    VEL_MEMBERS_Owned_( name, onName, Vel::Name, Vel::HashMap, __VA_ARGS__ )                        \
    VEL_MEMBERS_AnyPointers_( true, name, onName, __VA_ARGS__ )
+
+#define VEL_MEMBERS_Records_( name, onName, ... )                                                  \
+ private:                                                                                          \
+   __VA_ARGS__ name##_;                                                                            \
+                                                                                                   \
+ public:                                                                                           \
+   using name##Storage = __VA_ARGS__;                                                              \
+   [[nodiscard]] bool name##Has( name##Storage::key_type velKey ) const {                          \
+      return name##_.contains( velKey );                                                           \
+   }                                                                                               \
+   [[nodiscard]] name##Storage const & name##Map() const {                                         \
+      return name##_;                                                                              \
+   }                                                                                               \
+   [[nodiscard]] name##Storage::mapped_type name( name##Storage::key_type velKey ) const {         \
+      return name##_.at( velKey );                                                                 \
+   }                                                                                               \
+   void name##Is( Vel::In<name##Storage::mapped_type> velNew ) {                                   \
+      if ( name##_.store( velNew ) ) {                                                             \
+         name##Notify( name##Storage::keyOf( velNew ) );                                           \
+      }                                                                                            \
+   }                                                                                               \
+   void name##Del( name##Storage::key_type velKey ) {                                              \
+      if ( name##_.erase( velKey ) ) {                                                             \
+         name##Notify( velKey );                                                                   \
+      }                                                                                            \
+   }                                                                                               \
+   void name##DelAll() {                                                                           \
+      velEntryDelAll( name##_, VEL_KEYED_( name##Storage::key_type, name, onName ) );              \
+   }                                                                                               \
+   void name##Notify( name##Storage::key_type velKey ) const {                                     \
+      velTellEntry( VEL_KEYED_( name##Storage::key_type, name, onName ), velKey );                 \
+   }
 
 #define VEL_MEMBERS_AnyChildren_( Map, name, onName, Key, ... )                                    \
    VEL_MEMBERS_Owned_( name, onName, Key, Map, __VA_ARGS__ )                                       \
@@ -517,6 +561,8 @@ class Ref : public NotifieeBase {
    virtual void onName( Vel::In<Key> ) {}                                                          \
    virtual void onName() {}
 #define VEL_HANDLERS_OrderedValues_ VEL_HANDLERS_Values_
+#define VEL_HANDLERS_Records_( name, onName, ... )                                                 \
+   VEL_HANDLERS_Values_( name, onName, __VA_ARGS__::key_type )
 #define VEL_HANDLERS_Children_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_OrderedChildren_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_Pointers_( name, onName, ... ) VEL_HANDLERS_Values_( name, onName, Vel::Name )
@@ -537,6 +583,8 @@ class Ref : public NotifieeBase {
    VEL_ROW_( values, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_OrderedValues_( name, onName, Key, ... )                                           \
    VEL_ROW_( orderedValues, Key, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_Records_( name, onName, ... )                                                      \
+   VEL_ROW_( values, __VA_ARGS__::key_type, name, name##Map, __VA_ARGS__::mapped_type )
 #define VEL_ROW_Children_( name, onName, Key, ... )                                                \
    VEL_ROW_( children, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_OrderedChildren_( name, onName, Key, ... )                                         \

@@ -1,0 +1,65 @@
+#include <Xcvr/XcvrOptics.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace Xcvr;
+
+namespace {
+constexpr double none = -std::numeric_limits<double>::infinity();
+} // namespace
+
+TEST( OpticsTest, ChannelsAndFrequenciesAreUnsigned32Bit ) {
+   EXPECT_EQ( decodeItuFrequency( 191200000, 39, 50000 ), 193100000u );
+   EXPECT_EQ( decodeItuFrequency( 191200000, 0, 50000 ), 191150000u );
+   EXPECT_EQ( decodeItuFrequency( 0, 0, 1 ), 0xffffffffu );
+   EXPECT_EQ( decodeItuChannel( 191200000, 50000, 193100000 ), 39u );
+   EXPECT_EQ( decodeItuChannel( 191200000, 50000, 193149999 ), 39u );
+   EXPECT_EQ( decodeItuChannel( 191200000, 50000, 191199999 ), 0xffffffffu / 50000 + 1 );
+   EXPECT_EQ( decodeItuChannel( 191200000, 0, 193100000 ), 0u );
+   EXPECT_EQ( mhzFreqToGhz( 193199 ), 193u );
+   EXPECT_EQ( ghzFreqToMhz( 50 ), 50000u );
+}
+
+TEST( OpticsTest, TheFinestGridIs50GHzUnlessAFlagSaysLess ) {
+   auto const min = []( bool g100, bool g50, bool g33, bool g25, bool g12, bool g6 ) {
+      return getMinGridSpacing( GridSpacingCapabilities( g100, g50, g33, g25, g12, g6 ) );
+   };
+   EXPECT_EQ( min( true, true, true, true, true, true ), 6250u );
+   EXPECT_EQ( min( true, true, true, true, true, false ), 12500u );
+   EXPECT_EQ( min( true, true, true, true, false, false ), 25000u );
+   EXPECT_EQ( min( true, true, true, false, false, false ), 33000u );
+   EXPECT_EQ( min( true, false, false, false, false, false ), 50000u );
+   EXPECT_EQ( min( false, false, false, false, false, false ), 50000u );
+}
+
+TEST( OpticsTest, WavelengthComesFromWholeGigahertz ) {
+   EXPECT_EQ( computeWavelength( 193100000 ), 299792458.0 / 193100 );
+   EXPECT_NEAR( computeWavelength( 193100000 ), 1552.52, 0.005 );
+   EXPECT_EQ( computeWavelength( 193100999 ), computeWavelength( 193100000 ) );
+   EXPECT_EQ( computeWavelength( 0 ), 0.0 );
+}
+
+TEST( OpticsTest, PowersAddInWatts ) {
+   EXPECT_DOUBLE_EQ( wattsToDbm( 0.001 ), 0.0 );
+   EXPECT_DOUBLE_EQ( wattsToDbm( 1 ), 30.0 );
+   EXPECT_EQ( wattsToDbm( 0 ), none );
+   EXPECT_DOUBLE_EQ( dbmToWatts( -10 ), 0.0001 );
+   EXPECT_EQ( dbmToWatts( none ), 0.0 );
+   EXPECT_NEAR( addFourPower( 0, 0, 0, 0 ), 6.0206, 1e-4 );
+   EXPECT_NEAR( addFourPower( -3, none, none, none ), -3, 1e-12 );
+   EXPECT_EQ( addFourPower( none, none, none, none ), none );
+}
+
+TEST( OpticsTest, AggregatePowerOfADirectionThatIsNotValidIsUnreadable ) {
+   DomAggPower const both = aggQsfpCfp2Power( 0, 0, 0, 0, -10, -10, -10, -10, true, true, 7.5 );
+   EXPECT_EQ( both.updateTime(), 7.5 );
+   EXPECT_EQ( both.calibration(), domCalibrationInternal );
+   EXPECT_NEAR( both.aggTxPower(), 6.0206, 1e-4 );
+   EXPECT_NEAR( both.aggRxPower(), -3.9794, 1e-4 );
+   DomAggPower const txOnly = aggQsfpCfp2Power( 0, 0, 0, 0, 0, 0, 0, 0, true, false, 0 );
+   EXPECT_NEAR( txOnly.aggTxPower(), 6.0206, 1e-4 );
+   EXPECT_EQ( txOnly.aggRxPower(), none );
+   EXPECT_EQ( aggQsfpCfp2Power( 0, 0, 0, 0, 0, 0, 0, 0, false, true, 0 ).aggTxPower(), none );
+}
