@@ -7,6 +7,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <memory>
 
 #if XCVR_BENCH_PROTOBUF
 #include "Record.pb.h"
@@ -316,12 +317,110 @@ void floorDecode( benchmark::State & state ) {
    } );
 }
 
+#if XCVR_BENCH_PROTOBUF
+Proto::Status protobufStatus() {
+   PlainStatus const status = exampleStatus();
+   Proto::Status message;
+   auto const add = []( auto * fields, auto const & from ) {
+      fields->Add( std::begin( from ), std::end( from ) );
+   };
+   add( message.mutable_flags(), status.flags );
+   message.set_codes( status.codes, sizeof status.codes );
+   add( message.mutable_lengths(), status.lengths );
+   add( message.mutable_counts(), status.counts );
+   add( message.mutable_offsets(), status.offsets );
+   add( message.mutable_levels(), status.levels );
+   for ( PlainText const & text : status.texts ) {
+      message.add_texts( text.bytes, text.size );
+   }
+   for ( PlainLane const & lane : status.lanes ) {
+      Proto::Lane * added = message.add_lanes();
+      add( added->mutable_flags(), lane.flags );
+      add( added->mutable_counts(), lane.counts );
+      add( added->mutable_levels(), lane.levels );
+   }
+   return message;
+}
+
+void protobufEncode( benchmark::State & state ) {
+   Proto::Status const message = protobufStatus();
+   std::string log;
+   measure( state, [&] { message.SerializeToString( &log ); } );
+}
+
+void protobufDecode( benchmark::State & state ) {
+   std::string const log = protobufStatus().SerializeAsString();
+   Proto::Status message;
+   measure( state, [&] { benchmark::DoNotOptimize( message.ParseFromString( log ) ); } );
+}
+#define BENCH_PROTOBUF( run ) { "protobuf", run },
+#else
+#define BENCH_PROTOBUF( run )
+#endif
+
+#if XCVR_BENCH_FLATBUFFERS
+Flat::StatusT flatStatus() {
+   PlainStatus const status = exampleStatus();
+   Flat::StatusT record;
+   auto const assign = []( auto & fields, auto const & from ) {
+      fields.assign( std::begin( from ), std::end( from ) );
+   };
+   assign( record.flags, status.flags );
+   assign( record.codes, status.codes );
+   assign( record.lengths, status.lengths );
+   assign( record.counts, status.counts );
+   assign( record.offsets, status.offsets );
+   assign( record.levels, status.levels );
+   for ( PlainText const & text : status.texts ) {
+      record.texts.emplace_back( text.bytes, text.size );
+   }
+   for ( PlainLane const & lane : status.lanes ) {
+      auto & added = *record.lanes.emplace_back( std::make_unique<Flat::LaneT>() );
+      assign( added.flags, lane.flags );
+      assign( added.counts, lane.counts );
+      assign( added.levels, lane.levels );
+   }
+   return record;
+}
+
+void flatbuffersEncode( benchmark::State & state ) {
+   Flat::StatusT const record = flatStatus();
+   flatbuffers::FlatBufferBuilder builder;
+   measure( state, [&] {
+      builder.Clear();
+      builder.Finish( Flat::Status::Pack( builder, &record ) );
+   } );
+}
+
+void flatbuffersDecode( benchmark::State & state ) {
+   Flat::StatusT const record = flatStatus();
+   flatbuffers::FlatBufferBuilder builder;
+   builder.Finish( Flat::Status::Pack( builder, &record ) );
+   Flat::StatusT read;
+   measure( state, [&] {
+      flatbuffers::Verifier verifier( builder.GetBufferPointer(), builder.GetSize() );
+      if ( Flat::VerifyStatusBuffer( verifier ) ) {
+         Flat::GetStatus( builder.GetBufferPointer() )->UnPackTo( &read );
+      }
+      benchmark::DoNotOptimize( read );
+   } );
+   if ( read.texts != record.texts ) {
+      state.SkipWithError( "the record read differs from the one written" );
+   }
+}
+#define BENCH_FLATBUFFERS( run ) { "flatbuffers", run },
+#else
+#define BENCH_FLATBUFFERS( run )
+#endif
+
 // clang-format off
 Figure const figures[] = {
    { "log/encode", { 1.3, 0 },
-     { { "model", modelEncode }, { "floor", floorEncode } } },
+     { { "model", modelEncode }, { "floor", floorEncode },
+       BENCH_PROTOBUF( protobufEncode ) BENCH_FLATBUFFERS( flatbuffersEncode ) } },
    { "log/decode", { 1.35, 0 },
-     { { "model", modelDecode }, { "floor", floorDecode } } },
+     { { "model", modelDecode }, { "floor", floorDecode },
+       BENCH_PROTOBUF( protobufDecode ) BENCH_FLATBUFFERS( flatbuffersDecode ) } },
 };
 // clang-format on
 

@@ -64,6 +64,10 @@ Vel::String XcvrSff8472IdEepromContents::shortText( MemoryField const & field ) 
    return page.empty() ? "Unknown" : page.text( field.at, field.width );
 }
 
+VendorInfo XcvrSff8472IdEepromContents::shortVendorInfo() const {
+   return { vendorName(), vendorPn(), vendorSn(), vendorRev(), dateCode() };
+}
+
 Sff8472TransceiverCompliance XcvrSff8472IdEepromContents::compliance() const {
    constexpr MemoryField field = row( "compliance" );
    return Sff8472TransceiverCompliance( pageToRead( field ).unsignedBe( field.at, field.width ) );

@@ -125,9 +125,7 @@ EepromDescriptor SfpNewStatus::idEepromInfo() const {
 
 VendorInfo SfpNewStatus::vendorInfo() const {
    VEL_TRACE_SCOPE( trace );
-   XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
-   return { contents.vendorName(), contents.vendorPn(), contents.vendorSn(), contents.vendorRev(),
-            contents.dateCode() };
+   return contentsOf( *this ).vendorInfo();
 }
 
 MediaType SfpNewStatus::detectedMediaType() const {

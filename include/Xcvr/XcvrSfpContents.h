@@ -88,6 +88,19 @@ class XCVR_API XcvrSff8472IdEepromContents {
    Vel::String vendorSn() const { return text( row( "vendorSn" ) ); }
    /// YYMMDD and two characters of the vendor's own.
    Vel::String dateCode() const { return text( row( "dateCode" ) ); }
+   /// The five texts that identify the module, behind one check of the page.
+   VendorInfo vendorInfo() const {
+      PageView const page = buf_.view();
+      if ( !page.has( 0, row( "dateCode" ).end() ) ) [[unlikely]] {
+         return shortVendorInfo();
+      }
+      PageView const known = page.first( row( "dateCode" ).end() );
+      auto const text = [known]( MemoryField const & field ) {
+         return known.text( field.at, field.width );
+      };
+      return { text( row( "vendorName" ) ), text( row( "vendorPn" ) ), text( row( "vendorSn" ) ),
+               text( row( "vendorRev" ) ), text( row( "dateCode" ) ) };
+   }
    uint8_t diagsMonitoringType() const { return u8( row( "diagsMonitoringType" ) ); }
    uint8_t enhancedOptions() const { return u8( row( "enhancedOptions" ) ); }
    /// Code of the revision of SFF-8472 that the module complies with.
@@ -171,6 +184,7 @@ class XCVR_API XcvrSff8472IdEepromContents {
                                                : shortText( field );
    }
    [[gnu::cold]] Vel::String shortText( MemoryField const & field ) const;
+   [[gnu::cold]] VendorInfo shortVendorInfo() const;
    [[gnu::cold]] static void traceUnreadable( MemoryField const & field );
 };
 

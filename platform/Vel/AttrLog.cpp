@@ -22,13 +22,17 @@ void NboAttrLog::grow( std::size_t count ) {
 
 namespace Internal {
 
-void LogCursor::failAt( LogCursor in, std::string_view problem ) {
+void LogCursor::fail( LogCursor in, std::string_view problem ) {
    throw AttrLogException( static_cast<std::size_t>( in.at - in.begin ), problem );
 }
 
 void LogCursor::truncated( LogCursor in, std::size_t needed ) {
-   in.fail( "truncated: " + std::to_string( needed ) + " bytes needed, " +
-            std::to_string( static_cast<std::size_t>( in.end - in.at ) ) + " left" );
+   fail( in, "truncated: " + std::to_string( needed ) + " bytes needed, " +
+                std::to_string( in.spare ) + " left" );
+}
+
+void LogCursor::noCode( LogCursor in, EnumModel const & model, uint32_t code ) {
+   fail( in, "no " + std::string( model.typeName ) + " has code " + std::to_string( code ) );
 }
 
 } // namespace Internal

@@ -10,6 +10,10 @@
 
 namespace Vel {
 
+namespace Internal {
+struct LogCursor;
+}
+
 /// An attribute log: values one after another, without heads, in network byte order.
 ///
 ///    bool              one byte, 0 or 1
@@ -35,9 +39,6 @@ class VEL_API NboAttrLog {
    void write( T const & v );
    template <typename T>
    [[nodiscard]] T read();
-   /// Reads in place. Where it throws, `v` holds what had been read by then.
-   template <typename T>
-   void readInto( T & v );
 
    /// All bytes of the log, read or not.
    [[nodiscard]] std::string_view bytes() const {
@@ -49,6 +50,8 @@ class VEL_API NboAttrLog {
    /// Empties the log; its memory stays for the next record.
    void clear() { size_ = position_ = 0; }
 
+   /// For the codec: the place of the next read.
+   [[nodiscard]] Internal::LogCursor cursor() const;
    /// For the codec: room for `count` more bytes, which are part of the log from now on.
    [[nodiscard]] uint8_t * append( std::size_t count ) {
       if ( capacity_ - size_ < count ) [[unlikely]] {

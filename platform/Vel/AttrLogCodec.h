@@ -67,10 +67,10 @@ template <typename T>
       std::memcpy( to, &wire, sizeof wire );
       return to + sizeof wire;
    } else if constexpr ( std::is_same_v<T, String> ) {
-      std::string_view const text = v;
-      to = encode( to, static_cast<uint32_t>( text.size() ) );
-      std::memcpy( to, text.data(), text.size() );
-      return to + text.size();
+      std::size_t const size = v.size();
+      to = encode( to, static_cast<uint32_t>( size ) );
+      v.copyTo( reinterpret_cast<char *>( to ) );
+      return to + size;
    } else if constexpr ( ModelValue<T> ) {
       T::velFields( [&]( auto const &, auto field )
                        __attribute__( ( always_inline ) ) { to = encode( to, v.*field ); } );
@@ -85,78 +85,107 @@ template <typename T>
    }
 }
 
-/// A place in a log that is being read; every read is checked against the end.
+/// The bytes that a T takes in the log when its texts and maps are empty.
+template <typename T>
+constexpr std::size_t leastSize = isNumber<T> ? sizeof( T ) : sizeof( uint32_t );
+template <ModelValue T>
+constexpr std::size_t leastSize<T> = [] {
+   std::size_t size = 0;
+   T::velFields( [&size]<typename F>( auto const &, F T::* ) { size += leastSize<F>; } );
+   return size;
+}();
+
+/// A place in a log that is being read. The least size of a value is claimed before it is taken, the
+/// bytes of a text and of a map's entry when their turn comes: one check for all the numbers in a row.
 struct LogCursor {
    uint8_t const * begin;
    uint8_t const * at;
-   uint8_t const * end;
+   std::size_t spare; // the bytes behind what is claimed
 
-   [[gnu::always_inline]] void need( std::size_t count ) const {
-      if ( static_cast<std::size_t>( end - at ) < count ) [[unlikely]] {
+   [[gnu::always_inline]] void claim( std::size_t count ) {
+      if ( spare < count ) [[unlikely]] {
          truncated( *this, count );
       }
+      spare -= count;
    }
-   [[gnu::always_inline, noreturn]] void fail( std::string_view problem ) const {
-      failAt( *this, problem );
+   /// The next T, whose least size is claimed.
+   template <typename T>
+   [[gnu::always_inline]] T take() {
+      if constexpr ( isNumber<T> ) {
+         return takeNumber<T>();
+      } else if constexpr ( std::is_same_v<T, String> ) {
+         uint32_t const size = takeNumber<uint32_t>();
+         claim( size );
+         at += size;
+         return { reinterpret_cast<char const *>( at - size ), size };
+      } else if constexpr ( ModelValue<T> ) {
+         return T( Taken(), *this );
+      } else {
+         return takeMap<T>();
+      }
    }
-   // By value: a cursor whose address is known elsewhere would have to live in memory.
-   [[noreturn, gnu::cold]] VEL_API static void truncated( LogCursor in, std::size_t needed );
-   [[noreturn, gnu::cold]] VEL_API static void failAt( LogCursor in, std::string_view problem );
-};
+   [[gnu::always_inline]] uint8_t takeUpTo( uint8_t bound ) {
+      if ( *at > bound ) [[unlikely]] {
+         fail( *this, "a number out of range" );
+      }
+      return *at++;
+   }
+   /// Called when all fields of a value have been taken.
+   void taken() const {}
 
-template <typename T>
-[[gnu::always_inline]] inline void decode( LogCursor & in, T & v ) {
-   if constexpr ( isNumber<T> ) {
-      in.need( sizeof( T ) );
+ private:
+   template <typename T>
+   [[gnu::always_inline]] T takeNumber() {
       WireInteger<T> wire;
-      std::memcpy( &wire, in.at, sizeof wire );
+      std::memcpy( &wire, at, sizeof wire );
       wire = networkOrder( wire );
       if constexpr ( std::is_same_v<T, bool> ) {
          if ( wire > 1 ) [[unlikely]] {
-            in.fail( "neither 0 nor 1 for a bool" );
+            fail( *this, "neither 0 nor 1 for a bool" );
          }
-         v = wire != 0;
       } else if constexpr ( ModelEnum<T> ) {
-         if ( !velEnumModel( v ).byCode( wire ) ) [[unlikely]] {
-            in.fail( "no " + std::string( velEnumModel( v ).typeName ) + " has code " +
-                     std::to_string( wire ) );
-         }
-         v = static_cast<T>( wire );
-      } else {
-         v = std::bit_cast<T>( wire );
-      }
-      in.at += sizeof wire;
-   } else if constexpr ( std::is_same_v<T, String> ) {
-      uint32_t size;
-      decode( in, size );
-      in.need( size );
-      v = String( reinterpret_cast<char const *>( in.at ), size );
-      in.at += size;
-   } else if constexpr ( ModelValue<T> ) {
-      T::velFields( [&]( auto const &, auto field )
-                       __attribute__( ( always_inline ) ) { decode( in, v.*field ); } );
-      if constexpr ( requires { T::velBound; } ) {
-         if ( v.value() > T::velBound ) [[unlikely]] {
-            in.at -= sizeof v.value();
-            in.fail( "a number out of range" );
+         if ( !velEnumModel( T{} ).byCode( wire ) ) [[unlikely]] {
+            noCode( *this, velEnumModel( T{} ), wire );
          }
       }
-   } else {
-      uint32_t count;
-      decode( in, count );
-      v.clear();
-      while ( count-- ) {
-         typename T::key_type key{};
-         typename T::mapped_type value{};
-         LogCursor const atKey = in;
-         decode( in, key );
-         decode( in, value );
-         if ( !v.emplace( std::move( key ), std::move( value ) ).second ) {
-            atKey.fail( "a key that was given before" );
-         }
-      }
+      at += sizeof wire;
+      return std::bit_cast<T>( wire );
    }
-}
+   template <typename T>
+   T takeMap() {
+      using Key = typename T::key_type;
+      using Mapped = typename T::mapped_type;
+      T map;
+      for ( uint32_t count = takeNumber<uint32_t>(); count != 0; --count ) {
+         LogCursor const atKey = *this;
+         claim( leastSize<Key> + leastSize<Mapped> );
+         Key key = take<Key>();
+         Mapped mapped = take<Mapped>();
+         if ( !map.emplace( std::move( key ), std::move( mapped ) ).second ) {
+            fail( atKey, "a key that was given before" );
+         }
+      }
+      return map;
+   }
+   // By value: a cursor whose address is known elsewhere would have to live in memory.
+   [[noreturn, gnu::cold]] VEL_API static void truncated( LogCursor in, std::size_t needed );
+   [[noreturn, gnu::cold]] VEL_API static void noCode( LogCursor in, EnumModel const & model,
+                                                       uint32_t code );
+   [[noreturn, gnu::cold]] VEL_API static void fail( LogCursor in, std::string_view problem );
+};
+
+/// Reads the next T of a log, which stands behind it when it is taken.
+template <typename T>
+struct LogReading : LogCursor {
+   [[gnu::always_inline]] explicit LogReading( NboAttrLog & from )
+      : LogCursor( from.cursor() ), log( from ) {
+      claim( leastSize<T> );
+   }
+   [[gnu::always_inline]] void taken() const {
+      log.positionIs( static_cast<std::size_t>( at - begin ) );
+   }
+   NboAttrLog & log;
+};
 
 } // namespace Internal
 
@@ -169,18 +198,20 @@ void NboAttrLog::write( T const & v ) {
    }
 }
 
-template <typename T>
-[[gnu::always_inline]] inline void NboAttrLog::readInto( T & v ) {
-   Internal::LogCursor in{ bytes_.get(), bytes_.get() + position_, bytes_.get() + size_ };
-   Internal::decode( in, v );
-   position_ = static_cast<std::size_t>( in.at - in.begin );
+inline Internal::LogCursor NboAttrLog::cursor() const {
+   return { bytes_.get(), bytes_.get() + position_, size_ - position_ };
 }
 
 template <typename T>
 T NboAttrLog::read() {
-   T v{};
-   readInto( v );
-   return v;
+   if constexpr ( ModelValue<T> ) {
+      return T( *this );
+   } else {
+      Internal::LogReading<T> in( *this );
+      T v = in.template take<T>();
+      in.taken();
+      return v;
+   }
 }
 
 } // namespace Vel

@@ -128,11 +128,10 @@ inline constexpr ValueModel valueModel{ typeName<T>(), valueFields<T>.data(),
    T::Constructor( Vel::String const & stringForm ) : Constructor() {                              \
       VEL_ASSERT_TEXT( !Vel::Internal::hasCollection<T>,                                           \
                        "!\"No String constructor for " #T " - has collection\"" );                 \
-      *this = Vel::fromStringForm<T>( stringForm );                                                \
+      Vel::fromStringForm( stringForm, *this );                                                    \
    }                                                                                               \
-   T::Constructor( Vel::NboAttrLog & log ) : Constructor() {                                       \
-      log.readInto( *this );                                                                       \
-   }                                                                                               \
+   T::Constructor( Vel::NboAttrLog & log )                                                         \
+      : Constructor( Vel::Internal::Taken(), Vel::Internal::LogReading<T>( log ) ) {}              \
    void T::velWrite( Vel::NboAttrLog & log ) const {                                               \
       Vel::Internal::encode( log.append( Vel::Internal::encodedSize( *this ) ), *this );           \
    }                                                                                               \

@@ -113,6 +113,28 @@ class VEL_API String {
 
    [[nodiscard]] std::size_t hash() const;
 
+   /// Copies all bytes to `to`. Few ones go in steps of fixed width that overlap: a copy of variable
+   /// width would be a call.
+   [[gnu::always_inline]] void copyTo( char * to ) const {
+      std::size_t const size = inlineSize();
+      if ( shared() ) [[unlikely]] {
+         std::memcpy( to, block()->bytes(), block()->size );
+      } else if ( size >= 8 ) {
+         std::memcpy( to, raw_, 8 );
+         if ( size >= 16 ) {
+            std::memcpy( to + 8, raw_ + 8, 8 );
+         }
+         std::memcpy( to + size - 8, raw_ + size - 8, 8 );
+      } else if ( size >= 4 ) {
+         std::memcpy( to, raw_, 4 );
+         std::memcpy( to + size - 4, raw_ + size - 4, 4 );
+      } else if ( size != 0 ) {
+         to[0] = raw_[0];
+         to[size / 2] = raw_[size / 2];
+         to[size - 1] = raw_[size - 1];
+      }
+   }
+
  private:
    struct Block {
       uint32_t refs;

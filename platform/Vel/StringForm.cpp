@@ -114,27 +114,43 @@ std::string_view TextCursor::word() {
    return { start, static_cast<std::size_t>( at_ - start ) };
 }
 
-void parseDouble( TextCursor & in, double & v ) {
-   std::string_view const text = in.rest();
-   std::size_t const sign = text.starts_with( '-' ) ? 1 : 0;
-   // from_chars also takes words such as "infinity"; only our own are part of the form.
-   if ( text.size() > sign && text[sign] >= '0' && text[sign] <= '9' ) {
-      auto const [end, error] = std::from_chars( text.data(), text.data() + text.size(), v );
-      if ( error == std::errc{} && end[-1] != '.' && !hasLeadingZero( text.substr( sign ) ) ) {
-         in.skip( static_cast<std::size_t>( end - text.data() ) );
-         return;
-      }
-   } else if ( in.take( "-inf" ) ) {
-      v = -std::numeric_limits<double>::infinity();
-      return;
+namespace {
+
+/// Whether a number starts here, as the form writes it: digits, and no 0 in front of another.
+bool startsNumber( char const * at, char const * end ) {
+   auto const digitAt = [end]( char const * c ) { return c < end && *c >= '0' && *c <= '9'; };
+   char const * const digits = at + ( at < end && *at == '-' );
+   return digitAt( digits ) && !( *digits == '0' && digitAt( digits + 1 ) );
+}
+
+void parseNoNumber( TextCursor & in, double & v ) {
+   constexpr double infinity = std::numeric_limits<double>::infinity();
+   if ( in.take( "-inf" ) ) {
+      v = -infinity;
    } else if ( in.take( "inf" ) ) {
-      v = std::numeric_limits<double>::infinity();
-      return;
+      v = infinity;
    } else if ( in.take( "nan" ) ) {
       v = std::numeric_limits<double>::quiet_NaN();
-      return;
+   } else {
+      in.fail( "a double" );
    }
-   in.fail( "a double" );
+}
+
+} // namespace
+
+void parseDouble( TextCursor & in, double & v ) {
+   std::string_view const text = in.rest();
+   char const * const start = text.data();
+   char const * const limit = start + text.size();
+   // from_chars also takes words such as "infinity"; only our own are part of the form.
+   if ( !startsNumber( start, limit ) ) [[unlikely]] {
+      return parseNoNumber( in, v );
+   }
+   auto const [end, error] = std::from_chars( start, limit, v );
+   if ( error != std::errc{} || end[-1] == '.' ) [[unlikely]] {
+      in.fail( "a double" );
+   }
+   in.skip( static_cast<std::size_t>( end - start ) );
 }
 
 String parseText( TextCursor & in ) {

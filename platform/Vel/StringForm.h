@@ -268,13 +268,17 @@ String stringForm( T const & v ) {
 
 /// The value of a string form; throws ParseException with the place and what was expected there.
 template <typename T>
-T fromStringForm( std::string_view text ) {
+void fromStringForm( std::string_view text, T & v ) {
    Internal::TextCursor in( text );
-   T v{};
    Internal::parse( in, v );
    if ( !in.rest().empty() ) {
       in.fail( "the end of the text" );
    }
+}
+template <typename T>
+T fromStringForm( std::string_view text ) {
+   T v{};
+   fromStringForm( text, v );
    return v;
 }
 

@@ -12,6 +12,11 @@ namespace Vel {
 
 class NboAttrLog;
 
+namespace Internal {
+/// Marks the constructor of a value type that takes field after field from a place in a log.
+struct Taken {};
+} // namespace Internal
+
 /// Mixes the hash of one more field into a value's hash.
 constexpr std::size_t hashMix( std::size_t seed, std::size_t field ) {
    return ( seed ^ field ) * 0x9e3779b97f4a7c15u ^ seed >> 29;
@@ -47,6 +52,11 @@ concept ModelValue = requires {
    VEL_VALUE_EXPLICIT_( __VA_ARGS__ )                                                              \
    T( VEL_FOR_FIRST_AND_REST( VEL_VALUE_PARAM_, VEL_VALUE_NEXT_PARAM_, __VA_ARGS__ ) )             \
       : VEL_FOR_FIRST_AND_REST( VEL_VALUE_INIT_, VEL_VALUE_NEXT_INIT_, __VA_ARGS__ ) {}            \
+   template <typename VelCursor>                                                                   \
+   [[gnu::always_inline]] T( Vel::Internal::Taken, VelCursor && velIn )                            \
+      : VEL_FOR_FIRST_AND_REST( VEL_VALUE_TAKE_, VEL_VALUE_NEXT_TAKE_, __VA_ARGS__ ) {             \
+      velIn.taken();                                                                               \
+   }                                                                                               \
    VEL_FOR_EACH( VEL_VALUE_FIELD_, __VA_ARGS__ )                                                   \
    VEL_VALUE_OPERATIONS_( T, VEL_FOR_EACH( VEL_VALUE_VISIT_, __VA_ARGS__ ) )
 
@@ -57,6 +67,8 @@ concept ModelValue = requires {
 #define VEL_VALUE_NEXT_PARAM_( name, ... ) , Vel::Give<__VA_ARGS__> name
 #define VEL_VALUE_INIT_( name, ... ) name##_( std::move( name ) )
 #define VEL_VALUE_NEXT_INIT_( name, ... ) , name##_( std::move( name ) )
+#define VEL_VALUE_TAKE_( name, ... ) name##_( velIn.template take<__VA_ARGS__>() )
+#define VEL_VALUE_NEXT_TAKE_( name, ... ) , name##_( velIn.template take<__VA_ARGS__>() )
 #define VEL_VALUE_FIELD_( name, ... )                                                              \
  private:                                                                                          \
    __VA_ARGS__ name##_{};                                                                          \
@@ -111,6 +123,11 @@ concept ModelValue = requires {
  public:                                                                                           \
    T() = default;                                                                                  \
    explicit T( int64_t value ) : value_( velChecked( value ) ) {}                                  \
+   template <typename VelCursor>                                                                   \
+   [[gnu::always_inline]] T( Vel::Internal::Taken, VelCursor && velIn )                            \
+      : value_( velIn.takeUpTo( bound ) ) {                                                        \
+      velIn.taken();                                                                               \
+   }                                                                                               \
    [[nodiscard]] uint8_t value() const {                                                           \
       return value_;                                                                               \
    }                                                                                               \
