@@ -24,11 +24,15 @@ uint32_t leadingNumber( std::string_view text ) {
    return number;
 }
 
-template <typename... Args>
-void appendFormatted( std::string & text, char const * format, Args... args ) {
-   char piece[24];
-   text.append( piece,
-                static_cast<std::size_t>( std::snprintf( piece, sizeof piece, format, args... ) ) );
+std::string dumpHead( std::string_view label, uint16_t size ) {
+   return "Cfp2 " + std::string( label ) + " read size=" + std::to_string( size ) + " data=0x";
+}
+
+/// One number of a dump, of which each line starts with its line end.
+void appendHex( std::string & text, bool startsLine, int digits, unsigned number ) {
+   char piece[16];
+   std::snprintf( piece, sizeof piece, "%s%0*X ", startsLine ? "\n" : "", digits, number );
+   text += piece;
 }
 
 } // namespace
@@ -53,24 +57,22 @@ Vel::String dumpW8Data( char const * label, void const * data, uint16_t size ) {
    if ( !label ) {
       return "Cfp2 ";
    }
-   std::string text = "Cfp2 " + std::string( label );
-   appendFormatted( text, " read size=%u data=0x", size );
+   std::string text = dumpHead( label, size );
    auto const * bytes = static_cast<uint8_t const *>( data );
    for ( unsigned i = 0; i < size; ++i ) {
-      appendFormatted( text, i % 10 == 0 ? "\n%02X " : "%02X ", bytes[i] );
+      appendHex( text, i % 10 == 0, 2, bytes[i] );
    }
    return std::string_view( text );
 }
 
 Vel::String dumpW16Data( void const * data, uint16_t size ) {
    VEL_TRACE_SCOPE( trace );
-   std::string text = "Cfp2 ";
-   appendFormatted( text, " read size=%u data=0x", size );
+   std::string text = dumpHead( "", size );
    auto const * bytes = static_cast<uint8_t const *>( data );
    for ( unsigned i = 0; i < size; i += 2 ) {
       uint16_t word;
       std::memcpy( &word, bytes + i, sizeof word );
-      appendFormatted( text, i % 20 == 0 ? "\n%04X " : "%04X ", word );
+      appendHex( text, i % 20 == 0, 4, word );
    }
    return std::string_view( text );
 }

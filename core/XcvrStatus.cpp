@@ -1,3 +1,5 @@
+#include "core/DomNeutral.h"
+
 #include <Vel/Assert.h>
 #include <Vel/DefineEntity.h>
 #include <Vel/Exception.h>
@@ -8,7 +10,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <string>
 
@@ -17,13 +18,12 @@ namespace Xcvr {
 VEL_ENTITY_DEFINE( ModelToAttenuation, modelToAttenuationFactory )
 VEL_ENTITY_DEFINE( LaneStatus )
 VEL_ENTITY_DEFINE( XcvrEventStatsEnt, xcvrEventStatsEntFactory )
+VEL_MEMBER_ENUM_DEFINE( XcvrNewStatus, XcvrSwappability )
 VEL_ENTITY_DEFINE( XcvrNewStatus )
 
 namespace {
 
 Vel::TraceHandle trace( "Xcvr" );
-
-constexpr double unreadable = -std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -31,7 +31,8 @@ LaneStatus::LaneStatus( LaneId lane )
    : Vel::Entity( Vel::String( std::to_string( lane.value() ) ) ), lane_( lane ) {}
 
 // The neutral results of what a family does not supply. Each says its name in the trace but the last
-// two, on purpose: a family without tuning or enhanced monitors lacks nothing.
+// two, on purpose: a family without tuning or enhanced monitors lacks nothing, neither where it is
+// asked directly nor where a grid or a tuning is resolved.
 // clang-format off
 #define MISSING() VEL_TRACE( trace, 8, __func__ )
 Capabilities XcvrNewStatus::capabilities() const { MISSING(); return {}; }
@@ -67,9 +68,7 @@ EnhancedDomSensorCategory XcvrNewStatus::enhancedDomSensorCategory() const { ret
 
 DomInfo XcvrNewStatus::domInfo( LaneId ) const {
    MISSING();
-   return {
-      0,         domCalibrationUnknown, unreadable, unreadable, unreadable, unreadable, unreadable,
-      unreadable };
+   return unreadableDomInfo( 0 );
 }
 
 DomAggPower XcvrNewStatus::domAggPower() const {
@@ -79,10 +78,7 @@ DomAggPower XcvrNewStatus::domAggPower() const {
 
 DomThreshold XcvrNewStatus::domThreshold() const {
    MISSING();
-   DomThreshold result;
-   DomThreshold::velFields(
-      [&result]( auto const &, double DomThreshold::*limit ) { result.*limit = unreadable; } );
-   return result;
+   return unreadableDomThreshold();
 }
 
 EnhancedDomThreshold XcvrNewStatus::enhancedDomThreshold( uint32_t ) const {
@@ -113,7 +109,7 @@ bool XcvrNewStatus::optical() const {
 uint32_t XcvrNewStatus::bitrateKbps() const {
    VEL_TRACE_SCOPE( trace );
    MediaTypeInfo const * info = mediaTypeInfo( mediaType() );
-   VEL_ASSERT( info );
+   VEL_ASSERT_TEXT( info, "a media type that the table does not have" );
    return info->bitrateKbps;
 }
 
@@ -136,7 +132,7 @@ Vel::String XcvrNewStatus::getMediaTypeString( MediaType type ) const {
    if ( type != xcvr10GBaseDwdmEr && type != xcvr10GBaseDwdmZr ) {
       return info->text;
    }
-   // The DWDM kinds print with the wavelength's two digits of nm and two of 0.01 nm.
+   // The table's text of these kinds is a pattern: two digits of nm and two of 0.01 nm stand in it.
    uint32_t const wavelength = laserWavelength();
    char text[32];
    int const size =

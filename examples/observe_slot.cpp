@@ -1,7 +1,5 @@
 // An observer of one slot: it is told when a module is inserted, read, in alarm and removed, and asks
 // the status what the module is. A hardware agent would write the status; here the example does.
-#include "tests/support/SfpImageBuilder.h"
-
 #include <Xcvr/XcvrSfpPlus.h>
 
 #include <cstdio>
@@ -32,7 +30,8 @@ class SlotReactor : public SfpNewStatus::NotifieeConst {
       std::snprintf( text, sizeof text, "%.1f C, receives %.1f dBm", monitors.temperature(),
                      monitors.rxPower() );
       say( text );
-      if ( monitors.temperature() > notifier()->domThreshold().tempHighWarn() ) {
+      if ( notifier()->domThresholdValid() &&
+           monitors.temperature() > notifier()->domThreshold().tempHighWarn() ) {
          say( "warning: too hot" );
       }
       if ( notifier()->domFlags().rxPowerLowAlarm() ) {
@@ -52,15 +51,21 @@ class SlotReactor : public SfpNewStatus::NotifieeConst {
 
 /// The memory of a 10GBASE-SR module.
 XcvrSff8472IdEepromContents module() {
-   return XcvrTest::SfpImageBuilder()
-      .text( "vendorName", "Example Optics" )
-      .bit( "compliance", "10GBASE-SR" )
-      .value( "lengthOm3", 300 )
-      .bit( "diagsMonitoringType", "digital diagnostics" )
-      .bit( "diagsMonitoringType", "internally calibrated" )
-      .bit( "enhancedOptions", "alarm and warning flags" )
-      .value( "domTempHighWarn", 70 )
-      .contents();
+   using Sff8472Table::bit;
+   using Sff8472Table::row;
+   Vel::String a0h( 256, '\0' ), a2h( 256, '\0' );
+   a0h.byteIs( row( "identifier" ).at, 3 );
+   a0h.byteIs( row( "lengthOm3" ).at, 30 ); // 300 m
+   for ( MemoryBitPlace const set :
+         { bit( "compliance", "10GBASE-SR" ), bit( "diagsMonitoringType", "digital diagnostics" ),
+           bit( "diagsMonitoringType", "internally calibrated" ),
+           bit( "enhancedOptions", "alarm and warning flags" ) } ) {
+      a0h.byteIs( set.at, static_cast<uint8_t>( a0h[set.at] | set.mask ) );
+   }
+   a2h.byteIs( row( "domTempHighWarn" ).at, 70 );
+   XcvrSff8472IdEepromContents contents( a0h, a2h, 0 );
+   contents.vendorNameIs( "Example Optics" );
+   return contents;
 }
 
 constexpr uint16_t alarmFlagsLsb = 0xA271; // page A2h, byte 113
@@ -85,11 +90,14 @@ int main() {
    slot->lastPresenceChangeIs( 1 );
    slot->presenceIs( xcvrPresent );
    slot->actualIdEepromContentsIs( module() );
+   slot->idEepromValidIs( true );
+   slot->lastDomThresholdsUpdateTimeIs( 1 );
    slot->readyIs( true );
    poll( *slot, 2, 35, 200, 0 );
    poll( *slot, 3, 71, 200, 0 );
    poll( *slot, 4, 36, 1, rxPowerLow );
    slot->readyIs( false );
+   slot->idEepromValidIs( false );
    slot->clearIdEepromContents();
    slot->registerDataDelAll();
    slot->lastPresenceChangeIs( 5 );

@@ -1,6 +1,10 @@
 #include <Xcvr/XcvrSfpStatus.h>
 
+#include "core/AttenuationTable.h"
+#include "core/DiagOverride.h"
 #include "core/DomCodes.h"
+#include "core/DomNeutral.h"
+#include "core/ThresholdOverride.h"
 
 #include <Vel/Define.h>
 #include <Vel/DefineEntity.h>
@@ -11,7 +15,6 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <limits>
 
 namespace Xcvr {
 
@@ -31,8 +34,6 @@ using Sff8472Table::bit;
 using Sff8472Table::row;
 
 Vel::TraceHandle trace( "XcvrSfpPlus" );
-
-constexpr double unreadable = -std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -77,26 +78,6 @@ void Sff8472Registers::Iterator::skip() {
 
 // The contents
 
-namespace {
-
-XcvrSff8472IdEepromContents const * activeOverride( SfpConfig const & config ) {
-   for ( auto const & [name, diag] : config.diagConfigMap() ) {
-      if ( diag->overrideIdEepromContentsActivationKey() == SfpDiagConfig::activationKey ) {
-         return &diag->overrideIdEepromContents();
-      }
-   }
-   return nullptr;
-}
-
-/// Here rather than in the operation, since an exported one is not inlined into its callers.
-inline XcvrSff8472IdEepromContents const & contentsOf( SfpNewStatus const & status ) {
-   SfpConfig const * config = status.xcvrConfig();
-   XcvrSff8472IdEepromContents const * overriding = config ? activeOverride( *config ) : nullptr;
-   return overriding ? *overriding : status.actualIdEepromContents();
-}
-
-} // namespace
-
 XcvrSff8472IdEepromContents const & SfpNewStatus::sff8472IdEepromContents() const {
    VEL_TRACE_SCOPE( trace );
    return contentsOf( *this );
@@ -107,6 +88,22 @@ void SfpNewStatus::updateLastValidTime( Vel::Seconds time ) {
    // Not those of an override: a diagnostic setting never destroys what was read.
    XcvrSff8472IdEepromContents contents = actualIdEepromContents();
    contents.lastValidDataIs( time );
+   actualIdEepromContentsIs( contents );
+}
+
+void SfpNewStatus::idEepromContentsIs( uint8_t page, Vel::String const & bytes ) {
+   VEL_TRACE_SCOPE( trace );
+   XcvrSff8472IdEepromContents contents = actualIdEepromContents();
+   switch ( static_cast<Sff8472PageId>( page ) ) {
+   case pageA0h:
+      contents.bufIs( bytes );
+      break;
+   case pageA2h:
+      contents.eepromPageA2DataIs( bytes );
+      break;
+   default:
+      return XcvrNewStatus::idEepromContentsIs( page, bytes );
+   }
    actualIdEepromContentsIs( contents );
 }
 
@@ -173,12 +170,8 @@ Units::Decibels SfpNewStatus::electricalPathAttenuation() const {
       return Units::Decibels( 0.0 );
    }
    XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
-   if ( ModelToAttenuation const * table = attnTable() ) {
-      auto const & models = table->attenuationMap();
-      auto const found = models.find( contents.vendorName() + "-" + contents.vendorPn() );
-      if ( found != models.end() ) {
-         return found->second;
-      }
+   if ( auto const known = attenuationOfModel( attnTable(), contents ) ) {
+      return *known;
    }
    // Long cables are of thicker wire.
    int const metres = contents.lengthCopper();
@@ -295,7 +288,7 @@ class MonitorDecoder {
                                  : raw );
    }
    /// The coefficients of external calibration do not apply to a threshold: with all of them 0 it is
-   /// minus infinity. Intended; leave it, readers take such a module's received power as unlimited.
+   /// minus infinity. Intended; leave it: readers skip a limit that cannot be read.
    [[nodiscard]] double rxPowerThreshold( MemoryField const & field ) const {
       return external_ ? unreadable : DomCodes::power( page_.u16be( field.at ) );
    }
@@ -319,23 +312,10 @@ DomCalibration calibrationOf( XcvrSff8472IdEepromContents const & contents ) {
    constexpr uint8_t internal = bit( "diagsMonitoringType", "internally calibrated" ).mask;
    constexpr uint8_t external = bit( "diagsMonitoringType", "externally calibrated" ).mask;
    uint8_t const type = contents.diagsMonitoringType();
-   // A module that claims both is read as calibrated.
+   // A module that claims both is read as internally calibrated.
    return type & internal   ? domCalibrationInternal
           : type & external ? domCalibrationExternal
                             : domCalibrationUnknown;
-}
-
-DomInfo unreadableInfo( Vel::Seconds updateTime ) {
-   return {
-      updateTime, domCalibrationUnknown, unreadable, unreadable, unreadable, unreadable, unreadable,
-      unreadable };
-}
-
-DomThreshold unreadableThreshold() {
-   DomThreshold result;
-   DomThreshold::velFields(
-      [&result]( auto const &, double DomThreshold::*limit ) { result.*limit = unreadable; } );
-   return result;
 }
 
 } // namespace
@@ -349,12 +329,12 @@ bool SfpNewStatus::domInfoValid( LaneId ) const {
 DomInfo SfpNewStatus::domInfo( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
    if ( !domInfoValid( lane ) ) {
-      return unreadableInfo( 0 );
+      return unreadableDomInfo( 0 );
    }
    XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
    DomCalibration const calibration = calibrationOf( contents );
    if ( calibration == domCalibrationUnknown ) {
-      return unreadableInfo( lastDomUpdateTime() );
+      return unreadableDomInfo( lastDomUpdateTime() );
    }
    A2hBytes const a2h( *this, contents );
    MonitorDecoder const decode( a2h.page(), calibration );
@@ -382,7 +362,7 @@ DomThreshold SfpNewStatus::domThreshold() const {
    XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
    DomCalibration const calibration = calibrationOf( contents );
    if ( calibration == domCalibrationUnknown ) {
-      return unreadableThreshold();
+      return unreadableDomThreshold();
    }
    A2hBytes const a2h( *this, contents );
    MonitorDecoder const decode( a2h.page(), calibration );
@@ -423,15 +403,23 @@ SfpStatusBits SfpNewStatus::statusBits() const {
    if ( !domInfoValid( LaneId() ) ) {
       return {};
    }
-   A2hBytes const a2h( *this, contentsOf( *this ) );
+   XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
+   A2hBytes const a2h( *this, contents );
    PageView const page = a2h.page();
-   return { page.bit( bit( "domStatusBits", "Tx disable state" ) ),
-            page.bit( bit( "domStatusBits", "soft Tx disable" ) ),
-            page.bit( bit( "domStatusBits", "RS1 state" ) ),
-            page.bit( bit( "domStatusBits", "RS0 state" ) ),
-            page.bit( bit( "domStatusBits", "soft RS0 select" ) ),
-            page.bit( bit( "domStatusBits", "Tx fault" ) ),
-            page.bit( bit( "domStatusBits", "Rx LOS" ) ),
+   // A module drives the bits that it does not implement as it likes.
+   uint8_t const options = contents.enhancedOptions();
+   auto const state = [page, options]( MemoryBitPlace implemented, MemoryBitPlace place ) {
+      return options & implemented.mask && page.bit( place );
+   };
+   constexpr MemoryBitPlace txDisable = bit( "enhancedOptions", "soft Tx disable" );
+   constexpr MemoryBitPlace rateSelect = bit( "enhancedOptions", "soft rate select" );
+   return { state( txDisable, bit( "domStatusBits", "Tx disable state" ) ),
+            state( txDisable, bit( "domStatusBits", "soft Tx disable" ) ),
+            state( rateSelect, bit( "domStatusBits", "RS1 state" ) ),
+            state( rateSelect, bit( "domStatusBits", "RS0 state" ) ),
+            state( rateSelect, bit( "domStatusBits", "soft RS0 select" ) ),
+            state( bit( "enhancedOptions", "soft Tx fault" ), bit( "domStatusBits", "Tx fault" ) ),
+            state( bit( "enhancedOptions", "soft Rx LOS" ), bit( "domStatusBits", "Rx LOS" ) ),
             page.bit( bit( "domStatusBits", "data not ready" ) ) };
 }
 
@@ -469,78 +457,30 @@ SfpDomFlags SfpNewStatus::domFlags() const {
 
 // The operator's thresholds
 
-namespace {
-
-/// Without the blanks, or zeros, that fill up a field of module memory.
-std::string_view unpadded( std::string_view text ) {
-   constexpr std::string_view padding( " \0", 2 );
-   return text.substr( 0, text.find_last_not_of( padding ) + 1 );
-}
-
-/// How closely a row is meant for a module: 0 for not at all, the more the closer.
-unsigned closeness( DomThresholdOverride const & row, VendorInfo const & vendor ) {
-   struct Part {
-      std::string_view wanted, actual;
-      unsigned weight;
-   };
-   unsigned result = 0;
-   for ( Part const & part : { Part{ row.vendorName(), vendor.vendorName(), 1 },
-                               Part{ row.vendorPn(), vendor.vendorPn(), 2 },
-                               Part{ row.vendorSn(), vendor.vendorSn(), 4 } } ) {
-      std::string_view const wanted = unpadded( part.wanted );
-      if ( wanted.empty() ) {
-         continue;
-      }
-      if ( wanted != unpadded( part.actual ) ) {
-         return 0;
-      }
-      result += part.weight;
-   }
-   return result;
-}
-
-} // namespace
-
 Vel::Ptr<DomThresholdOverride const> SfpNewStatus::domThresholdOverride() const {
    VEL_TRACE_SCOPE( trace );
-   Vel::Ptr<DomThresholdOverride const> result;
-   if ( Xgc const * global = xgc() ) {
-      VendorInfo const vendor = vendorInfo();
-      unsigned closest = 0;
-      for ( auto const & [name, row] : global->domThresholdOverrideDataMap() ) {
-         unsigned const close = closeness( *row, vendor );
-         if ( close > closest ) {
-            closest = close;
-            result = row;
-         }
-      }
-   }
-   return result;
+   return closestThresholdOverride( xgc(), vendorInfo() );
 }
 
 DomThreshold SfpNewStatus::domThresholdInForce() const {
    VEL_TRACE_SCOPE( trace );
-   DomThreshold result = domThreshold();
    // Whether overrides apply at all (Xgc::domThresholdOverrideEnabled) is the agent's decision, which
    // domThresholdOverridden carries.
-   if ( domThresholdOverridden() ) {
-      if ( auto const row = domThresholdOverride() ) {
-         result.txPowerHighAlarmIs( row->txPowerHighAlarm().value() );
-         result.txPowerLowAlarmIs( row->txPowerLowAlarm().value() );
-         result.txPowerHighWarnIs( row->txPowerHighWarn().value() );
-         result.txPowerLowWarnIs( row->txPowerLowWarn().value() );
-         result.rxPowerHighAlarmIs( row->rxPowerHighAlarm().value() );
-         result.rxPowerLowAlarmIs( row->rxPowerLowAlarm().value() );
-         result.rxPowerHighWarnIs( row->rxPowerHighWarn().value() );
-         result.rxPowerLowWarnIs( row->rxPowerLowWarn().value() );
-      }
-   }
-   return result;
+   Vel::Ptr<DomThresholdOverride const> const row =
+      domThresholdOverridden() ? domThresholdOverride() : nullptr;
+   return row ? withOverride( domThreshold(), *row ) : domThreshold();
 }
 
 // Tuning
 
 namespace {
+
+/// The number of a frequency on a grid that starts at `base`; 0 when it is none of the grid's.
+uint32_t channelOn( uint32_t base, uint32_t grid, uint32_t frequency ) {
+   return grid != 0 && frequency >= base && ( frequency - base ) % grid == 0
+             ? decodeItuChannel( base, grid, frequency )
+             : 0;
+}
 
 /// The tuning registers, in MHz, exactly: the capabilities are cut to whole GHz.
 struct TuningRegisters {
@@ -555,10 +495,8 @@ struct TuningRegisters {
       return channel != 0 && spacing != 0 ? decodeItuFrequency( first, channel, spacing ) : 0;
    }
    /// The module's number of a frequency, counted from its first; 0 when it has none.
-   [[nodiscard]] uint32_t channelOf( uint32_t frequency ) const {
-      return spacing != 0 && frequency >= first && ( frequency - first ) % spacing == 0
-                ? decodeItuChannel( first, spacing, frequency )
-                : 0;
+   [[nodiscard]] uint32_t channelOf( uint32_t wanted ) const {
+      return channelOn( first, spacing, wanted );
    }
 
    uint32_t first;
@@ -648,19 +586,17 @@ bool SfpNewStatus::isFreqTuningPending() {
 
    ItuTuningConfig const & tuning = ituTuningConfig();
    uint32_t const wanted = wantedFrequency( tuning );
-   uint32_t const operational = tuningRegisters( *this ).frequency();
+   TuningRegisters const registers = tuningRegisters( *this );
+   uint32_t const operational = registers.frequency();
    // The operational channel is counted as the configured one is: from the base of the C band, on
-   // the resolved grid.
+   // the resolved grid. A frequency beside that grid has none.
    uint32_t const channel =
-      operational != 0
-         ? decodeItuChannel( TuningConstants::baseFrequencyCBand, tuning.grid(), operational )
-         : 0;
+      channelOn( TuningConstants::baseFrequencyCBand, tuning.grid(), operational );
    resolvedTuningStatusIs( ResolvedTuningStatus(
       config ? config->channel() : 0, config ? config->grid() : 0, config ? config->frequency() : 0,
-      wanted, computeWavelength( wanted ), channel, operational != 0 ? tuning.grid() : 0,
-      operational, computeWavelength( operational ),
-      tuningCapabilities().gridSpacingCapabilities() ) );
-   return hwChannel() != hwTuningConfig().hwChannel() || operational != wanted;
+      wanted, computeWavelength( wanted ), channel, channel != 0 ? tuning.grid() : 0, operational,
+      computeWavelength( operational ), tuningCapabilities().gridSpacingCapabilities() ) );
+   return registers.channel != hwTuningConfig().hwChannel() || operational != wanted;
 }
 
 } // namespace Xcvr

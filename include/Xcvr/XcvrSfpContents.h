@@ -5,6 +5,7 @@
 #include <Xcvr/HalSff8472.h>
 #include <Xcvr/XcvrApi.h>
 #include <Xcvr/XcvrMediaTypeRules.h>
+#include <Xcvr/XcvrPagedContents.h>
 #include <Xcvr/XcvrTypes.h>
 
 #include <cstdint>
@@ -22,7 +23,7 @@ namespace Xcvr {
 ///
 /// An accessor that cannot read traces its name (source `XcvrSfpPlus`, level 8); one that can costs
 /// one comparison and traces nothing. The other operations open a trace scope.
-class XCVR_API XcvrSff8472IdEepromContents {
+class XCVR_API XcvrSff8472IdEepromContents : PagedContents<XcvrSff8472IdEepromContents> {
    VEL_VALUE( XcvrSff8472IdEepromContents,
       ( buf, Vel::String ),              // page A0h as read from the module, index = byte address
       ( eepromPageA2Data, Vel::String ), // page A2h, the same
@@ -90,16 +91,8 @@ class XCVR_API XcvrSff8472IdEepromContents {
    Vel::String dateCode() const { return text( row( "dateCode" ) ); }
    /// The five texts that identify the module, behind one check of the page.
    VendorInfo vendorInfo() const {
-      PageView const page = buf_.view();
-      if ( !page.has( 0, row( "dateCode" ).end() ) ) [[unlikely]] {
-         return shortVendorInfo();
-      }
-      PageView const known = page.first( row( "dateCode" ).end() );
-      auto const text = [known]( MemoryField const & field ) {
-         return known.text( field.at, field.width );
-      };
-      return { text( row( "vendorName" ) ), text( row( "vendorPn" ) ), text( row( "vendorSn" ) ),
-               text( row( "vendorRev" ) ), text( row( "dateCode" ) ) };
+      return vendorTexts( row( "vendorName" ), row( "vendorPn" ), row( "vendorSn" ),
+                          row( "vendorRev" ), row( "dateCode" ) );
    }
    uint8_t diagsMonitoringType() const { return u8( row( "diagsMonitoringType" ) ); }
    uint8_t enhancedOptions() const { return u8( row( "enhancedOptions" ) ); }
@@ -164,27 +157,12 @@ class XCVR_API XcvrSff8472IdEepromContents {
    bool fieldInUse( MemoryField const & field ) const;
 
  private:
+   friend PagedContents;
+   static constexpr std::string_view textOfEmptyPage = "Unknown";
+
    PageView pageOf( MemoryField const & field ) const {
       return field.page == Sff8472Table::a2h ? eepromPageA2Data_.view() : buf_.view();
    }
-   /// The page, in the hot path of accessors; traces when the field does not lie on it.
-   PageView pageToRead( MemoryField const & field ) const {
-      PageView const page = pageOf( field );
-      if ( !page.has( field.at, field.width ) ) [[unlikely]] {
-         traceUnreadable( field );
-      }
-      return page;
-   }
-   uint8_t u8( MemoryField const & field ) const { return pageToRead( field ).u8( field.at ); }
-   uint16_t u16( MemoryField const & field ) const { return pageToRead( field ).u16be( field.at ); }
-   /// Inlined always, so that the copy is one of constant width.
-   [[gnu::always_inline]] Vel::String text( MemoryField const & field ) const {
-      PageView const page = pageOf( field );
-      return page.has( field.at, field.width ) ? Vel::String( page.text( field.at, field.width ) )
-                                               : shortText( field );
-   }
-   [[gnu::cold]] Vel::String shortText( MemoryField const & field ) const;
-   [[gnu::cold]] VendorInfo shortVendorInfo() const;
    [[gnu::cold]] static void traceUnreadable( MemoryField const & field );
 };
 

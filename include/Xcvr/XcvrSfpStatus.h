@@ -37,8 +37,8 @@ class XCVR_API SfpSlotCapabilities {
       ( maxBlockReadSize, uint32_t ) ); // bytes in one read of the management bus
 };
 
-/// Status and control bits of a module (SFF-8472 A2h byte 110). A state that the module does not
-/// implement reads as false.
+/// Status and control bits of a module (SFF-8472 A2h byte 110). What the module does not implement
+/// (A0h byte 93) reads as false.
 class XCVR_API SfpStatusBits {
    VEL_VALUE( SfpStatusBits,
       ( txDisabled, bool ),       // state of the transmitter, whatever disabled it
@@ -177,7 +177,7 @@ class XCVR_API Sff8472Registers {
 class XCVR_API SfpDiagConfig : public Vel::Entity {
  public:
    /// What the activation key must hold.
-   static constexpr uint32_t activationKey = 0x5EA1F00D;
+   static constexpr uint32_t activationKey = diagActivationKey;
 
    explicit SfpDiagConfig( Vel::Name name ) : Vel::Entity( std::move( name ) ) {}
    VEL_ENTITY( SfpDiagConfig, Vel::Entity,
@@ -245,12 +245,15 @@ class XCVR_API SfpNewStatus : public XcvrNewStatus {
    [[nodiscard]] bool domInfoValid( LaneId lane ) const override;
    [[nodiscard]] DomInfo domInfo( LaneId lane ) const override;
    [[nodiscard]] bool domThresholdValid() const override;
-   /// The thresholds in the module's memory, valid or not. Minus infinity without calibration and,
-   /// on purpose, for the received power of an externally calibrated module.
+   /// The thresholds in the module's memory, valid or not. Minus infinity, no limit, without
+   /// calibration and, on purpose, for the received power of an externally calibrated module.
    [[nodiscard]] DomThreshold domThreshold() const override;
    [[nodiscard]] DomCapabilities domCapabilities() const override;
    /// Two pages of 256 bytes, numbered 0 (A0h) and 1 (A2h).
    [[nodiscard]] EepromDescriptor idEepromInfo() const override;
+   /// Stores page 0 (A0h) or 1 (A2h) in `actualIdEepromContents`; another is traced and changes
+   /// nothing.
+   void idEepromContentsIs( uint8_t page, Vel::String const & contents ) override;
    void updateLastValidTime( Vel::Seconds time ) override;
    /// Of a passive copper cable, from `attnTable` by "vendor name-part number" (with their padding),
    /// else from its length; 0 for all else.
@@ -263,9 +266,9 @@ class XCVR_API SfpNewStatus : public XcvrNewStatus {
    /// Whether pins RS0 and RS1 are to select the high rate: for a 10G interface.
    [[nodiscard]] bool assertRateSelect0() const;
    [[nodiscard]] bool assertRateSelect1() const;
-   /// All false while `domInfoValid` is.
+   /// All false while `domInfoValid` is false.
    [[nodiscard]] SfpStatusBits statusBits() const;
-   /// All false while `domInfoValid` is, and for a module that does not implement flags (A0h byte 93
+   /// All false while `domInfoValid` is false, and for a module that does not implement flags (A0h byte 93
    /// bit 7).
    [[nodiscard]] SfpDomFlags domFlags() const;
    /// The operator's row for this module: of those whose texts, but for empty ones, are the module's
@@ -277,11 +280,13 @@ class XCVR_API SfpNewStatus : public XcvrNewStatus {
 
    /// Empties the contents, of which nothing is known any more.
    void clearIdEepromContents();
-   /// Puts `ituTuningConfig` into the terms of the module's registers, in `hwTuningConfig`.
+   /// Puts `ituTuningConfig` into the terms of the module's registers, in `hwTuningConfig`: all 0 for
+   /// a frequency that is none of the module's, which then is not to be programmed.
    void updateHwTuningConfig();
    /// Resolves the tuning that `xgc` has under the slot's name, updates `ituTuningConfig`,
-   /// `hwTuningConfig` and `resolvedTuningStatus`, and says whether the module is tuned otherwise. A
-   /// module that cannot be tuned is never pending, and nothing is updated.
+   /// `hwTuningConfig` and `resolvedTuningStatus`, and says whether the module is tuned otherwise: it
+   /// stays so where `hwTuningConfig` is 0, a frequency that it does not have. A module that cannot be
+   /// tuned at all is never pending, and nothing is updated.
    [[nodiscard]] bool isFreqTuningPending();
 };
 

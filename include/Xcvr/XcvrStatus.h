@@ -68,8 +68,10 @@ class XCVR_API XcvrEventStatsEnt : public Vel::Entity {
 /// agent that owns the slot.
 class XCVR_API XcvrNewStatus : public Vel::Entity {
  public:
-   using XcvrSwappability = Xcvr::XcvrSwappability;
-   using enum Xcvr::XcvrSwappability;
+   /// Whether the slot's module can be pulled.
+   VEL_MEMBER_ENUM( XcvrSwappability,
+      fixed, hotSwappable );
+   using enum XcvrSwappability;
 
    XcvrNewStatus( Vel::Name name, XcvrType xcvrType )
       : Vel::Entity( std::move( name ) ), xcvrType_( xcvrType ) {}
@@ -111,7 +113,7 @@ class XCVR_API XcvrNewStatus : public Vel::Entity {
       // The thresholds in use come from configuration.
       ( Plain, domThresholdOverridden, onDomThresholdOverridden, bool ),
       ( Plain, enhancedDomValuesAvailable, onEnhancedDomValuesAvailable, bool ),
-      // Where each enhanced monitor lives in the module's memory.
+      // Where each enhanced monitor lives in the module's memory, by `enhancedDomIndex`.
       ( Values, enhancedDomMapping, onEnhancedDomMapping, uint32_t, uint16_t ),
       // Checksum result by identification page.
       ( Values, idEepromChecksumValid, onIdEepromChecksumValid, uint8_t, bool ),
@@ -160,6 +162,7 @@ class XCVR_API XcvrNewStatus : public Vel::Entity {
    [[nodiscard]] virtual bool domThresholdValid() const;
    [[nodiscard]] virtual DomThreshold domThreshold() const;
    [[nodiscard]] virtual DomCapabilities domCapabilities() const;
+   // Enhanced monitors, by `enhancedDomIndex`.
    [[nodiscard]] virtual bool enhancedDomValuesValid( uint32_t index ) const;
    [[nodiscard]] virtual double enhancedDomValue( uint32_t index ) const;
    [[nodiscard]] virtual bool enhancedDomThresholdValid( uint32_t index ) const;

@@ -39,6 +39,10 @@ TEST( CommonUtilTest, BytesAreDumpedTenALine ) {
    EXPECT_EQ( dumpW8Data( "", bytes, 11 ),
               "Cfp2  read size=11 data=0x\n00 0F FF 03 04 05 06 07 08 09 \nAB " );
    EXPECT_EQ( dumpW8Data( nullptr, bytes, 3 ), "Cfp2 " );
+   std::vector<uint8_t> const many( 10000 );
+   EXPECT_TRUE( dumpW8Data( "table", many.data(), 10000 )
+                   .view()
+                   .starts_with( "Cfp2 table read size=10000 data=0x\n00 " ) );
 }
 
 TEST( CommonUtilTest, WordsAreDumpedTenALine ) {

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <functional>
 #include <limits>
 
@@ -195,7 +196,7 @@ TEST( StatusTest, ACodeThatIsNoMediaTypeIsUnknownAndHasNoBitRate ) {
       EXPECT_EQ( status.mediaTypeString(), "Unknown" );
       EXPECT_EQ( status.electricalInterface(), xcvr10GLimiting );
       EXPECT_FALSE( status.optical() );
-      EXPECT_DEATH( (void)status.bitrateKbps(), "info" );
+      EXPECT_DEATH( (void)status.bitrateKbps(), "a media type that the table does not have" );
    }
 }
 
@@ -343,3 +344,41 @@ TEST( StatusTest, LanesAndStatisticsAreChildrenThatStay ) {
    EXPECT_EQ( status.xcvrStatsEntIs(), stats );
    EXPECT_EQ( stats->parent(), &status );
 }
+
+#if defined( __GXX_ABI_VERSION )
+/// Where a virtual operation stands in the table, by the Itanium ABI's pointers to members.
+template <typename Operation>
+std::ptrdiff_t slotOf( Operation operation ) {
+   std::ptrdiff_t place;
+   std::memcpy( &place, &operation, sizeof place );
+   return place / static_cast<std::ptrdiff_t>( sizeof( void * ) );
+}
+
+// Programs that were compiled before call by these places.
+TEST( StatusTest, OperationsKeepTheirVirtualSlots ) {
+   using S = XcvrNewStatus;
+   // clang-format off
+   std::ptrdiff_t const slots[] = {
+      slotOf( &S::capabilities ), slotOf( &S::vendorInfo ), slotOf( &S::bitrate ),
+      slotOf( &S::mediaType ), slotOf( &S::detectedMediaType ), slotOf( &S::electricalInterface ),
+      slotOf( &S::laserWavelength ), slotOf( &S::laserWavelengthPrecision ),
+      slotOf( &S::optical ), slotOf( &S::disablePolling ), slotOf( &S::domInfoValid ),
+      slotOf( &S::domInfo ), slotOf( &S::domAggPower ), slotOf( &S::domThresholdValid ),
+      slotOf( &S::domThreshold ), slotOf( &S::domCapabilities ),
+      slotOf( &S::enhancedDomValuesValid ), slotOf( &S::enhancedDomValue ),
+      slotOf( &S::enhancedDomThresholdValid ), slotOf( &S::enhancedDomThreshold ),
+      slotOf( &S::enhancedDomCapabilities ), slotOf( &S::enhancedDomSensorCategory ),
+      slotOf( &S::idEepromInfo ), slotOf( &S::powerClass ), slotOf( &S::idEepromContentsIs ),
+      slotOf( &S::updateLastValidTime ), slotOf( &S::rxOutputAmplitude ),
+      slotOf( &S::rxOutputPreEmphasis ), slotOf( &S::txInputEqualization ),
+      slotOf( &S::electricalPathAttenuation ), slotOf( &S::hwChannel ),
+      slotOf( &S::tuningCapabilities ), slotOf( &S::narrowBand ),
+      slotOf( &S::isSupportedMediaType ), slotOf( &S::capabilitiesIs ),
+      slotOf( &S::vendorInfoIs ) };
+   // clang-format on
+   std::ptrdiff_t expected = slotOf( &Vel::Entity::velModel );
+   for ( std::ptrdiff_t const slot : slots ) {
+      EXPECT_EQ( slot, ++expected );
+   }
+}
+#endif

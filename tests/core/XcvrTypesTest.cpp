@@ -192,7 +192,6 @@ Xcvr::ElectricalInterface: xcvr100MMiiBaseFx xcvr1GSgmiiBaseX xcvr1GSgmiiBaseT x
    xcvr10GLimiting xcvr25GLinear xcvr25GLimiting xcvr50GLinear xcvr50GLimiting
 Xcvr::PowerClass: xcvrPowerClassUnknown xcvrPowerClass1 xcvrPowerClass2 xcvrPowerClass3
    xcvrPowerClass4 xcvrPowerClass5 xcvrPowerClass6 xcvrPowerClass7
-Xcvr::XcvrSwappability: fixed hotSwappable
 Xcvr::XcvrState::Reason: undecided unidentifiedXcvr badEepromChecksum unsupported
 )";
 
@@ -211,7 +210,7 @@ TEST( XcvrTypes, RegistryKnowsEveryTypeAsOthersRelyOnIt ) {
       else
          expected[name] += word + ' ';
    }
-   EXPECT_EQ( expected.size(), 37U );
+   EXPECT_EQ( expected.size(), 36U );
    auto const sizes = emptyRecordSizes( ValueTypes() );
    for ( auto const & [typeName, contents] : expected ) {
       Vel::TypeInfo const * const type = Vel::TypeRegistry::type( typeName );
@@ -247,8 +246,8 @@ void expectNameAndBack( E ( *... instance )( Vel::String const & ) ) {
 TEST( XcvrTypes, EnumerationsByNameAndBack ) {
    expectNameAndBack( XcvrTypeInstance, XcvrPresenceInstance, DomCalibrationInstance,
                       SensorCategoryInstance, SerdesSpeedInstance, LaserWavelengthPrecisionInstance,
-                      ElectricalInterfaceInstance, PowerClassInstance, XcvrSwappabilityInstance,
-                      TuningTypeInstance, MediaTypeInstance, XcvrState::ReasonInstance );
+                      ElectricalInterfaceInstance, PowerClassInstance, TuningTypeInstance,
+                      MediaTypeInstance, XcvrState::ReasonInstance );
    EXPECT_EQ( velEnumModel( MediaType() ).count, 91U );
    std::pair<uint32_t, char const *> const codes[] = {
       { 0, "xcvrUnknown" },        { 5, "xcvr10GBaseSr" },      { 25, "xcvr1000BaseT" },

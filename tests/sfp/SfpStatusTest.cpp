@@ -354,6 +354,8 @@ TEST( SfpStatusTest, EveryThresholdComesFromItsOwnWord ) {
 TEST( SfpStatusTest, StatusBitsAndFlagsAreTheModulesOwn ) {
    SfpImageBuilder const image = internallyCalibrated()
                                     .bit( "enhancedOptions", "alarm and warning flags" )
+                                    .bit( "enhancedOptions", "soft Tx disable" )
+                                    .bit( "enhancedOptions", "soft Tx fault" )
                                     .bit( "domStatusBits", "Tx fault" )
                                     .bit( "domStatusBits", "soft Tx disable" )
                                     .bit( "alarmFlags", "temperature high" )
@@ -377,7 +379,7 @@ TEST( SfpStatusTest, StatusBitsAndFlagsAreTheModulesOwn ) {
    for ( unsigned at : { 110u, 112u, 113u, 116u, 117u } ) {
       for ( unsigned bit = 0; bit < 8; ++bit ) {
          Vel::Ptr<SfpNewStatus> const one =
-            inserted( internallyCalibrated().bit( "enhancedOptions", "alarm and warning flags" ) );
+            inserted( internallyCalibrated().raw( "enhancedOptions", 0xff ) );
          registerIs( *one, at, 1u << bit );
          int set = 0;
          SfpStatusBits const oneStatus = one->statusBits();
@@ -394,7 +396,9 @@ TEST( SfpStatusTest, StatusBitsAndFlagsAreTheModulesOwn ) {
    EXPECT_EQ( status->domFlags(), SfpDomFlags() );
    Vel::Ptr<SfpNewStatus> const without =
       inserted( SfpImageBuilder( image ).raw( "enhancedOptions", 0 ) );
-   EXPECT_EQ( without->statusBits(), bits );
+   SfpStatusBits onlyReady;
+   onlyReady.dataNotReadyIs( bits.dataNotReady() );
+   EXPECT_EQ( without->statusBits(), onlyReady );
    EXPECT_EQ( without->domFlags(), SfpDomFlags() );
 }
 
@@ -605,6 +609,19 @@ TEST( SfpTuningTest, ATuningIsPendingUntilTheModuleIsThere ) {
    config->frequencyIs( 193200000 );
    EXPECT_TRUE( status->isFreqTuningPending() );
    EXPECT_EQ( status->hwTuningConfig(), HwTuningConfig( 39, 50000, 0 ) );
+
+   // Off the resolved grid, and below its base, there is no operational channel.
+   for ( unsigned const ghz : { 191325u, 190000u } ) {
+      Vel::Ptr<SfpNewStatus> const off =
+         inserted( tunableModule()
+                      .value( "tuningFirstFrequencyTHz", ghz / 1000 )
+                      .value( "tuningFirstFrequencyGHz", ghz % 1000 ) );
+      registerIs( *off, 145, 1 );
+      EXPECT_TRUE( off->isFreqTuningPending() );
+      EXPECT_EQ( off->resolvedTuningStatus().operationalFrequency(), ghz * 1000 );
+      EXPECT_EQ( off->resolvedTuningStatus().operationalChannel(), 0u );
+      EXPECT_EQ( off->resolvedTuningStatus().operationalGrid(), 0u );
+   }
 
    // What fails, and what nobody configured, falls back to 193.1 THz.
    config->frequencyIs( 200000000 );
