@@ -352,6 +352,7 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
    std::minstd_rand random( 1 );
    for ( int round = 0; round < 200; ++round ) {
       XcvrTool::ModuleImage image;
+      image.family = XcvrTool::ImageFamily::sfp;
       std::size_t const sizes[] = { 96 + random() % 161, random() % 257, random() % 129 };
       char const * const labels[] = { "a0h", "a2h", "02h" };
       std::size_t total = 0;
@@ -366,7 +367,8 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
             total += bytes.size();
          }
       }
-      std::string const dump = XcvrTool::hexdumpText( image, {} );
+      std::unique_ptr<XcvrTool::Module> const module = XcvrTool::moduleOf( image );
+      std::string const dump = XcvrTool::hexdumpText( *module, {} );
       ASSERT_EQ( bytesShown( dump ), total ) << dump;
       std::istringstream lines( dump );
       for ( std::string line; std::getline( lines, line ); ) {
@@ -374,9 +376,10 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
       }
       // The other commands take the same memory.
       XcvrTool::Json units;
-      EXPECT_FALSE( XcvrTool::showJson( image, units ).dump().empty() );
-      EXPECT_THAT( XcvrTool::showText( image, {} ), Not( ContainsRegex( "[^ -~\n]" ) ) );
-      EXPECT_THAT( XcvrTool::explainText( image, {} ), HasSubstr( " yes: " ) );
+      EXPECT_FALSE( XcvrTool::showJson( *module, units ).dump().empty() );
+      EXPECT_THAT( XcvrTool::showText( *module, {} ), Not( ContainsRegex( "[^ -~°\n]" ) ) );
+      EXPECT_THAT( XcvrTool::explainText( *module, {} ), HasSubstr( " yes: " ) );
+      EXPECT_THAT( XcvrTool::checkText( *module, {} ), Not( ContainsRegex( "[^ -~°\n]" ) ) );
    }
 }
 

@@ -10,8 +10,9 @@ namespace XcvrTool {
 /// Results fit into this width wherever a single word does.
 inline constexpr std::size_t lineWidth = 100;
 
-/// Emphasis, where the reader is a person in front of a terminal.
+/// What a person in front of a terminal gets beyond plain text.
 struct Style {
+   bool terminal = false;
    bool colour = false;
 
    [[nodiscard]] std::string heading( std::string_view text ) const;
