@@ -1,3 +1,4 @@
+#include "tools/xcvr/CodeNames.h"
 #include "tools/xcvr/Commands.h"
 #include "tools/xcvr/Facts.h"
 #include "tools/xcvr/InputText.h"
@@ -23,11 +24,15 @@ Sentences ofForeignIdentifier( Module const & module ) {
 }
 
 Sentences ofUnknownMediaType( Module const & module ) {
-   Xcvr::XcvrNewStatus const & status = module.status();
-   if ( status.mediaType() != Xcvr::xcvrUnknown ) {
+   // Of another family's module the rules here know nothing.
+   bool const isOfFamily = familyHasIdentifier( module.image().family, module.identifier() );
+   if ( !isOfFamily || module.status().mediaType() != Xcvr::xcvrUnknown ) {
       return {};
    }
-   return { "The module does not say what it is in a way that gives a media type" };
+   std::string_view const name = codeName( identifierNames, module.identifier() );
+   return { fmt::format( "The identifier {:02x}h ({}) is not borne out: no rule for the media type "
+                         "knows the module",
+                         module.identifier(), name ) };
 }
 
 Sentences ofBadChecksums( Module const & module ) {
@@ -67,7 +72,7 @@ Sentences ofMissingMonitors( Module const & module ) {
 
 Sentences ofThresholdsOutOfOrder( Module const & module ) {
    Sentences found;
-   for ( auto const & [monitor, label, value, limits] : limitsOf( module ) ) {
+   for ( auto const & [monitor, label, value, limits] : limitsOf( module.status() ) ) {
       if ( !limits.areInOrder() ) {
          auto const text = [&]( double limit ) { return limitText( *monitor, limit ); };
          found.push_back(
@@ -82,7 +87,7 @@ Sentences ofThresholdsOutOfOrder( Module const & module ) {
 
 Sentences ofAlarms( Module const & module ) {
    Sentences found;
-   for ( Reading const & reading : readingsOf( module ) ) {
+   for ( Reading const & reading : readingsOf( module.status() ) ) {
       Place const place = reading.place();
       if ( place != Place::lowAlarm && place != Place::highAlarm ) {
          continue;
@@ -99,9 +104,9 @@ Sentences ofAlarms( Module const & module ) {
 // The ids stay as they are for ever; new rows may come anywhere.
 constexpr Check checks[] = {
    { "identifier", ofForeignIdentifier,
-     "Read the image without --family, or take it for what the identifier says." },
-   { "media-type-unknown", ofUnknownMediaType,
-     "See what its bytes lack with xcvr explain; a slot that holds it stays unidentified." },
+     "Read the module again; if it stays so, this is another kind of module, or a worn memory." },
+   { "media-type", ofUnknownMediaType,
+     "See with xcvr explain what the rules ask for; a slot takes the module as unidentified." },
    { "checksum", ofBadChecksums,
      "Read the module again; if it stays wrong, the memory was changed or is worn, and the module "
      "is one to replace." },
@@ -114,8 +119,9 @@ constexpr Check checks[] = {
      "Do not rely on alarms of this monitor; give its limits by configuration, or tell the "
      "vendor." },
    { "value-alarm", ofAlarms,
-     "Look after the cause: a dirty or missing fibre, a far end or a transmitter that is switched "
-     "off, cooling, supply, or a laser at the end of its life." },
+     "Look for the cause: cooling, supply, a dirty or unplugged fibre, a transmitter that is off, "
+     "or "
+     "a laser near its end." },
 };
 
 struct Finding {

@@ -19,10 +19,6 @@ constexpr Family families[] = {
 
 } // namespace
 
-unsigned Module::lanes() const {
-   return std::max<unsigned>( status().capabilities().maxChannels(), 1 );
-}
-
 std::string_view Module::page( std::string_view label ) const {
    std::string const * bytes = image_.page( label );
    return bytes ? std::string_view( *bytes ) : std::string_view();

@@ -57,8 +57,6 @@ class Module {
    /// The status of a slot that holds the module, fed as an agent would: every reading that the image
    /// has was taken after the module came.
    [[nodiscard]] virtual Xcvr::XcvrNewStatus const & status() const = 0;
-   /// The lanes that have monitors of their own: at least one.
-   [[nodiscard]] unsigned lanes() const;
 
    // `show`: facts by topic, between which those of the status are told.
 

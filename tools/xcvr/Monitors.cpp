@@ -14,6 +14,7 @@ namespace {
 using Xcvr::DomCapabilities;
 using Xcvr::DomInfo;
 using Xcvr::DomThreshold;
+using Xcvr::XcvrNewStatus;
 
 constexpr double unreadable = -std::numeric_limits<double>::infinity();
 
@@ -51,8 +52,7 @@ constexpr Monitor monitors[] = {
 
 constexpr Limits noLimits{ unreadable, unreadable, unreadable, unreadable };
 
-Limits limitsIn( Module const & module, Monitor const & monitor ) {
-   Xcvr::XcvrNewStatus const & status = module.status();
+Limits limitsIn( XcvrNewStatus const & status, Monitor const & monitor ) {
    return status.domThresholdValid() ? monitor.limits( status.domThreshold() ) : noLimits;
 }
 
@@ -99,13 +99,16 @@ std::string Reading::valueText() const {
                            : fmt::format( "{:.3g} mW / {}", milliwatts, text );
 }
 
-std::vector<Reading> readingsOf( Module const & module ) {
-   Xcvr::XcvrNewStatus const & status = module.status();
+unsigned lanesOf( XcvrNewStatus const & status ) {
+   return std::max<unsigned>( status.capabilities().maxChannels(), 1 );
+}
+
+std::vector<Reading> readingsOf( XcvrNewStatus const & status ) {
    DomCapabilities const capabilities = status.domCapabilities();
    std::vector<Reading> readings;
    for ( Monitor const & monitor : monitors ) {
-      Limits const limits = limitsIn( module, monitor );
-      unsigned const lanes = monitor.perLane ? module.lanes() : 1;
+      Limits const limits = limitsIn( status, monitor );
+      unsigned const lanes = monitor.perLane ? lanesOf( status ) : 1;
       for ( unsigned lane = 0; lane < lanes; ++lane ) {
          Xcvr::LaneId const id( static_cast<std::uint8_t>( lane ) );
          if ( !status.domInfoValid( id ) ) {
@@ -123,10 +126,10 @@ std::vector<Reading> readingsOf( Module const & module ) {
    return readings;
 }
 
-std::vector<Reading> limitsOf( Module const & module ) {
+std::vector<Reading> limitsOf( XcvrNewStatus const & status ) {
    std::vector<Reading> all;
    for ( Monitor const & monitor : monitors ) {
-      Limits const limits = limitsIn( module, monitor );
+      Limits const limits = limitsIn( status, monitor );
       if ( limits.areKnown() ) {
          all.push_back( { &monitor, std::string( monitor.label ), unreadable, limits } );
       }
@@ -184,8 +187,18 @@ std::string_view textOf( Place place ) {
 }
 
 std::string emphasized( std::string const & text, Place place, Style const & style ) {
-   bool const isOutside = !textOf( place ).empty();
-   return isOutside ? style.alarm( text ) : text;
+   switch ( place ) {
+   case Place::lowAlarm:
+   case Place::highAlarm:
+      return style.alarm( text );
+   case Place::lowWarning:
+   case Place::highWarning:
+      return style.warning( text );
+   case Place::unknown:
+   case Place::normal:
+      break;
+   }
+   return text;
 }
 
 std::string limitColumns( std::string_view lowAlarm, std::string_view lowWarn,

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "tools/xcvr/Module.h"
+#include "tools/xcvr/Text.h"
+
+#include <Xcvr/XcvrStatus.h>
 
 #include <string>
 #include <vector>
@@ -43,11 +45,14 @@ struct Reading {
    [[nodiscard]] std::string valueText() const;
 };
 
-/// The values that the module gives, lane by lane, or none.
-[[nodiscard]] std::vector<Reading> readingsOf( Module const & module );
+/// The number of lanes that have monitors of their own, counted from 0: at least one.
+[[nodiscard]] unsigned lanesOf( Xcvr::XcvrNewStatus const & status );
 
-/// The limits that the module gives, in the same shape; the values are minus infinity.
-[[nodiscard]] std::vector<Reading> limitsOf( Module const & module );
+/// The values that a module gives, lane by lane, or none.
+[[nodiscard]] std::vector<Reading> readingsOf( Xcvr::XcvrNewStatus const & status );
+
+/// The limits that a module gives, in the same shape; the values are minus infinity.
+[[nodiscard]] std::vector<Reading> limitsOf( Xcvr::XcvrNewStatus const & status );
 
 /// A number of the monitor's, without its unit.
 [[nodiscard]] std::string limitText( Monitor const & monitor, double limit );

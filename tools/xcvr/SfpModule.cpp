@@ -5,8 +5,10 @@
 
 #include <Xcvr/XcvrSfpStatus.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fmt/format.h>
+#include <iterator>
 #include <utility>
 
 namespace XcvrTool {
@@ -332,47 +334,37 @@ Sentences ofMissingCalibration( Module const & module ) {
    return { "The module says that it has monitors, but not how they are calibrated" };
 }
 
-bool isDwdm( Xcvr::MediaType mediaType ) {
-   return mediaType == Xcvr::xcvr10GBaseDwdmEr || mediaType == Xcvr::xcvr10GBaseDwdmZr ||
-          mediaType == Xcvr::xcvr10GBaseDwdmZt;
-}
-
-Sentences ofOtherMedium( Module const & module ) {
-   Xcvr::XcvrNewStatus const & status = module.status();
-   Contents const & contents = sfp( module ).contents();
-   Xcvr::MediaType const mediaType = status.mediaType();
-   std::string const text( status.mediaTypeString().view() );
-   constexpr std::uint8_t dwdmSfp = 0x0b;
-   Sentences found;
-   if ( ( contents.identifier() == dwdmSfp ) != isDwdm( mediaType ) ) {
-      found.push_back( fmt::format( "The identifier is {}, but the media type is {}",
-                                    codeText( row( "identifier" ), contents.identifier() ),
-                                    text ) );
-   }
-   // Of connectors only the plain cases: many are used for both.
+/// Of connectors the plain cases only: some are used for fibre and for copper.
+Sentences ofOtherConnector( Module const & module ) {
    struct Connector {
       std::uint8_t code;
       bool optical;
    };
    static constexpr Connector connectors[] = {
-      { 0x01, true }, { 0x07, true }, { 0x0b, true }, { 0x21, false }, { 0x22, false } };
-   for ( Connector const & connector : connectors ) {
-      if ( connector.code == contents.connector() && mediaType != Xcvr::xcvrUnknown &&
-           connector.optical != status.optical() ) {
-         found.push_back( fmt::format( "The connector is {}, but the media type is {}",
-                                       codeText( row( "connector" ), connector.code ), text ) );
-      }
+      { 0x01, true },  // SC
+      { 0x07, true },  // LC
+      { 0x0b, true },  // optical pigtail
+      { 0x21, false }, // copper pigtail
+      { 0x22, false }, // RJ45
+   };
+   std::uint8_t const code = sfp( module ).contents().connector();
+   auto const connector = std::ranges::find( connectors, code, &Connector::code );
+   std::string const mediaType( module.status().mediaTypeString().view() );
+   // The unknown kinds count as not optical, but nobody knows.
+   if ( connector == std::end( connectors ) || mediaType.starts_with( "Unknown" ) ||
+        connector->optical == module.status().optical() ) {
+      return {};
    }
-   return found;
+   return { fmt::format( "The connector is {}, but the media type is {}",
+                         codeText( row( "connector" ), code ), mediaType ) };
 }
 
 constexpr Check sfpChecks[] = {
    { "dom-calibration", ofMissingCalibration,
-     "Its monitors and thresholds are not readable; tell the vendor that bits 5 and 4 of byte 92 "
-     "of "
+     "Its monitors and thresholds cannot be read; tell the vendor that bits 5 and 4 of byte 92 of "
      "A0h are both 0." },
-   { "media-type", ofOtherMedium,
-     "One of them is wrong: see with xcvr explain which bytes gave the media type." },
+   { "connector", ofOtherConnector,
+     "One of the two is wrong: see with xcvr explain which bytes gave the media type." },
 };
 
 std::span<Check const> SfpModule::familyChecks() const {

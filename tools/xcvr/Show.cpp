@@ -19,7 +19,7 @@ Report reportOf( Module const & module ) {
    module.features( report );
    addCapabilities( report, status );
    module.condition( report );
-   addMonitors( report, module );
+   addMonitors( report, status );
    addChecksums( report, module.checksums() );
    return report;
 }
@@ -27,7 +27,7 @@ Report reportOf( Module const & module ) {
 } // namespace
 
 std::string showText( Module const & module, Style const & style ) {
-   std::vector<Reading> const readings = readingsOf( module );
+   std::vector<Reading> const readings = readingsOf( module.status() );
    return textForm( reportOf( module ), style ) +
           ( readings.empty() ? "" : '\n' + monitorTable( readings, style ) );
 }

@@ -1,6 +1,7 @@
 #include "tools/xcvr/StatusReport.h"
 
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Monitors.h"
 
 #include <Xcvr/XcvrTypes.h>
 
@@ -155,10 +156,9 @@ void addChecksums( Report & report, std::vector<Checksum> const & checksums ) {
    report.push_back( { .member = "checksums", .value = all } );
 }
 
-void addMonitors( Report & report, Module const & module ) {
+void addMonitors( Report & report, XcvrNewStatus const & status ) {
    constexpr double unreadable = -std::numeric_limits<double>::infinity();
-   XcvrNewStatus const & status = module.status();
-   for ( unsigned lane = 0; lane < module.lanes(); ++lane ) {
+   for ( unsigned lane = 0; lane < lanesOf( status ); ++lane ) {
       Xcvr::DomInfo info = status.domInfo( Xcvr::LaneId( static_cast<std::uint8_t>( lane ) ) );
       info.updateTimeIs( unreadable ); // the image does not say when it was read
       addValue( report, fmt::format( "domInfo/{}", lane ), info );

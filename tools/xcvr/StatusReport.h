@@ -13,7 +13,7 @@ void addItem( Report & report, Xcvr::XcvrNewStatus const & status );
 void addCapabilities( Report & report, Xcvr::XcvrNewStatus const & status );
 void addChecksums( Report & report, std::vector<Checksum> const & checksums );
 /// Monitored values and thresholds, for programs: people get them as a table.
-void addMonitors( Report & report, Module const & module );
+void addMonitors( Report & report, Xcvr::XcvrNewStatus const & status );
 
 /// "page a0h, stored 0x63, computed 0x64"
 [[nodiscard]] std::string checksumText( Checksum const & checksum );
