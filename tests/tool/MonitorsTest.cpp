@@ -28,7 +28,7 @@ class TwoLanes : public Xcvr::XcvrNewStatus {
    bool domInfoValid( Xcvr::LaneId ) const override { return true; }
    Xcvr::DomInfo domInfo( Xcvr::LaneId lane ) const override {
       double const power = lane.value() == 0 ? -3.5 : none;
-      return { 1, Xcvr::domCalibrationInternal, 30, none, none, 0, power, none };
+      return { 1, Xcvr::domCalibrationInternal, -0.001, none, none, 0, power, none };
    }
    Xcvr::DomCapabilities domCapabilities() const override {
       return { true, false, false, true, true, false, false, false };
@@ -49,7 +49,7 @@ class TwoLanes : public Xcvr::XcvrNewStatus {
 TEST( Monitors, OfSeveralLanes ) {
    EXPECT_EQ( XcvrTool::monitorTable( XcvrTool::readingsOf( TwoLanes() ), {} ),
               R"(   Monitor                           Value Low alarm  Low warn High warn High alarm
-   Temperature                    30.00 °C         -         -         -          -
+   Temperature                     0.00 °C         -         -         -          -
    Tx power, lane 1   1.0000 mW / 0.00 dBm         -         -         -          -
    Tx power, lane 2   1.0000 mW / 0.00 dBm         -         -         -          -
    Rx power, lane 1  0.4467 mW / -3.50 dBm    -12.00    -10.00     -4.00       2.00  high warning

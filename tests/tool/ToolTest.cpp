@@ -188,6 +188,11 @@ TEST_F( ToolTest, ShowFacts ) {
         { { "Bit rate", "25750 MBd" },
           { "Bit rate, maximum", "(no Bit rate, maximum)" },
           { "Bit rate, minimum", "(no Bit rate, minimum)" } } },
+      { SfpImageBuilder().bit( "diagsMonitoringType", "digital diagnostics" ),
+        { { "Monitors", "not calibrated" } } },
+      { sr().a2hMissing(),
+        { { "Monitors", "advertised, but the image lacks page a2h up to byte 117" } } },
+      { cable(), { { "Monitors", "(no Monitors)" } } },
       // A module that implements no flags: what stands there is none.
       { sr().raw( "enhancedOptions", 0 ),
         { { "Status bits", "Tx disabled, rate select 1" },

@@ -53,10 +53,10 @@ Sentences ofUnprintableTexts( Module const & module ) {
       std::string_view const text = unpadded( vendor.*field );
       auto const bad = std::ranges::find_if( text, []( char c ) { return c < ' ' || c > '~'; } );
       if ( bad != text.end() ) {
-         found.push_back( fmt::format(
-            "The text {} has a byte that is no printable character, {}h, as its character {}",
-            fieldName( label ), hexText( static_cast<std::uint8_t>( *bad ), 2 ),
-            bad - text.begin() + 1 ) );
+         found.push_back(
+            fmt::format( "The text {} has byte {}h, which is no printable character, at place {}",
+                         fieldName( label ), hexText( static_cast<std::uint8_t>( *bad ), 2 ),
+                         bad - text.begin() + 1 ) );
       }
    } );
    return found;
@@ -72,14 +72,15 @@ Sentences ofMissingMonitors( Module const & module ) {
 
 Sentences ofThresholdsOutOfOrder( Module const & module ) {
    Sentences found;
-   for ( auto const & [monitor, label, value, limits] : limitsOf( module.status() ) ) {
+   for ( Reading const & reading : limitsOf( module.status() ) ) {
+      Limits const & limits = reading.limits;
       if ( !limits.areInOrder() ) {
-         auto const text = [&]( double limit ) { return limitText( *monitor, limit ); };
-         found.push_back(
-            fmt::format( "The limits of {} are out of order: low alarm {}, low warning "
-                         "{}, high warning {}, high alarm {} {}",
-                         label, text( limits.lowAlarm ), text( limits.lowWarn ),
-                         text( limits.highWarn ), text( limits.highAlarm ), monitor->unit ) );
+         auto const text = [&]( double limit ) { return limitText( *reading.monitor, limit ); };
+         found.push_back( fmt::format( "The limits of {} are out of order: low alarm {}, low "
+                                       "warning {}, high warning {}, high alarm {} {}",
+                                       reading.label, text( limits.lowAlarm ),
+                                       text( limits.lowWarn ), text( limits.highWarn ),
+                                       text( limits.highAlarm ), reading.monitor->unit ) );
       }
    }
    return found;

@@ -85,7 +85,9 @@ Place Reading::place() const {
 }
 
 std::string limitText( Monitor const & monitor, double limit ) {
-   return fmt::format( "{:.{}f}", limit, monitor.decimals );
+   std::string const text = fmt::format( "{:.{}f}", limit, monitor.decimals );
+   bool const isZero = text.find_first_not_of( "-0." ) == std::string::npos;
+   return isZero && text.starts_with( '-' ) ? text.substr( 1 ) : text;
 }
 
 std::string Reading::valueText() const {

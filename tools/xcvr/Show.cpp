@@ -2,6 +2,8 @@
 #include "tools/xcvr/Monitors.h"
 #include "tools/xcvr/StatusReport.h"
 
+#include <fmt/format.h>
+
 namespace XcvrTool {
 
 namespace {
@@ -28,7 +30,16 @@ Report reportOf( Module const & module ) {
 
 std::string showText( Module const & module, Style const & style ) {
    std::vector<Reading> const readings = readingsOf( module.status() );
-   return textForm( reportOf( module ), style ) +
+   Report report = reportOf( module );
+   if ( readings.empty() && module.domAdvertised() ) {
+      bool const isRead = module.status().domInfoValid( Xcvr::LaneId() );
+      report.push_back(
+         { .label = "Monitors",
+           .text = isRead ? "not calibrated"
+                          : fmt::format( "advertised, but the image lacks {}", module.domPlace() ),
+           .alarming = true } );
+   }
+   return textForm( report, style ) +
           ( readings.empty() ? "" : '\n' + monitorTable( readings, style ) );
 }
 
