@@ -100,10 +100,12 @@ void describeArguments( CLI::App & app, Arguments & arguments ) {
       sub.add_option( "FILE", arguments.files, "Module images; - is standard input" )
          ->required()
          ->type_name( "" );
-      sub.add_option( "--family", "Kind of module, instead of finding out: sfp" )
+      sub.add_option_function<std::string>(
+            "--family",
+            [&arguments]( std::string const & name ) { arguments.family = familyOfName( name ); },
+            "Kind of module, instead of finding out: " + joined( familyNames() ) )
          ->type_name( "KIND" )
-         ->check( CLI::IsMember( { "sfp" } ).description( "" ) )
-         ->each( [&arguments]( std::string const & ) { arguments.family = ImageFamily::sfp; } );
+         ->check( CLI::IsMember( familyNames() ).description( "" ) );
       if ( command.json ) {
          describeJson( sub, arguments );
       }

@@ -32,6 +32,11 @@ class LineWidths {
    std::size_t lastLine_ = 0;
 };
 
+struct HexDump {
+   std::string bytes;
+   LineWidths widths; // in a dump with offsets; another one may have lines of any width
+};
+
 /// The bytes of a hex dump, in whichever of these forms it is:
 ///
 ///     ethtool      0x0000:   03 04 07 10 …            below a line "Offset  Values"
@@ -44,10 +49,6 @@ class LineWidths {
 /// A whole line, or what follows the bytes, may be a "#" comment. Dumps of i2cdump may follow each
 /// other (devices 50h and 51h), each below its own head line; their bytes are joined.
 /// Throws InputProblem on anything else, and when repeated lines make more than `limit` bytes.
-struct HexDump {
-   std::string bytes;
-   LineWidths widths; // in a dump with offsets; another one may have lines of any width
-};
 HexDump readHexDump( std::string_view text, std::size_t limit );
 
 } // namespace XcvrTool

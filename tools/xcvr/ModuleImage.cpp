@@ -334,6 +334,17 @@ std::string_view familyName( ImageFamily family ) {
    return familyRow( family ).name;
 }
 
+std::vector<std::string> familyNames() {
+   std::vector<std::string> names;
+   for ( Family const & family : families )
+      names.emplace_back( family.name );
+   return names;
+}
+
+ImageFamily familyOfName( std::string_view name ) {
+   return std::ranges::find( families, name, &Family::name )->family;
+}
+
 bool familyHasIdentifier( ImageFamily family, std::uint8_t identifier ) {
    return familyRow( family ).identifiers.find( static_cast<char>( identifier ) ) !=
           std::string_view::npos;

@@ -16,8 +16,10 @@ enum class ImageForm { binary, hexDump, labelled };
 /// a real one.
 enum class ImageFamily { automatic, sfp };
 
-/// The name of a family as users write it.
+/// The name of a family as users write it, those of all real ones, and the one of that name.
 [[nodiscard]] std::string_view familyName( ImageFamily family );
+[[nodiscard]] std::vector<std::string> familyNames();
+[[nodiscard]] ImageFamily familyOfName( std::string_view name );
 
 /// Whether byte 0 of a family's modules can have that value.
 [[nodiscard]] bool familyHasIdentifier( ImageFamily family, std::uint8_t identifier );
