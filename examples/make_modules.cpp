@@ -234,6 +234,24 @@ SfpImageBuilder badChecksum() {
    return sfp.bit( "warningFlags", "Rx power low" ).checksumBroken( "storedCcExt" );
 }
 
+/// Too hot, and the fibre to its receiver is out.
+SfpImageBuilder alarmed() {
+   SfpImageBuilder sfp = module( oakfiber, "OF-10G-LR", "OF24100009" );
+   line( sfp, lc, encoding64b66b, 10300 );
+   wavelength( sfp, 1310 );
+   sfp.bit( "compliance", "10GBASE-LR" ).value( "length9umKm", 10 ).value( "length9um100m", 10000 );
+   internalDiagnostics( sfp, 78.25, 3.124, { 85, 15, 80, 20, 82.7 },
+                        power( 3.5, -12.2, 0.5, -8.2, -2.75 ),
+                        power( 2.5, -18.4, 0.5, -14.4, -31.5 ) );
+   return sfp.bit( "domStatusBits", "Rx LOS" )
+      .bit( "alarmFlags", "temperature high" )
+      .bit( "alarmFlags", "Rx power low" )
+      .bit( "warningFlags", "temperature high" )
+      .bit( "warningFlags", "voltage low" )
+      .bit( "warningFlags", "Tx bias high" )
+      .bit( "warningFlags", "Rx power low" );
+}
+
 std::string hex( size_t byte ) {
    constexpr char const * digits = "0123456789abcdef";
    return { digits[byte >> 4 & 15], digits[byte & 15] };
@@ -287,6 +305,7 @@ int main( int argc, char ** argv ) {
       { "1000base-bx10-u", "1000BASE-BX10, upstream end of a single fibre", gigabitBidi() },
       { "bad-checksum", "1000BASE-SX whose extended checksum is wrong, with a weak signal",
         badChecksum() },
+      { "alarms", "10GBASE-LR that is too hot and receives no light", alarmed() },
    };
    for ( Example const & example : examples ) {
       if ( !write( argv[1], example ) ) {

@@ -53,9 +53,18 @@ SfpImageBuilder sr() {
       .bit( "diagsMonitoringType", "received power is average power" )
       .bit( "enhancedOptions", "alarm and warning flags" )
       .raw( "revision", 8 )
+      .value( "domTempLowAlarm", -5 )
+      .value( "domTempLowWarn", 0 )
+      .value( "domTempHighWarn", 36 )
       .value( "domTempHighAlarm", 75 )
       .value( "domTemperature", 36.5 )
-      .value( "domTxPower", 0.5 );
+      .value( "domSupplyVoltage", 3.3 )
+      .value( "domTxPower", 0.5 )
+      .value( "domRxPowerHighAlarm", 1 )
+      .bit( "domStatusBits", "Tx disable state" )
+      .bit( "domStatusBits", "RS1 state" )
+      .bit( "alarmFlags", "Rx power low" )
+      .bit( "warningFlags", "temperature high" );
 }
 
 SfpImageBuilder cable() {
@@ -83,7 +92,7 @@ TEST_F( ToolTest, ShowOfOneModule ) {
               R"(   Identifier            : 0x03 (SFP, SFP+ or SFP28)
    Extended identifier   : 0x04 (2-wire interface ID only)
    Connector             : 0x07 (LC)
-   Media type            : xcvr10GBaseSr
+   Media type            : 10GBASE-SR (xcvr10GBaseSr)
    Vendor name           : Harbour Optics
    Vendor part number    : HO-10G-SR
    Vendor serial number  : HO24110042
@@ -105,9 +114,19 @@ TEST_F( ToolTest, ShowOfOneModule ) {
                            received power is average power
    Enhanced options      : alarm and warning flags
    SFF-8472 revision     : 0x08 (12.3)
+   Capabilities          : 1 channel
+   Status bits           : Tx disabled, rate select 1
+   Alarms and warnings   : temperature high warning, Rx power low alarm
    Checksum, base        : page a0h, stored 0x71, computed 0x71, valid
    Checksum, extended    : page a0h, stored 0xa1, computed 0xa1, valid
-   Checksum, diagnostics : page a2h, stored 0x4b, computed 0x4b, valid
+   Checksum, diagnostics : page a2h, stored 0xa1, computed 0xa1, valid
+
+   Monitor                         Value Low alarm  Low warn High warn High alarm
+   Temperature                  36.50 °C     -5.00      0.00     36.00      75.00  high warning
+   Supply voltage               3.3000 V    0.0000    0.0000    0.0000     0.0000
+   Tx bias                      0.000 mA     0.000     0.000     0.000      0.000
+   Tx power        0.5000 mW / -3.01 dBm         -         -         -          -
+   Rx power         0.0000 mW / -inf dBm      -inf      -inf      -inf       0.00
 )" );
 }
 
@@ -127,6 +146,8 @@ TEST_F( ToolTest, ShowFacts ) {
           { "Vendor name", "(blank)" },
           { "Date code", "(blank)" },
           { "Options", "none" },
+          { "Electrical attenuation", "9.6 dB" },
+          { "Status bits", "(no Status bits)" },
           { "Checksum, diagnostics", "(no Checksum, diagnostics)" } } },
       { cable().bit( "compliance", "active cable" ).value( "lengthOm3", 50 ),
         { { "Active cable compliance", "0x0100" },
@@ -167,6 +188,30 @@ TEST_F( ToolTest, ShowFacts ) {
         { { "Bit rate", "25750 MBd" },
           { "Bit rate, maximum", "(no Bit rate, maximum)" },
           { "Bit rate, minimum", "(no Bit rate, minimum)" } } },
+      { SfpImageBuilder().bit( "diagsMonitoringType", "digital diagnostics" ),
+        { { "Monitors", "not calibrated" } } },
+      { sr().a2hMissing(),
+        { { "Monitors", "advertised, but the image lacks page a2h up to byte 117" } } },
+      { cable(), { { "Monitors", "(no Monitors)" } } },
+      // A module that implements no flags: what stands there is none.
+      { sr().raw( "enhancedOptions", 0 ),
+        { { "Status bits", "Tx disabled, rate select 1" },
+          { "Alarms and warnings", "(no Alarms and warnings)" } } },
+      { sr()
+           .raw( "identifier", 11 )
+           .bit( "compliance", "10GBASE-ER" )
+           .value( "length9umKm", 80 )
+           .bit( "options", "tunable transmitter" )
+           .raw( "tuningPageSelect", 2 )
+           .value( "tuningFirstFrequencyTHz", 191 )
+           .value( "tuningFirstFrequencyGHz", 300 )
+           .value( "tuningLastFrequencyTHz", 196 )
+           .value( "tuningGridSpacingGHz", 25 )
+           .raw( "tuningChannel", 37 ),
+        { { "Capabilities", "1 channel, tunable wavelength" },
+          { "Tuning range", "191300 to 196000 GHz" },
+          { "Grid spacings", "100 GHz, 50 GHz, 25 GHz" },
+          { "Tuned channel", "37" } } },
       // A code without a name, and bits without one.
       { sr().raw( "connector", 0x7f ).raw( "options", 0x8001 ),
         { { "Connector", "0x7f" }, { "Options", "bit 15, bit 0" } } },
@@ -184,7 +229,7 @@ TEST_F( ToolTest, BadChecksumsAreReportedAndNothingFails ) {
    EXPECT_EQ( run.exitCode, 0 );
    EXPECT_EQ( fact( run.out, "Checksum, base" ), "page a0h, stored 0x71, computed 0x71, valid" );
    EXPECT_EQ( fact( run.out, "Checksum, diagnostics" ),
-              "page a2h, stored 0x4c, computed 0x4b, BAD" );
+              "page a2h, stored 0xa2, computed 0xa1, BAD" );
    // The image ends in front of the stored sum.
    EXPECT_THAT(
       fact( this->run( "show -", binary( sr() ).substr( 0, 300 ) ).out, "Checksum, diagnostics" ),
@@ -210,6 +255,7 @@ TEST_F( ToolTest, JsonOfModules ) {
    EXPECT_EQ( module["identifier"], 3 );
    EXPECT_EQ( module["connectorName"], "LC" );
    EXPECT_EQ( module["mediaType"], "xcvr10GBaseSr" );
+   EXPECT_EQ( module["mediaTypeString"], "10GBASE-SR" );
    EXPECT_EQ( module["vendorInfo"], Json::parse( R"( { "vendorName": "Harbour Optics",
       "vendorPn": "HO-10G-SR", "vendorSn": "\u00b5\u0001\"", "vendorRev": "B2",
       "vendorDateCode": "241107X3" } )" ) );
@@ -235,10 +281,72 @@ TEST_F( ToolTest, JsonOfModules ) {
    EXPECT_EQ( second["date"], nullptr );
    EXPECT_EQ( second["lengths"]["lengthCopper"], 3 );
    ASSERT_EQ( second["checksums"].size(), 2u );
+   EXPECT_EQ( second["electricalPathAttenuation"].get<double>(), 3 * 3.2 );
    Json const & broken = second["checksums"][1];
    EXPECT_EQ( broken["page"], "a0h" );
    EXPECT_EQ( broken["stored"], broken["computed"].get<int>() + 1 );
    EXPECT_EQ( broken["valid"], false );
+}
+
+TEST_F( ToolTest, JsonOfMonitors ) {
+   std::string const bytes = binary( sr() );
+   Json const all = Json::parse( run( "show --json -", bytes ).out );
+   Json const & module = all["modules"][0];
+   Json info = module["domInfo"];
+   ASSERT_EQ( info.size(), 1u );
+   EXPECT_DOUBLE_EQ( info[0]["voltage"].get<double>(), 3.3 );
+   EXPECT_NEAR( info[0]["txPower"].get<double>(), -3.0103, 1e-5 );
+   info[0].erase( "voltage" );
+   info[0].erase( "txPower" );
+   // No light, and what is not monitored, is null; nobody knows when the image was read.
+   EXPECT_EQ( info, Json::parse( R"( [ { "updateTime": null,
+      "calibration": "domCalibrationInternal", "temperature": 36.5, "txBias": 0.0,
+      "rxPower": null, "totalRxPower": null } ] )" ) );
+   EXPECT_EQ( module["domThresholdValid"], true );
+   EXPECT_EQ( module["domThreshold"]["tempLowAlarm"], -5 );
+   EXPECT_EQ( module["domThreshold"]["rxPowerHighAlarm"], 0 );
+   EXPECT_EQ( module["domThreshold"]["rxPowerLowAlarm"], nullptr );
+   EXPECT_EQ( module["capabilities"]["maxChannels"], 1 );
+   EXPECT_EQ( module["capabilities"]["tunableWavelength"], false );
+   EXPECT_EQ( module["statusBits"]["txDisabled"], true );
+   EXPECT_EQ( module["statusBits"]["txFault"], false );
+   EXPECT_EQ( module["domFlags"]["rxPowerLowAlarm"], true );
+   EXPECT_EQ( module["domFlags"]["rxPowerLowWarn"], false );
+   EXPECT_EQ( all["units"]["domInfo"][0]["temperature"], "°C" );
+   EXPECT_EQ( all["units"]["domThreshold"]["rxPowerLowAlarm"], "dBm" );
+   EXPECT_FALSE( all["units"].contains( "domCapabilities" ) );
+
+   // Where the image ends before a block is complete, nothing is made of the part.
+   struct {
+      std::size_t size;
+      bool hasThresholds, hasLiveValues;
+   } const cases[] = { { 256, false, false },
+                       { 256 + 95, false, false },
+                       { 256 + 96, true, false },
+                       { 256 + 117, true, false },
+                       { 256 + 118, true, true } };
+   for ( auto const & row : cases ) {
+      Json const document = Json::parse( run( "show --json -", bytes.substr( 0, row.size ) ).out );
+      Json const & part = document["modules"][0];
+      EXPECT_EQ( part["domThresholdValid"], row.hasThresholds ) << row.size;
+      EXPECT_EQ( part["domThreshold"]["tempLowWarn"] == nullptr, !row.hasThresholds ) << row.size;
+      EXPECT_EQ( part["domInfo"][0]["voltage"] == nullptr, !row.hasLiveValues ) << row.size;
+      EXPECT_EQ( part["statusBits"] == nullptr, !row.hasLiveValues ) << row.size;
+   }
+}
+
+TEST_F( ToolTest, MediaTypes ) {
+   std::string const out = run( "media-types" ).out;
+   EXPECT_EQ( std::ranges::count( out, '\n' ), 1 + 91 );
+   EXPECT_THAT( out, HasSubstr( "\n     11  xcvr2p5GBaseT           2.5GBASE-T          2.5 Gb/s"
+                                "  xcvr10GLinear     no\n" ) );
+   EXPECT_THAT( out, HasSubstr( "  xcvr10GBaseDwdmEr       10G-DWnnnnER  " ) );
+   Json const all = Json::parse( run( "media-types --json" ).out );
+   EXPECT_EQ( all["schema"], 1 );
+   ASSERT_EQ( all["mediaTypes"].size(), 91u );
+   EXPECT_EQ( all["mediaTypes"][39], Json::parse( R"( { "code": 39, "mediaType": "xcvr100BaseFx",
+      "mediaTypeString": "100BASE-FX", "bitrateKbps": 100000,
+      "electricalInterface": "xcvr100MMiiBaseFx", "optical": true } )" ) );
 }
 
 TEST_F( ToolTest, ABadFileDoesNotStopTheOthers ) {
@@ -313,7 +421,16 @@ TEST_F( ToolTest, HexdumpOfOverloadedBytes ) {
       AllOf( HasSubstr( "\n 13 0d  00 50                    (dwdmLength)               80 km\n" ),
              Not( HasSubstr( "tuningChannel" ) ) ) );
    EXPECT_THAT( run( "hexdump -", binary( dwdm.raw( "tuningPageSelect", 2 ) ) ).out,
-                HasSubstr( " tuningChannel              37\n" ) );
+                HasSubstr( "\n144 90  00 25                    tuningChannel              37\n" ) );
+   // The tuning page as a page of its own, while A2h shows another one (linear: A0h, A2h, 01h, 02h).
+   std::string const tuningPage = dwdm.a2h().substr( 128 );
+   std::string const paged =
+      binary( dwdm.raw( "tuningPageSelect", 1 ) ) + std::string( 128, '\0' ) + tuningPage;
+   EXPECT_THAT(
+      run( "hexdump -", paged ).out,
+      ContainsRegex( "\nPage 02h, 128 bytes\n[^P]*\n144 90  00 25 +tuningChannel +37\n" ) );
+   EXPECT_THAT( run( "hexdump -", paged.substr( 0, 640 ) ).out,
+                Not( HasSubstr( "tuningChannel" ) ) );
 }
 
 TEST_F( ToolTest, HexdumpOfExternalCalibration ) {
@@ -352,6 +469,7 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
    std::minstd_rand random( 1 );
    for ( int round = 0; round < 200; ++round ) {
       XcvrTool::ModuleImage image;
+      image.family = XcvrTool::ImageFamily::sfp;
       std::size_t const sizes[] = { 96 + random() % 161, random() % 257, random() % 129 };
       char const * const labels[] = { "a0h", "a2h", "02h" };
       std::size_t total = 0;
@@ -366,7 +484,8 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
             total += bytes.size();
          }
       }
-      std::string const dump = XcvrTool::hexdumpText( image, {} );
+      std::unique_ptr<XcvrTool::Module> const module = XcvrTool::moduleOf( image );
+      std::string const dump = XcvrTool::hexdumpText( *module, {} );
       ASSERT_EQ( bytesShown( dump ), total ) << dump;
       std::istringstream lines( dump );
       for ( std::string line; std::getline( lines, line ); ) {
@@ -374,9 +493,10 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
       }
       // The other commands take the same memory.
       XcvrTool::Json units;
-      EXPECT_FALSE( XcvrTool::showJson( image, units ).dump().empty() );
-      EXPECT_THAT( XcvrTool::showText( image, {} ), Not( ContainsRegex( "[^ -~\n]" ) ) );
-      EXPECT_THAT( XcvrTool::explainText( image, {} ), HasSubstr( " yes: " ) );
+      EXPECT_FALSE( XcvrTool::showJson( *module, units ).dump().empty() );
+      EXPECT_THAT( XcvrTool::showText( *module, {} ), Not( ContainsRegex( "[^ -~°\n]" ) ) );
+      EXPECT_THAT( XcvrTool::explainText( *module, {} ), HasSubstr( " yes: " ) );
+      EXPECT_THAT( XcvrTool::checkText( *module, {} ), Not( ContainsRegex( "[^ -~°\n]" ) ) );
    }
 }
 
@@ -425,6 +545,9 @@ TEST_F( ToolTest, Usage ) {
       { "show --help", 0, "Example:", "^$" },
       { "", 2, "^$", "subcommand" },
       { "sing sr", 2, "^$", "xcvr: .*" },
+      { "media-types sr", 2, "^$", "xcvr: .*sr" },
+      { "show \"--$( printf 'b\\033[2J\\nx' )\" sr", 2, "^$",
+        "^xcvr: [^\n\x1b]*--b\\?\\[2J\\?x[^\n]*\n$" },
       { "show", 2, "^$", "FILE is required" },
       { "show --colour sr", 2, "^$", "--colour" },
       { "explain --json sr", 2, "^$", "--json" },
@@ -458,6 +581,32 @@ TEST_F( ToolTest, AnyInputForm ) {
    }
 }
 
+TEST_F( ToolTest, ADumpThatLooksCutIsWarnedAbout ) {
+   file( "sr", binary( sr() ) );
+   struct {
+      char const * command;
+      bool warned;
+   } const cases[] = {
+      { "od -Ax -v -tx1 sr", false },
+      { "od -Ax -v -tx1 sr | head -c 1500 | grep -o '.*[^ ]' | sed '$d'", false },
+      { "od -Ax -v -tx1 sr | sed '20s/ ..$//' | head -20", true },
+      { "od -Ax -v -tx1 sr | sed '20s/ .. ..$//' | head -20 | sed 's/^/0x/; s/ /: /'", true },
+      { "( echo '[a0h]'; od -Ax -v -tx1 sr | sed 's/ /: /; 12s/ ..$//' | head -12 )", true },
+      { "( echo '[a0h]'; od -Ax -v -tx1 sr | sed 's/ /: /' | head -16 )", false },
+      // Without offsets nobody knows the width of the lines.
+      { "od -An -v -tx1 sr | sed '20s/ ..$//' | head -20", false },
+      // A read of a number of bytes that somebody chose ends with the page.
+      { "od -Ax -v -tx1 -w24 sr | head -6 | sed '6s/\\( ..\\)\\{16\\}$//'", false },
+   };
+   for ( auto const & row : cases ) {
+      ToolRun const run = shell( std::string( row.command ) + " | xcvr show -" );
+      EXPECT_EQ( run.exitCode, 0 ) << run.err;
+      EXPECT_THAT( run.out, HasSubstr( "10GBASE-SR" ) ) << row.command;
+      EXPECT_EQ( run.err.starts_with( "xcvr: <stdin>: warning: the last line " ), row.warned )
+         << row.command << run.err;
+   }
+}
+
 TEST_F( ToolTest, HostileInputs ) {
    std::string const whole = binary( sr() );
    struct {
@@ -473,7 +622,7 @@ TEST_F( ToolTest, HostileInputs ) {
       { "an empty section", "[a0h]\r\n" },
    };
    for ( auto const & row : cases ) {
-      for ( std::string const command : { "show", "show --json", "hexdump", "explain" } ) {
+      for ( std::string const command : { "show", "show --json", "hexdump", "explain", "check" } ) {
          ToolRun const run = this->run( command + " -", row.content );
          EXPECT_EQ( run.exitCode, 3 ) << row.name;
          EXPECT_THAT( run.err, StartsWith( "xcvr: <stdin>: " ) ) << row.name;
@@ -533,13 +682,21 @@ TEST_F( ToolTest, ColourOnATerminalOnly ) {
    EXPECT_THAT( onTerminal( "NO_COLOR=1 " + command ),
                 AllOf( HasSubstr( "BAD" ), Not( HasSubstr( "\x1b" ) ) ) );
    EXPECT_THAT( run( "show bad" ).out, AllOf( HasSubstr( "BAD" ), Not( HasSubstr( "\x1b" ) ) ) );
+   // The place between the limits is a picture for people, colours or not.
+   std::string const terminal = onTerminal( "NO_COLOR=1 " + command );
+   EXPECT_THAT( terminal, HasSubstr( "36.00      75.00  --|---------*--" ) );
+   EXPECT_THAT( terminal, Not( HasSubstr( "\x1b" ) ) );
+   EXPECT_THAT( onTerminal( "unset NO_COLOR; " + command ),
+                HasSubstr( "\x1b[33m--|---------*--\x1b[0m" ) );
+   EXPECT_THAT( onTerminal( "unset NO_COLOR; '" XCVR_TOOL_PATH "' check '" + path + "'" ),
+                HasSubstr( "\x1b[31mchecksum\x1b[0m: " ) );
 }
 
 TEST_F( ToolTest, ExamplesAreDecoded ) {
    ToolRun const run = this->run( "show --json '" XCVR_SOURCE_DIR "'/examples/modules/*.txt" );
    EXPECT_EQ( run.exitCode, 0 ) << run.err;
    Json const modules = Json::parse( run.out )["modules"];
-   EXPECT_GE( modules.size(), 8u );
+   EXPECT_GE( modules.size(), 9u );
    std::size_t bad = 0;
    for ( Json const & module : modules ) {
       EXPECT_NE( module["mediaType"], "xcvrUnknown" ) << module["file"];
@@ -562,7 +719,7 @@ std::set<std::string> allMatches( std::string const & text, char const * pattern
 
 TEST_F( ToolTest, HelpManPageAndCompletionHaveTheSameOptions ) {
    std::string const help = run( "--help" ).out;
-   std::set<std::string> const commands = allMatches( help, "\n  ([a-z]+)  " );
+   std::set<std::string> const commands = allMatches( help, "\n  ([a-z][a-z-]+)  " );
    std::set<std::string> options = allMatches( help, "[ ,](--[a-z]+) " );
    std::string const completion =
       ". '" XCVR_SOURCE_DIR "/tools/xcvr/completion/xcvr.bash'; COMP_WORDS=( xcvr ";
@@ -571,7 +728,7 @@ TEST_F( ToolTest, HelpManPageAndCompletionHaveTheSameOptions ) {
                            "; _xcvr; echo \" ${COMPREPLY[*]} \"" );
       return shell( "bash complete" ).out;
    };
-   EXPECT_EQ( allMatches( completed( "''", 1 ), "([a-z]+) " ), commands );
+   EXPECT_EQ( allMatches( completed( "''", 1 ), "([a-z][a-z-]+) " ), commands );
    EXPECT_EQ( allMatches( completed( "-", 1 ), "(--[a-z]+) " ), options );
    for ( std::string const & command : commands ) {
       std::set<std::string> const own =
@@ -590,7 +747,7 @@ TEST_F( ToolTest, HelpManPageAndCompletionHaveTheSameOptions ) {
       }
       return names;
    }() );
-   EXPECT_EQ( allMatches( manual, "\n\\.It Cm ([a-z]+)" ), commands );
+   EXPECT_EQ( allMatches( manual, "\n\\.It Cm ([a-z][a-z-]+)" ), commands );
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // The `hexdump` command. Where fields lie it knows from the library's field table only.
 #include "tools/xcvr/Commands.h"
 #include "tools/xcvr/FieldText.h"
-#include "tools/xcvr/SfpReport.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -92,14 +91,11 @@ bool isPlain( MemoryField const & field ) {
 }
 
 /// The bytes of a page with the fields that mean something in this module.
-std::string dumpOf( std::string const & label, std::string const & bytes,
-                    Xcvr::XcvrSff8472IdEepromContents const & contents ) {
-   // Pages beside A0h and A2h are upper pages: the upper half of a device.
-   bool const isDevice = label == Xcvr::Sff8472Table::a0h || label == Xcvr::Sff8472Table::a2h;
-   PageDump dump( bytes, isDevice ? 0 : Xcvr::Sff8472Table::pageSize / 2 );
+std::string dumpOf( std::string_view bytes, PageLayout const & layout ) {
+   PageDump dump( bytes, layout.firstAddress );
    std::size_t done = 0;
-   for ( MemoryField const & field : Xcvr::sff8472Fields() ) {
-      if ( field.page != label || field.at >= bytes.size() || !contents.fieldInUse( field ) ) {
+   for ( MemoryField const & field : layout.fields ) {
+      if ( field.at >= bytes.size() ) {
          continue;
       }
       // Another reading of bytes that are already there stands in parentheses.
@@ -121,18 +117,17 @@ std::string dumpOf( std::string const & label, std::string const & bytes,
 
 } // namespace
 
-std::string hexdumpText( ModuleImage const & image, Style const & style ) {
-   Xcvr::XcvrSff8472IdEepromContents const contents = sfpContents( image );
+std::string hexdumpText( Module const & module, Style const & style ) {
    std::string text;
-   for ( auto const & [label, bytes] : image.pages ) {
-      bool const isRaw = label == Xcvr::Sff8472Table::a2h && contents.domExternallyCalibrated();
+   for ( auto const & [label, bytes] : module.image().pages ) {
+      PageLayout const layout = module.layoutOf( label );
       std::string const heading =
-         fmt::format( "Page {}, {} byte{}{}", label, bytes.size(), bytes.size() == 1 ? "" : "s",
-                      isRaw ? ", monitors and thresholds before calibration" : "" );
+         fmt::format( "Page {}, {} byte{}{}{}", label, bytes.size(), bytes.size() == 1 ? "" : "s",
+                      layout.remark.empty() ? "" : ", ", layout.remark );
       text += fmt::format( "{}{}\n", text.empty() ? "" : "\n", style.heading( heading ) );
       text += fmt::format( "{:6}  {:{}}  {:{}}  {}\n", "Byte", "Contents", bytesWidth, "Field",
                            nameWidth, "Value" );
-      text += dumpOf( label, bytes, contents );
+      text += dumpOf( bytes, layout );
    }
    return text;
 }

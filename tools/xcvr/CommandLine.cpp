@@ -1,7 +1,7 @@
 #include "tools/xcvr/CommandLine.h"
 
 #include "tools/xcvr/Commands.h"
-#include "tools/xcvr/ModuleImage.h"
+#include "tools/xcvr/Module.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fmt/format.h>
+#include <memory>
 #include <sstream>
 #include <unistd.h>
 
@@ -19,29 +20,34 @@ namespace XcvrTool {
 
 namespace {
 
-enum ExitCode { exitDone = 0, exitUsage = 2, exitInput = 3 };
+enum ExitCode { exitDone = 0, exitFindings = 1, exitUsage = 2, exitInput = 3 };
 
+/// A command that looks at modules.
 struct Command {
    char const * name;
    char const * purpose;
    char const * example;
-   std::string ( *text )( ModuleImage const &, Style const & );
-   Json ( *json )( ModuleImage const &, Json & units ); // null: no --json
+   std::string ( *text )( Module const &, Style const & );
+   Json ( *json )( Module const &, Json & units ) = nullptr; // null: no --json
+   /// Null: a module is what it is. Such a command names each module above what it says of it.
+   bool ( *hasFindings )( Module const & ) = nullptr;
 };
 
 constexpr Command commands[] = {
-   { "show", "Decode module images: identity, media type, reach, options, checksums",
+   { "show", "Decode module images: identity, media type, monitors, thresholds, checksums",
      "ethtool -m eth0 hex on | xcvr show -\n"
      "  xcvr show --json module.bin | jq -r '.modules[].vendorInfo.vendorPn'",
      showText, showJson },
    { "hexdump", "Print module memory with each field's name and value beside its bytes",
-     "xcvr hexdump module.bin", hexdumpText, nullptr },
+     "xcvr hexdump module.bin", hexdumpText },
    { "explain", "Say which rule chose the media type, and which were tried before it",
-     "xcvr explain module.bin", explainText, nullptr },
+     "xcvr explain module.bin", explainText },
+   { "check", "Report what is wrong with module images, a finding a line",
+     "xcvr check *.bin && echo all is well", checkText, checkJson, hasFindings },
 };
 
 struct Arguments {
-   Command const * command = nullptr;
+   Command const * command = nullptr; // null: media-types
    std::vector<std::string> files;
    ImageFamily family = ImageFamily::automatic;
    bool json = false;
@@ -72,6 +78,10 @@ void complain( std::string const & text ) {
    std::fputs( ( "xcvr: " + text + '\n' ).c_str(), stderr );
 }
 
+void describeJson( CLI::App & command, Arguments & arguments ) {
+   command.add_flag( "--json", arguments.json, "Print JSON, for programs" );
+}
+
 void describeArguments( CLI::App & app, Arguments & arguments ) {
    app.name( "xcvr" );
    app.description( "Decodes the management memory of pluggable transceivers (SFP, SFP+, SFP28)." );
@@ -83,78 +93,104 @@ void describeArguments( CLI::App & app, Arguments & arguments ) {
       "hexdump -C, xxd, i2cdump, plain hex) or a labelled image ([a0h] and [a2h] above\n"
       "hex bytes); - is standard input.\n\n"
       "Example:\n  xcvr show module.bin\n\n"
-      "Exit code: 0 done, 2 wrong usage, 3 an input could not be read or the results not\n"
-      "written. See xcvr COMMAND --help and man xcvr." );
+      "Exit code: 0 done, 1 done and check has findings, 2 wrong usage, 3 an input could not\n"
+      "be read or the results not written. See xcvr COMMAND --help and man xcvr." );
    for ( Command const & command : commands ) {
       CLI::App & sub = *app.add_subcommand( command.name, command.purpose );
       sub.add_option( "FILE", arguments.files, "Module images; - is standard input" )
          ->required()
          ->type_name( "" );
-      sub.add_option( "--family", "Kind of module, instead of finding out: sfp" )
+      sub.add_option_function<std::string>(
+            "--family",
+            [&arguments]( std::string const & name ) { arguments.family = familyOfName( name ); },
+            "Kind of module, instead of finding out: " + joined( familyNames() ) )
          ->type_name( "KIND" )
-         ->check( CLI::IsMember( { "sfp" } ).description( "" ) )
-         ->each( [&arguments]( std::string const & ) { arguments.family = ImageFamily::sfp; } );
+         ->check( CLI::IsMember( familyNames() ).description( "" ) );
       if ( command.json ) {
-         sub.add_flag( "--json", arguments.json, "Print JSON, for programs" );
+         describeJson( sub, arguments );
       }
       sub.footer( fmt::format( "Example:\n  {}", command.example ) );
       sub.callback( [&arguments, &command] { arguments.command = &command; } );
    }
+   CLI::App & mediaTypes = *app.add_subcommand(
+      "media-types", "List the media types: code, name, text, speed, interface" );
+   describeJson( mediaTypes, arguments );
+   mediaTypes.footer( "Example:\n  xcvr media-types | grep 25GBASE" );
 }
 
-/// Calls `visit` with each image that can be read and complains about the others. False if there
-/// are such.
+/// Calls `visit` with each module that can be read and complains about the others. Gives the exit
+/// code.
 template <typename Visit>
-bool forEachImage( Arguments const & arguments, Output & output, Visit visit ) {
-   bool allRead = true;
+ExitCode forEachModule( Arguments const & arguments, Output & output, Visit visit ) {
+   ExitCode code = exitDone;
+   auto const say = [&output]( std::string const & text ) {
+      output.flush(); // so that both streams keep their order on a terminal
+      complain( text );
+   };
    for ( std::string const & file : arguments.files ) {
       try {
-         visit( readImage( file, arguments.family ) );
+         std::unique_ptr<Module> const module = moduleOf( readImage( file, arguments.family ) );
+         for ( std::string const & warning : module->image().warnings ) {
+            say( fmt::format( "{}: warning: {}", shownFileName( module->image().file ), warning ) );
+         }
+         visit( *module );
+         if ( auto const hasFindings = arguments.command->hasFindings;
+              hasFindings && hasFindings( *module ) ) {
+            code = std::max( code, exitFindings );
+         }
       } catch ( ImageError const & error ) {
-         output.flush(); // so that both streams keep their order on a terminal
-         complain( error.what() );
-         allRead = false;
+         say( error.what() );
+         code = exitInput;
       }
    }
-   return allRead;
+   return code;
 }
 
-bool printText( Arguments const & arguments, Output & output ) {
+Style styleOfOutput() {
+   bool const isTerminal = isatty( STDOUT_FILENO );
    char const * const noColor = std::getenv( "NO_COLOR" );
-   Style const style{ .colour = isatty( STDOUT_FILENO ) && !( noColor && *noColor ) };
+   return { .terminal = isTerminal, .colour = isTerminal && !( noColor && *noColor ) };
+}
+
+ExitCode printText( Arguments const & arguments, Output & output ) {
+   Style const style = styleOfOutput();
+   bool const hasHeadings = arguments.files.size() > 1 && !arguments.command->hasFindings;
    bool isFirst = true;
-   return forEachImage( arguments, output, [&]( ModuleImage const & image ) {
-      if ( arguments.files.size() > 1 ) {
-         output.write( ( isFirst ? "" : "\n" ) + style.heading( shownFileName( image.file ) ) +
-                       '\n' );
+   return forEachModule( arguments, output, [&]( Module const & module ) {
+      if ( hasHeadings ) {
+         output.write( ( isFirst ? "" : "\n" ) +
+                       style.heading( shownFileName( module.image().file ) ) + '\n' );
       }
-      output.write( arguments.command->text( image, style ) );
+      output.write( arguments.command->text( module, style ) );
       isFirst = false;
    } );
 }
 
-bool printJson( Arguments const & arguments, Output & output ) {
+/// ASCII only: whatever bytes a module holds, they do nothing to a terminal.
+std::string document( Json const & json ) {
+   return json.dump( 2, ' ', true ) + '\n';
+}
+
+ExitCode printJson( Arguments const & arguments, Output & output ) {
    Json units = Json::object();
    Json modules = Json::array();
-   bool const allRead = forEachImage( arguments, output, [&]( ModuleImage const & image ) {
-      modules.push_back( arguments.command->json( image, units ) );
+   ExitCode const code = forEachModule( arguments, output, [&]( Module const & module ) {
+      modules.push_back( arguments.command->json( module, units ) );
    } );
-   Json const all = { { "schema", 1 }, { "units", units }, { "modules", modules } };
-   // ASCII only: whatever bytes a module holds, they do nothing to a terminal.
-   output.write( all.dump( 2, ' ', true ) + '\n' );
-   return allRead;
+   output.write( document( { { "schema", 1 }, { "units", units }, { "modules", modules } } ) );
+   return code;
 }
 
 /// What CLI11 says about wrong arguments, or about --help and --version.
-int sayUsage( CLI::App const & app, CLI::ParseError const & error, Output & output ) {
+ExitCode sayUsage( CLI::App const & app, CLI::ParseError const & error, Output & output ) {
    std::ostringstream out;
    std::ostringstream err;
-   int const code = app.exit( error, out, err );
-   output.write( out.str() );
-   if ( code == 0 ) {
+   if ( app.exit( error, out, err ) == 0 ) {
+      output.write( out.str() );
       return exitDone;
    }
-   std::fputs( ( "xcvr: " + err.str() ).c_str(), stderr );
+   // What it quotes of the arguments may hold anything.
+   complain( shownFileName( error.what() ) + "; see xcvr --help" );
    return exitUsage;
 }
 
@@ -169,7 +205,7 @@ std::vector<std::string> wordsOf( int argc, char const * const * argv ) {
    return words;
 }
 
-int runCommand( int argc, char const * const * argv, Output & output ) {
+ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
    CLI::App app;
    Arguments arguments;
    describeArguments( app, arguments );
@@ -182,9 +218,12 @@ int runCommand( int argc, char const * const * argv, Output & output ) {
       complain( "standard input (-) can be read only once; name it once" );
       return exitUsage;
    }
-   bool const allRead =
-      arguments.json ? printJson( arguments, output ) : printText( arguments, output );
-   return allRead ? exitDone : exitInput;
+   if ( !arguments.command ) {
+      output.write( arguments.json ? document( mediaTypesJson() )
+                                   : mediaTypesText( styleOfOutput() ) );
+      return exitDone;
+   }
+   return arguments.json ? printJson( arguments, output ) : printText( arguments, output );
 }
 
 } // namespace
@@ -193,7 +232,7 @@ int run( int argc, char const * const * argv ) {
    // A reader that has seen enough (head, less) ends the program quietly, whatever it inherited.
    std::signal( SIGPIPE, SIG_DFL );
    Output output;
-   int const code = runCommand( argc, argv, output );
+   ExitCode const code = runCommand( argc, argv, output );
    output.flush();
    if ( output.error() ) {
       complain( fmt::format( "cannot write the results ({}); make room or write elsewhere",

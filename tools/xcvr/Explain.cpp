@@ -1,5 +1,5 @@
 #include "tools/xcvr/Commands.h"
-#include "tools/xcvr/SfpReport.h"
+#include "tools/xcvr/StatusReport.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -7,9 +7,24 @@
 
 namespace XcvrTool {
 
-std::string explainText( ModuleImage const & image, Style const & style ) {
-   Xcvr::MediaTypeDecision const decision = sfpContents( image ).mediaTypeDecision();
-   std::span<Xcvr::MediaTypeRule const> const rules = Xcvr::sff8472MediaTypeRules();
+namespace {
+
+/// What tells the kind of module, whichever of its items, and what the rules read beside it.
+Report kindReport( Module const & module ) {
+   Report report;
+   module.form( report );
+   addProduct( report, module.status() );
+   module.medium( report );
+   module.options( report );
+   module.ruleInputs( report );
+   return report;
+}
+
+} // namespace
+
+std::string explainText( Module const & module, Style const & style ) {
+   Xcvr::MediaTypeDecision const decision = module.mediaTypeDecision();
+   std::span<Xcvr::MediaTypeRule const> const rules = module.mediaTypeRules();
    std::string const mediaType( stringValue( decision.mediaType ).view() );
    std::size_t whyWidth = 0;
    for ( Xcvr::MediaTypeRule const & rule : rules ) {
@@ -20,7 +35,7 @@ std::string explainText( ModuleImage const & image, Style const & style ) {
       fmt::format( "   {}: rule {} of {} matches: {}\n\n", style.heading( mediaType ),
                    decision.rule + 1, rules.size(), decision.why );
    text += fmt::format( "{}\n", style.heading( "   What the module says of itself" ) );
-   text += textForm( sfpKindReport( image ), style );
+   text += textForm( kindReport( module ), style );
    text += fmt::format( "\n{}\n", style.heading( fmt::format( "   {:>4}  {:{}}  Result", "Rule",
                                                               "Asks for", whyWidth ) ) );
    for ( std::size_t i = 0; i <= decision.rule; ++i ) {

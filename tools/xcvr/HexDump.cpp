@@ -103,7 +103,7 @@ class DumpReader {
    explicit DumpReader( std::size_t limit ) : limit_( limit ) {}
 
    void read( Line const & line );
-   std::string end() const;
+   HexDump end() const;
 
  private:
    enum class Offsets { none, colon, bare };
@@ -117,7 +117,8 @@ class DumpReader {
 
    std::size_t limit_;
    std::string bytes_;
-   std::string lastLine_;           // bytes of the line before, for "*"
+   std::string lastLine_; // bytes of the line before, for "*"
+   LineWidths widths_;
    std::optional<Line> repetition_; // a "*" whose end is not yet known
    bool layoutIsKnown_ = false;
    Offsets offsets_ = Offsets::none;
@@ -229,14 +230,17 @@ void DumpReader::read( Line const & line ) {
    std::size_t const before = bytes_.size();
    appendTokens( line, hex, bytes_ );
    lastLine_ = bytes_.substr( before );
+   // A dump may end with an offset alone, that of its end.
+   if ( offsets_ != Offsets::none && !lastLine_.empty() )
+      widths_.add( line, lastLine_.size() );
 }
 
-std::string DumpReader::end() const {
+HexDump DumpReader::end() const {
    if ( repetition_ )
       throw InputProblem(
          "the dump ends with \"*\", which does not say how many lines it stands for",
          lineText( *repetition_ ), dumpAgain );
-   return bytes_;
+   return { bytes_, widths_ };
 }
 
 } // namespace
@@ -249,7 +253,7 @@ bool appendHexBytes( Line const & line, std::string_view text, std::string & byt
    return offset.has_value();
 }
 
-std::string hexDumpBytes( std::string_view text, std::size_t limit ) {
+HexDump readHexDump( std::string_view text, std::size_t limit ) {
    DumpReader reader( limit );
    Lines lines( text );
    while ( auto const line = lines.next() )

@@ -138,6 +138,11 @@ std::size_t pageSize( std::string_view label ) {
    return digits == 2 && isUpperPage ? halfSize : 0;
 }
 
+/// The number of the last line of some bytes if it looks cut; else 0.
+std::size_t cutLineOf( LineWidths const & widths, std::size_t size ) {
+   return size % halfSize != 0 ? widths.shortLine() : 0;
+}
+
 /// Reads a labelled image line by line.
 class LabelledReader {
  public:
@@ -146,6 +151,10 @@ class LabelledReader {
    [[nodiscard]] Pages const & pages() const { return pages_; }
    /// Refuses sections that modules of the family do not have.
    void checkSectionsFit( Family const & family ) const;
+   /// Whether the last section ends within a line; the number of that line, else 0.
+   [[nodiscard]] std::size_t cutLine() const {
+      return section_ ? cutLineOf( widths_, section_->second.size() ) : 0;
+   }
 
  private:
    void sectionIs( Line const & line, std::string_view header );
@@ -155,6 +164,7 @@ class LabelledReader {
    Pages::value_type * section_ = nullptr;             // where bytes go
    std::vector<std::pair<std::string, Line>> headers_; // in the order of the text
    bool lastLineHasOffset_ = false;                    // a cut offset would pass for bytes
+   LineWidths widths_;                                 // of the section's lines with offsets
 };
 
 void LabelledReader::read( Line const & line ) {
@@ -167,7 +177,10 @@ void LabelledReader::read( Line const & line ) {
       return;
    }
    auto & [label, bytes] = *section_; // the first line that says anything is a header
+   std::size_t const before = bytes.size();
    bool const hasOffset = appendHexBytes( line, content, bytes );
+   if ( hasOffset )
+      widths_.add( line, bytes.size() - before );
    if ( lastLineHasOffset_ && !hasOffset && !line.hasEnd )
       throw InputProblem( "the text ends inside a line: its offset is not complete",
                           lineText( line ), "the image looks cut: make it again" );
@@ -193,6 +206,7 @@ void LabelledReader::sectionIs( Line const & line, std::string_view header ) {
       throw InputProblem( "a second section [" + label + "]", lineText( line ),
                           "give each page once" );
    section_ = &*section;
+   widths_ = {};
    headers_.emplace_back( label, line );
 }
 
@@ -266,14 +280,18 @@ void readPages( ModuleImage & image, std::string_view content ) {
    bool const isAutomatic = image.family == ImageFamily::automatic;
    std::string_view const text = withoutByteOrderMark( content );
    Family const * family = nullptr;
+   std::size_t cutLine = 0;
    if ( image.form == ImageForm::labelled ) {
       LabelledReader const reader = readLabelled( text );
       family = &( isAutomatic ? familyOfSections( reader.pages() ) : familyRow( image.family ) );
       reader.checkSectionsFit( *family );
       image.pages = reader.pages();
+      cutLine = reader.cutLine();
    } else {
-      std::string const bytes = image.form == ImageForm::hexDump ? hexDumpBytes( text, inputLimit )
-                                                                 : std::string( content );
+      auto const [bytes, widths] = image.form == ImageForm::hexDump
+                                      ? readHexDump( text, inputLimit )
+                                      : HexDump{ std::string( content ), {} };
+      cutLine = cutLineOf( widths, bytes.size() );
       if ( bytes.empty() )
          throw InputProblem( "no bytes of a module",
                              content.empty() ? "the input is empty" : "blank text", acceptedForms );
@@ -282,6 +300,10 @@ void readPages( ModuleImage & image, std::string_view content ) {
    }
    checkIdentification( *family, image.pages );
    image.family = family->family;
+   if ( cutLine != 0 )
+      image.warnings.push_back( "the last line with bytes is shorter than those before (line " +
+                                std::to_string( cutLine ) +
+                                "); if the image was cut there, make it again" );
 }
 
 /// What an open file holds, but no more than one byte beyond the limit: the size that a file claims
@@ -307,6 +329,26 @@ std::string contentOf( std::string const & path ) {
 }
 
 } // namespace
+
+std::string_view familyName( ImageFamily family ) {
+   return familyRow( family ).name;
+}
+
+std::vector<std::string> familyNames() {
+   std::vector<std::string> names;
+   for ( Family const & family : families )
+      names.emplace_back( family.name );
+   return names;
+}
+
+ImageFamily familyOfName( std::string_view name ) {
+   return std::ranges::find( families, name, &Family::name )->family;
+}
+
+bool familyHasIdentifier( ImageFamily family, std::uint8_t identifier ) {
+   return familyRow( family ).identifiers.find( static_cast<char>( identifier ) ) !=
+          std::string_view::npos;
+}
 
 bool PageOrder::operator()( std::string_view left, std::string_view right ) const {
    auto const isNumbered = []( std::string_view label ) {

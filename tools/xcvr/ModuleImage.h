@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace XcvrTool {
 
@@ -13,6 +15,14 @@ enum class ImageForm { binary, hexDump, labelled };
 /// Which kind of module an image is of. `automatic` asks the reader to find out; a ModuleImage has
 /// a real one.
 enum class ImageFamily { automatic, sfp };
+
+/// The name of a family as users write it, those of all real ones, and the one of that name.
+[[nodiscard]] std::string_view familyName( ImageFamily family );
+[[nodiscard]] std::vector<std::string> familyNames();
+[[nodiscard]] ImageFamily familyOfName( std::string_view name );
+
+/// Whether byte 0 of a family's modules can have that value.
+[[nodiscard]] bool familyHasIdentifier( ImageFamily family, std::uint8_t identifier );
 
 /// The order of pages: what a module always shows ("lower", "a0h", "a2h") comes before numbered
 /// pages.
@@ -32,6 +42,9 @@ struct ModuleImage {
    /// an upper page ("02h", with a bank "11h.0"). The upper pages of an SFP are those of its A2h;
    /// "a2h" itself holds whatever page was selected.
    std::map<std::string, std::string, PageOrder> pages;
+
+   /// What looks odd about an input that can be used all the same, one line each.
+   std::vector<std::string> warnings;
 
    /// The bytes of a page; null if the input has none.
    std::string const * page( std::string_view label ) const;
@@ -64,7 +77,8 @@ ModuleImage readImage( std::string const & path, ImageFamily family );
 ///
 /// An image may end early, but not before the identification is complete (96 bytes of A0h). With
 /// the family `automatic` the identifier byte or the labels decide; any other is taken as said. A
-/// section that the family cannot have is refused.
+/// section that the family cannot have is refused. Lines with addresses of which the last one is
+/// shorter than those before, where no page ends, look cut: there is a warning.
 /// Throws ImageError.
 ModuleImage parseImage( std::string name, std::string_view content, ImageFamily family );
 

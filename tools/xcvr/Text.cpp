@@ -40,11 +40,19 @@ std::size_t utf8Length( std::string_view bytes ) {
 } // namespace
 
 std::string Style::heading( std::string_view text ) const {
-   return colour ? "\x1b[1m" + std::string( text ) + "\x1b[0m" : std::string( text );
+   return rendered( text, "\x1b[1m" );
+}
+
+std::string Style::warning( std::string_view text ) const {
+   return rendered( text, "\x1b[33m" );
 }
 
 std::string Style::alarm( std::string_view text ) const {
-   return colour ? "\x1b[31m" + std::string( text ) + "\x1b[0m" : std::string( text );
+   return rendered( text, "\x1b[31m" );
+}
+
+std::string Style::rendered( std::string_view text, std::string_view code ) const {
+   return colour ? std::string( code ) + std::string( text ) + "\x1b[0m" : std::string( text );
 }
 
 std::string_view unpadded( std::string_view text ) {

@@ -10,12 +10,16 @@ namespace XcvrTool {
 /// Results fit into this width wherever a single word does.
 inline constexpr std::size_t lineWidth = 100;
 
-/// Emphasis, where the reader is a person in front of a terminal.
+/// What a person in front of a terminal gets beyond plain text.
 struct Style {
+   bool terminal = false;
    bool colour = false;
 
    [[nodiscard]] std::string heading( std::string_view text ) const;
+   [[nodiscard]] std::string warning( std::string_view text ) const;
    [[nodiscard]] std::string alarm( std::string_view text ) const;
+   /// The text between a terminal's code for its looks and the one that ends them.
+   [[nodiscard]] std::string rendered( std::string_view text, std::string_view code ) const;
 };
 
 /// A text of module memory without the padding behind it: blanks, or the zeros of some vendors.

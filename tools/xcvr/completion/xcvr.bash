@@ -8,7 +8,7 @@ _xcvr() {
 
    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
       case $word in
-      show | hexdump | explain)
+      show | hexdump | explain | check | media-types)
          command=$word
          break
          ;;
@@ -23,15 +23,16 @@ _xcvr() {
    local options='--help'
    case $command in
    '') options+=' --version' ;;
-   show) options+=' --family --json' ;;
+   show | check) options+=' --family --json' ;;
+   media-types) options+=' --json' ;;
    *) options+=' --family' ;;
    esac
 
    if [[ $current == -* ]]; then
       mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
    elif [[ -z $command ]]; then
-      mapfile -t COMPREPLY < <(compgen -W 'show hexdump explain' -- "$current")
-   else
+      mapfile -t COMPREPLY < <(compgen -W 'show hexdump explain check media-types' -- "$current")
+   elif [[ $command != media-types ]]; then
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
    fi

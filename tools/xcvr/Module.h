@@ -1,0 +1,106 @@
+#pragma once
+
+#include "tools/xcvr/ModuleImage.h"
+#include "tools/xcvr/Report.h"
+
+#include <Xcvr/XcvrMediaTypeRules.h>
+#include <Xcvr/XcvrMemoryMap.h>
+#include <Xcvr/XcvrStatus.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A module as the commands see it. They ask the status entity of its slot for all that every family
+// answers, and the class below for what the families have each in their own way. A new family is a
+// subclass and a row in the table of Module.cpp.
+namespace XcvrTool {
+
+/// One checksum of a module's memory.
+struct Checksum {
+   std::string_view name;  // in JSON: "ccBase"
+   std::string_view label; // for people: "base"
+   std::string_view page;
+   std::optional<unsigned> stored; // none: the image ends in front of it
+   unsigned computed;
+   bool valid;
+};
+
+class Module;
+
+/// One thing that can be wrong with a module.
+struct Check {
+   std::string_view id; // stays the same for ever: people filter by it
+   /// What is wrong, each a sentence without its full stop; nothing if all is well.
+   std::vector<std::string> ( *find )( Module const & module );
+   std::string_view advice; // a sentence
+};
+
+/// How a page of an image is read, byte by byte.
+struct PageLayout {
+   std::size_t firstAddress = 0; // of the page's first byte
+   /// The fields that mean something in this module, in the order of addresses, which count from the
+   /// page's first byte.
+   std::vector<Xcvr::MemoryField> fields = {};
+   std::string remark = {}; // to the page's heading
+};
+
+class Module {
+ public:
+   virtual ~Module() = default;
+
+   [[nodiscard]] ModuleImage const & image() const { return image_; }
+   /// The status of a slot that holds the module, fed as an agent would: every reading that the image
+   /// has was taken after the module came.
+   [[nodiscard]] virtual Xcvr::XcvrNewStatus const & status() const = 0;
+
+   // `show`: facts by topic, between which those of the status are told.
+
+   virtual void form( Report & report ) const = 0;      // identifier, connector
+   virtual void origin( Report & report ) const = 0;    // of the maker, beside vendorInfo
+   virtual void medium( Report & report ) const = 0;    // compliance, rate, reach, wavelength
+   virtual void options( Report & report ) const = 0;   // what the module's circuits can do
+   virtual void features( Report & report ) const = 0;  // diagnostics, revision
+   virtual void condition( Report & report ) const = 0; // status bits, alarms
+   [[nodiscard]] virtual std::vector<Checksum> checksums() const = 0;
+
+   // `explain`
+
+   [[nodiscard]] virtual Xcvr::MediaTypeDecision mediaTypeDecision() const = 0;
+   [[nodiscard]] virtual std::span<Xcvr::MediaTypeRule const> mediaTypeRules() const = 0;
+   /// Numbers as the rules read them, whatever the facts make of the bytes.
+   virtual void ruleInputs( Report & report ) const = 0;
+
+   // `hexdump`
+
+   [[nodiscard]] virtual PageLayout layoutOf( std::string_view page ) const = 0;
+
+   // `check`
+
+   /// SFF-8024.
+   [[nodiscard]] virtual std::uint8_t identifier() const = 0;
+   /// The module says that it has monitors. (Whether the image has them, the status knows.)
+   [[nodiscard]] virtual bool domAdvertised() const = 0;
+   /// What the image must hold for them: "page a2h up to byte 117".
+   [[nodiscard]] virtual std::string domPlace() const = 0;
+   /// What can be wrong in this family only.
+   [[nodiscard]] virtual std::span<Check const> familyChecks() const = 0;
+
+ protected:
+   explicit Module( ModuleImage image ) : image_( std::move( image ) ) {}
+
+   /// The bytes of a page; none if the image lacks it.
+   [[nodiscard]] std::string_view page( std::string_view label ) const;
+
+ private:
+   ModuleImage image_;
+};
+
+/// The module in an image whose family is known.
+[[nodiscard]] std::unique_ptr<Module> moduleOf( ModuleImage image );
+
+} // namespace XcvrTool

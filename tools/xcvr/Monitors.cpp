@@ -1,0 +1,247 @@
+#include "tools/xcvr/Monitors.h"
+
+#include <Xcvr/XcvrOptics.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <limits>
+
+namespace XcvrTool {
+
+namespace {
+
+using Xcvr::DomCapabilities;
+using Xcvr::DomInfo;
+using Xcvr::DomThreshold;
+using Xcvr::XcvrNewStatus;
+
+constexpr double unreadable = -std::numeric_limits<double>::infinity();
+
+constexpr Monitor monitors[] = {
+   { "Temperature", "°C", 2, false, &DomInfo::temperature, &DomCapabilities::temperature,
+     []( DomThreshold const & t ) {
+        return Limits{ t.tempLowAlarm(), t.tempLowWarn(), t.tempHighWarn(), t.tempHighAlarm() };
+     } },
+   { "Supply voltage", "V", 4, false, &DomInfo::voltage, &DomCapabilities::voltage,
+     []( DomThreshold const & t ) {
+        return Limits{ t.voltageLowAlarm(), t.voltageLowWarn(), t.voltageHighWarn(),
+                       t.voltageHighAlarm() };
+     } },
+   { "Tx bias", "mA", 3, true, &DomInfo::txBias, &DomCapabilities::txBias,
+     []( DomThreshold const & t ) {
+        return Limits{ t.txBiasLowAlarm(), t.txBiasLowWarn(), t.txBiasHighWarn(),
+                       t.txBiasHighAlarm() };
+     } },
+   { "Tx power", "dBm", 2, true, &DomInfo::txPower, &DomCapabilities::txPower,
+     []( DomThreshold const & t ) {
+        return Limits{ t.txPowerLowAlarm(), t.txPowerLowWarn(), t.txPowerHighWarn(),
+                       t.txPowerHighAlarm() };
+     } },
+   { "Rx power", "dBm", 2, true, &DomInfo::rxPower, &DomCapabilities::rxPower,
+     []( DomThreshold const & t ) {
+        return Limits{ t.rxPowerLowAlarm(), t.rxPowerLowWarn(), t.rxPowerHighWarn(),
+                       t.rxPowerHighAlarm() };
+     } },
+   { "Total Rx power", "dBm", 2, true, &DomInfo::totalRxPower, &DomCapabilities::totalRxPower,
+     []( DomThreshold const & t ) {
+        return Limits{ t.totalRxPowerLowAlarm(), t.totalRxPowerLowWarn(), t.totalRxPowerHighWarn(),
+                       t.totalRxPowerHighAlarm() };
+     } },
+};
+
+constexpr Limits noLimits{ unreadable, unreadable, unreadable, unreadable };
+
+Limits limitsIn( XcvrNewStatus const & status, Monitor const & monitor ) {
+   return status.domThresholdValid() ? monitor.limits( status.domThreshold() ) : noLimits;
+}
+
+std::string laneLabel( Monitor const & monitor, unsigned lane, unsigned lanes ) {
+   return lanes > 1 ? fmt::format( "{}, lane {}", monitor.label, lane + 1 )
+                    : std::string( monitor.label );
+}
+
+} // namespace
+
+bool Limits::areKnown() const {
+   return std::isfinite( lowAlarm ) || std::isfinite( lowWarn ) || std::isfinite( highWarn ) ||
+          std::isfinite( highAlarm );
+}
+
+bool Limits::areInOrder() const {
+   return lowAlarm <= lowWarn && lowWarn <= highWarn && highWarn <= highAlarm;
+}
+
+Place Reading::place() const {
+   // Limits that a module leaves unset are all the same.
+   if ( !limits.areInOrder() || limits.lowAlarm == limits.highAlarm ) {
+      return Place::unknown;
+   }
+   return value < limits.lowAlarm    ? Place::lowAlarm
+          : value > limits.highAlarm ? Place::highAlarm
+          : value < limits.lowWarn   ? Place::lowWarning
+          : value > limits.highWarn  ? Place::highWarning
+                                     : Place::normal;
+}
+
+std::string limitText( Monitor const & monitor, double limit ) {
+   std::string const text = fmt::format( "{:.{}f}", limit, monitor.decimals );
+   bool const isZero = text.find_first_not_of( "-0." ) == std::string::npos;
+   return isZero && text.starts_with( '-' ) ? text.substr( 1 ) : text;
+}
+
+std::string Reading::valueText() const {
+   std::string const text = fmt::format( "{} {}", limitText( *monitor, value ), monitor->unit );
+   if ( monitor->unit != "dBm" ) {
+      return text;
+   }
+   // Calibration can make any number of a power.
+   double const milliwatts = Xcvr::dbmToWatts( value ) * 1000;
+   return milliwatts < 1e4 ? fmt::format( "{:.4f} mW / {}", milliwatts, text )
+                           : fmt::format( "{:.3g} mW / {}", milliwatts, text );
+}
+
+unsigned lanesOf( XcvrNewStatus const & status ) {
+   return std::max<unsigned>( status.capabilities().maxChannels(), 1 );
+}
+
+std::vector<Reading> readingsOf( XcvrNewStatus const & status ) {
+   DomCapabilities const capabilities = status.domCapabilities();
+   std::vector<Reading> readings;
+   for ( Monitor const & monitor : monitors ) {
+      Limits const limits = limitsIn( status, monitor );
+      unsigned const lanes = monitor.perLane ? lanesOf( status ) : 1;
+      for ( unsigned lane = 0; lane < lanes; ++lane ) {
+         Xcvr::LaneId const id( static_cast<std::uint8_t>( lane ) );
+         if ( !status.domInfoValid( id ) ) {
+            continue;
+         }
+         // No light is minus infinity, and so is a monitor that is not there.
+         DomInfo const info = status.domInfo( id );
+         double const value = ( info.*monitor.value )();
+         bool const isCalibrated = info.calibration() != Xcvr::domCalibrationUnknown;
+         if ( value != unreadable || ( isCalibrated && ( capabilities.*monitor.implemented )() ) ) {
+            readings.push_back( { &monitor, laneLabel( monitor, lane, lanes ), value, limits } );
+         }
+      }
+   }
+   return readings;
+}
+
+std::vector<Reading> limitsOf( XcvrNewStatus const & status ) {
+   std::vector<Reading> all;
+   for ( Monitor const & monitor : monitors ) {
+      Limits const limits = limitsIn( status, monitor );
+      if ( limits.areKnown() ) {
+         all.push_back( { &monitor, std::string( monitor.label ), unreadable, limits } );
+      }
+   }
+   return all;
+}
+
+std::string bar( Limits const & limits, double value ) {
+   struct Zone {
+      double from, to;
+      std::size_t first, width;
+   };
+   Zone const zones[] = {
+      { limits.lowAlarm, limits.lowWarn, 0, 3 },
+      { limits.lowWarn, limits.highWarn, 3, 9 },
+      { limits.highWarn, limits.highAlarm, 12, 3 },
+   };
+   std::string text = "--|---------|--";
+   if ( value < limits.lowAlarm ) {
+      text.front() = '<';
+   } else if ( value > limits.highAlarm ) {
+      text.back() = '>';
+   }
+   for ( Zone const & zone : zones ) {
+      if ( !std::isfinite( zone.from ) || !std::isfinite( zone.to ) ) {
+         return {};
+      }
+      if ( value >= zone.from && value <= zone.to && zone.from < zone.to ) {
+         double const part = ( value - zone.from ) / ( zone.to - zone.from );
+         auto const steps = static_cast<std::size_t>( part * static_cast<double>( zone.width ) );
+         text[zone.first + std::min( steps, zone.width - 1 )] = '*';
+         return text;
+      }
+   }
+   return text;
+}
+
+namespace {
+
+struct PlaceText {
+   Place place;
+   std::string_view text;
+};
+
+constexpr PlaceText placeTexts[] = {
+   { Place::lowAlarm, "low alarm" },
+   { Place::lowWarning, "low warning" },
+   { Place::highWarning, "high warning" },
+   { Place::highAlarm, "high alarm" },
+};
+
+std::string_view textOf( Place place ) {
+   auto const found = std::ranges::find( placeTexts, place, &PlaceText::place );
+   return found == std::end( placeTexts ) ? "" : found->text;
+}
+
+std::string emphasized( std::string const & text, Place place, Style const & style ) {
+   switch ( place ) {
+   case Place::lowAlarm:
+   case Place::highAlarm:
+      return style.alarm( text );
+   case Place::lowWarning:
+   case Place::highWarning:
+      return style.warning( text );
+   case Place::unknown:
+   case Place::normal:
+      break;
+   }
+   return text;
+}
+
+std::string limitColumns( std::string_view lowAlarm, std::string_view lowWarn,
+                          std::string_view highWarn, std::string_view highAlarm ) {
+   return fmt::format( "{:>10}{:>10}{:>10}{:>11}", lowAlarm, lowWarn, highWarn, highAlarm );
+}
+
+std::string tableLine( Reading const & reading, std::size_t labelWidth, Style const & style ) {
+   Place const place = reading.place();
+   Limits const & limits = reading.limits;
+   std::string const value = fmt::format( "{:>22}", reading.valueText() );
+   std::string line =
+      fmt::format( "   {:{}} {}", reading.label, labelWidth, emphasized( value, place, style ) );
+   auto const shown = [&]( double limit ) {
+      return limits.areKnown() ? limitText( *reading.monitor, limit ) : "-";
+   };
+   line += limitColumns( shown( limits.lowAlarm ), shown( limits.lowWarn ),
+                         shown( limits.highWarn ), shown( limits.highAlarm ) );
+   bool const hasBar = style.terminal && place != Place::unknown;
+   std::string last = hasBar ? bar( limits, reading.value ) : "";
+   if ( last.empty() ) {
+      last = textOf( place );
+   }
+   return line + ( last.empty() ? "" : "  " + emphasized( last, place, style ) ) + '\n';
+}
+
+} // namespace
+
+std::string monitorTable( std::vector<Reading> const & readings, Style const & style ) {
+   std::size_t labelWidth = std::string_view( "Monitor" ).size();
+   for ( Reading const & reading : readings ) {
+      labelWidth = std::max( labelWidth, reading.label.size() );
+   }
+   std::string text =
+      style.heading( fmt::format( "   {:{}} {:>22}", "Monitor", labelWidth, "Value" ) +
+                     limitColumns( "Low alarm", "Low warn", "High warn", "High alarm" ) ) +
+      '\n';
+   for ( Reading const & reading : readings ) {
+      text += tableLine( reading, labelWidth, style );
+   }
+   return text;
+}
+
+} // namespace XcvrTool
