@@ -48,6 +48,18 @@ inline double power( double code ) {
    return 10 * std::log10( code * 1e-7 ) + 30;
 }
 
+/// The same of a register as it is. Each code is computed when it is first asked for, since the
+/// logarithm costs more than all the rest of reading a module; the table lies in untouched pages of
+/// memory, which cost nothing. A power of 0 dBm counts as not known yet, and is computed again.
+inline double power( uint16_t code ) {
+   static constinit double powers[1 << 16] = {};
+   double & known = powers[code];
+   if ( known == 0 ) [[unlikely]] {
+      known = power( static_cast<double>( code ) );
+   }
+   return known;
+}
+
 /// A 16-bit floating-point number: five bits of a decimal exponent, eleven of mantissa; 0 to 2.047e10.
 inline double f16( uint16_t code ) {
    return ( code & 0x7ff ) * std::pow( 10, ( code >> 11 ) - 24 );

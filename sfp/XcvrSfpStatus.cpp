@@ -252,18 +252,41 @@ class A2hBytes {
    char merged_[length];
 };
 
-/// Decodes the monitors and thresholds of a module that is calibrated in some way.
-class MonitorDecoder {
+/// Decodes the registers of an internally calibrated module.
+class InternalDecoder {
  public:
-   MonitorDecoder( PageView page, DomCalibration calibrationOfModule )
-      : page_( page ), external_( calibrationOfModule == domCalibrationExternal ) {
-      if ( external_ ) {
-         temperature_ = calibration( row( "domTemperatureSlope" ), row( "domTemperatureOffset" ) );
-         voltage_ = calibration( row( "domSupplyVoltageSlope" ), row( "domSupplyVoltageOffset" ) );
-         txBias_ = calibration( row( "domBiasCurrentSlope" ), row( "domBiasCurrentOffset" ) );
-         txPower_ = calibration( row( "domTxPowerSlope" ), row( "domTxPowerOffset" ) );
-      }
+   explicit InternalDecoder( PageView page ) : page_( page ) {}
+
+   [[nodiscard]] double temperature( MemoryField const & field ) const {
+      return DomCodes::temperature( page_.s16be( field.at ) );
    }
+   [[nodiscard]] double voltage( MemoryField const & field ) const {
+      return DomCodes::supplyVoltage( page_.u16be( field.at ) );
+   }
+   [[nodiscard]] double txBias( MemoryField const & field ) const {
+      return DomCodes::txBias( page_.u16be( field.at ) );
+   }
+   [[nodiscard]] double txPower( MemoryField const & field ) const {
+      return DomCodes::power( page_.u16be( field.at ) );
+   }
+   [[nodiscard]] double rxPower( MemoryField const & field ) const { return txPower( field ); }
+   [[nodiscard]] double rxPowerThreshold( MemoryField const & field ) const {
+      return txPower( field );
+   }
+
+ private:
+   PageView page_;
+};
+
+/// Decodes the registers of an externally calibrated module.
+class ExternalDecoder {
+ public:
+   explicit ExternalDecoder( PageView page )
+      : page_( page ),
+        temperature_( calibration( row( "domTemperatureSlope" ), row( "domTemperatureOffset" ) ) ),
+        voltage_( calibration( row( "domSupplyVoltageSlope" ), row( "domSupplyVoltageOffset" ) ) ),
+        txBias_( calibration( row( "domBiasCurrentSlope" ), row( "domBiasCurrentOffset" ) ) ),
+        txPower_( calibration( row( "domTxPowerSlope" ), row( "domTxPowerOffset" ) ) ) {}
 
    [[nodiscard]] double temperature( MemoryField const & field ) const {
       return DomCodes::temperature( temperature_( page_.s16be( field.at ) ) );
@@ -278,20 +301,14 @@ class MonitorDecoder {
       return DomCodes::power( txPower_( page_.u16be( field.at ) ) );
    }
    [[nodiscard]] double rxPower( MemoryField const & field ) const {
-      double const raw = page_.u16be( field.at );
-      return DomCodes::power( external_
-                                 ? DomCodes::rxPolynomial( raw, coefficient( row( "domRxPower0" ) ),
-                                                           coefficient( row( "domRxPower1" ) ),
-                                                           coefficient( row( "domRxPower2" ) ),
-                                                           coefficient( row( "domRxPower3" ) ),
-                                                           coefficient( row( "domRxPower4" ) ) )
-                                 : raw );
+      return DomCodes::power( DomCodes::rxPolynomial(
+         page_.u16be( field.at ), coefficient( row( "domRxPower0" ) ),
+         coefficient( row( "domRxPower1" ) ), coefficient( row( "domRxPower2" ) ),
+         coefficient( row( "domRxPower3" ) ), coefficient( row( "domRxPower4" ) ) ) );
    }
    /// The coefficients of external calibration do not apply to a threshold: with all of them 0 it is
    /// minus infinity. Intended; leave it: readers skip a limit that cannot be read.
-   [[nodiscard]] double rxPowerThreshold( MemoryField const & field ) const {
-      return external_ ? unreadable : DomCodes::power( page_.u16be( field.at ) );
-   }
+   [[nodiscard]] double rxPowerThreshold( MemoryField const & ) const { return unreadable; }
 
  private:
    [[nodiscard]] DomCodes::Calibration calibration( MemoryField const & slope,
@@ -304,7 +321,6 @@ class MonitorDecoder {
    }
 
    PageView page_;
-   bool external_;
    DomCodes::Calibration temperature_, voltage_, txBias_, txPower_;
 };
 
@@ -320,25 +336,11 @@ DomCalibration calibrationOf( XcvrSff8472IdEepromContents const & contents ) {
 
 } // namespace
 
-bool SfpNewStatus::domInfoValid( LaneId ) const {
-   VEL_TRACE_SCOPE( trace );
-   return presence() == xcvrPresent && contentsOf( *this ).domSupported() &&
-          lastDomUpdateTime() > lastPresenceChange();
-}
+namespace {
 
-DomInfo SfpNewStatus::domInfo( LaneId lane ) const {
-   VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( lane ) ) {
-      return unreadableDomInfo( 0 );
-   }
-   XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
-   DomCalibration const calibration = calibrationOf( contents );
-   if ( calibration == domCalibrationUnknown ) {
-      return unreadableDomInfo( lastDomUpdateTime() );
-   }
-   A2hBytes const a2h( *this, contents );
-   MonitorDecoder const decode( a2h.page(), calibration );
-   return { lastDomUpdateTime(),
+template <typename Decoder>
+DomInfo monitors( Decoder const & decode, Vel::Seconds updateTime, DomCalibration calibration ) {
+   return { updateTime,
             calibration,
             decode.temperature( row( "domTemperature" ) ),
             decode.voltage( row( "domSupplyVoltage" ) ),
@@ -348,24 +350,8 @@ DomInfo SfpNewStatus::domInfo( LaneId lane ) const {
             unreadable };
 }
 
-bool SfpNewStatus::domThresholdValid() const {
-   VEL_TRACE_SCOPE( trace );
-   // The thresholds are constants of the module, which the agent reads with the identification
-   // memory: idEepromValid says that this was done. What the agent can provide in general
-   // (xcvrMgrCapabilities) says nothing about the module in the slot.
-   return presence() == xcvrPresent && contentsOf( *this ).domSupported() &&
-          lastDomThresholdsUpdateTime() > 0 && idEepromValid();
-}
-
-DomThreshold SfpNewStatus::domThreshold() const {
-   VEL_TRACE_SCOPE( trace );
-   XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
-   DomCalibration const calibration = calibrationOf( contents );
-   if ( calibration == domCalibrationUnknown ) {
-      return unreadableDomThreshold();
-   }
-   A2hBytes const a2h( *this, contents );
-   MonitorDecoder const decode( a2h.page(), calibration );
+template <typename Decoder>
+DomThreshold thresholds( Decoder const & decode ) {
    return { decode.temperature( row( "domTempHighAlarm" ) ),
             decode.temperature( row( "domTempLowAlarm" ) ),
             decode.temperature( row( "domTempHighWarn" ) ),
@@ -390,6 +376,56 @@ DomThreshold SfpNewStatus::domThreshold() const {
             unreadable,
             unreadable,
             unreadable };
+}
+
+inline bool monitorsRead( SfpNewStatus const & status,
+                          XcvrSff8472IdEepromContents const & contents ) {
+   return status.presence() == xcvrPresent && contents.domSupported() &&
+          status.lastDomUpdateTime() > status.lastPresenceChange();
+}
+
+} // namespace
+
+bool SfpNewStatus::domInfoValid( LaneId ) const {
+   VEL_TRACE_SCOPE( trace );
+   return monitorsRead( *this, contentsOf( *this ) );
+}
+
+DomInfo SfpNewStatus::domInfo( LaneId ) const {
+   VEL_TRACE_SCOPE( trace );
+   XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
+   if ( !monitorsRead( *this, contents ) ) {
+      return unreadableDomInfo( 0 );
+   }
+   DomCalibration const calibration = calibrationOf( contents );
+   if ( calibration == domCalibrationUnknown ) {
+      return unreadableDomInfo( lastDomUpdateTime() );
+   }
+   A2hBytes const a2h( *this, contents );
+   return calibration == domCalibrationInternal
+             ? monitors( InternalDecoder( a2h.page() ), lastDomUpdateTime(), calibration )
+             : monitors( ExternalDecoder( a2h.page() ), lastDomUpdateTime(), calibration );
+}
+
+bool SfpNewStatus::domThresholdValid() const {
+   VEL_TRACE_SCOPE( trace );
+   // The thresholds are constants of the module, which the agent reads with the identification
+   // memory: idEepromValid says that this was done. What the agent can provide in general
+   // (xcvrMgrCapabilities) says nothing about the module in the slot.
+   return presence() == xcvrPresent && contentsOf( *this ).domSupported() &&
+          lastDomThresholdsUpdateTime() > 0 && idEepromValid();
+}
+
+DomThreshold SfpNewStatus::domThreshold() const {
+   VEL_TRACE_SCOPE( trace );
+   XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
+   DomCalibration const calibration = calibrationOf( contents );
+   if ( calibration == domCalibrationUnknown ) {
+      return unreadableDomThreshold();
+   }
+   A2hBytes const a2h( *this, contents );
+   return calibration == domCalibrationInternal ? thresholds( InternalDecoder( a2h.page() ) )
+                                                : thresholds( ExternalDecoder( a2h.page() ) );
 }
 
 DomCapabilities SfpNewStatus::domCapabilities() const {

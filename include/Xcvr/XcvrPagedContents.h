@@ -15,17 +15,17 @@ namespace Xcvr {
 template <typename Contents>
 class PagedContents {
  protected:
-   [[nodiscard]] uint8_t u8( MemoryField const & field ) const {
+   // Inlined always, so that what is known of the field is constant.
+   [[nodiscard, gnu::always_inline]] uint8_t u8( MemoryField const & field ) const {
       return pageToRead( field ).u8( field.at );
    }
-   [[nodiscard]] uint16_t u16( MemoryField const & field ) const {
+   [[nodiscard, gnu::always_inline]] uint16_t u16( MemoryField const & field ) const {
       return pageToRead( field ).u16be( field.at );
    }
    /// An unsigned number of up to eight bytes.
    [[nodiscard]] uint64_t number( MemoryField const & field ) const {
       return pageToRead( field ).unsignedBe( field.at, field.width );
    }
-   /// Inlined always, so that the copy is one of constant width.
    [[nodiscard, gnu::always_inline]] Vel::String text( MemoryField const & field ) const {
       PageView const page = contents().pageOf( field );
       return page.has( field.at, field.width ) ? Vel::String( page.text( field.at, field.width ) )
@@ -41,7 +41,8 @@ class PagedContents {
       if ( !page.has( 0, length ) ) [[unlikely]] {
          return shortVendorTexts( name, pn, sn, rev, dateCode );
       }
-      auto const known = [fields = page.first( length )]( MemoryField const & field ) {
+      auto const known = [fields = page.first( length )]( MemoryField const & field )
+         __attribute__( ( always_inline ) ) {
          return fields.text( field.at, field.width );
       };
       return { known( name ), known( pn ), known( sn ), known( rev ), known( dateCode ) };
@@ -53,7 +54,7 @@ class PagedContents {
    [[nodiscard]] Contents const & contents() const {
       return static_cast<Contents const &>( *this );
    }
-   [[nodiscard]] PageView pageToRead( MemoryField const & field ) const {
+   [[nodiscard, gnu::always_inline]] PageView pageToRead( MemoryField const & field ) const {
       PageView const page = contents().pageOf( field );
       if ( !page.has( field.at, field.width ) ) [[unlikely]] {
          Contents::traceUnreadable( field );

@@ -206,7 +206,7 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    friend PagedContents;
    static constexpr std::string_view textOfEmptyPage = "";
 
-   PageView pageOf( MemoryField const & field ) const {
+   [[gnu::always_inline]] PageView pageOf( MemoryField const & field ) const {
       return field.page == Sff8436Table::upper00h   ? eepromPage00UpperData_.view()
              : field.page == Sff8436Table::lower    ? eepromPage00LowerData_.view()
              : field.page == Sff8436Table::upper03h ? eepromPage03UpperData_.view()

@@ -160,7 +160,7 @@ class XCVR_API XcvrSff8472IdEepromContents : PagedContents<XcvrSff8472IdEepromCo
    friend PagedContents;
    static constexpr std::string_view textOfEmptyPage = "Unknown";
 
-   PageView pageOf( MemoryField const & field ) const {
+   [[gnu::always_inline]] PageView pageOf( MemoryField const & field ) const {
       return field.page == Sff8472Table::a2h ? eepromPageA2Data_.view() : buf_.view();
    }
    [[gnu::cold]] static void traceUnreadable( MemoryField const & field );

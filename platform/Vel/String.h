@@ -19,7 +19,7 @@ class VEL_API String {
 
    String() { std::memset( raw_, 0, sizeof raw_ ); }
    /// `bytes` may be null when `size` is 0.
-   String( char const * bytes, std::size_t size ) {
+   [[gnu::always_inline]] String( char const * bytes, std::size_t size ) {
       if ( size <= inlineCapacity ) {
          setInside( bytes, size );
       } else {

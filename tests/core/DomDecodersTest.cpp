@@ -101,6 +101,8 @@ TEST( ExternalCalibration, IdentityIsTheInternalForm ) {
       ASSERT_EQ( decodeDomECSupplyVoltage( m, l, 1, 0, 0, 0 ), decodeDomICSupplyVoltage( m, l ) );
       ASSERT_EQ( decodeDomECTxBias( m, l, 1, 0, 0, 0 ), decodeDomICTxBias( m, l ) );
       ASSERT_EQ( decodeDomECTxPower( m, l, 1, 0, 0, 0 ), decodeDomICPower( m, l ) );
+      // Known from the call above.
+      ASSERT_EQ( decodeDomICPower( m, l ), decodeDomECTxPower( m, l, 1, 0, 0, 0 ) );
       ASSERT_EQ( rxPower( raw, { .c1 = 1 } ), decodeDomICPower( m, l ) );
    }
 }
