@@ -95,7 +95,7 @@ TEST( ExternalCalibration, Constants ) {
 
 // Slope 1, offset 0 and the polynomial r are no calibration at all.
 TEST( ExternalCalibration, IdentityIsTheInternalForm ) {
-   for ( unsigned raw = 0; raw <= 0xffff; raw += 51 ) {
+   for ( unsigned raw = 0; raw <= 0xffff; ++raw ) {
       uint8_t const m = msb( raw ), l = lsb( raw );
       ASSERT_EQ( decodeDomECTemperature( m, l, 1, 0, 0, 0 ), decodeDomICTemperature( m, l ) );
       ASSERT_EQ( decodeDomECSupplyVoltage( m, l, 1, 0, 0, 0 ), decodeDomICSupplyVoltage( m, l ) );
