@@ -104,7 +104,8 @@ EepromDescriptor SfpNewStatus::idEepromInfo() const {
 
 // Identity
 
-VendorInfo SfpNewStatus::vendorInfo() const {
+// Flattened: the five texts are copied in place.
+[[gnu::flatten]] VendorInfo SfpNewStatus::vendorInfo() const {
    VEL_TRACE_SCOPE( trace );
    XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
    return { contents.vendorName(), contents.vendorPn(), contents.vendorSn(), contents.vendorRev(),
