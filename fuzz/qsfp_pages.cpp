@@ -84,7 +84,7 @@ void requirePower( double dBm ) {
 }
 
 void checkMonitors( QsfpNewStatus const & status ) {
-   for ( unsigned lane = 0; lane < 256; ++lane ) {
+   for ( unsigned lane : { 0u, 1u, 2u, 3u, 4u, 5u, 31u, 32u, 255u } ) {
       LaneId const id( static_cast<uint8_t>( lane ) );
       DomInfo const info = status.domInfo( id );
       requirePower( info.txPower() );
@@ -108,7 +108,7 @@ void checkMonitors( QsfpNewStatus const & status ) {
 
 void checkEnhancedMonitors( QsfpNewStatus & status ) {
    status.updateEnhancedDomMapping();
-   for ( uint32_t index = 0; index < 64; ++index ) {
+   for ( uint32_t index = 0; index < 36; ++index ) {
       bool const valid = status.enhancedDomValuesValid( index );
       require( valid == status.enhancedDomMappingHas( index ) );
       require( valid == std::isfinite( status.enhancedDomValue( index ) ) );

@@ -559,25 +559,16 @@ class Parameter {
    uint16_t config_;
 };
 
-template <typename Visit>
-void forEachMonitor( Sff8436IdEepromContents const & contents, Visit const & visit ) {
-   PageView const page20h = contents.page( eepromPage20hUpper );
-   for ( uint32_t number = 0; number < parameterCount; ++number ) {
-      if ( Parameter const parameter( page20h, number ); parameter.isMonitor() ) {
-         visit( parameter );
-      }
-   }
-}
-
 /// The first parameter of an index.
 std::optional<Parameter> monitorOf( Sff8436IdEepromContents const & contents, uint32_t index ) {
-   std::optional<Parameter> found;
-   forEachMonitor( contents, [&]( Parameter const & parameter ) {
-      if ( !found && parameter.index() == index ) {
-         found = parameter;
+   PageView const page20h = contents.page( eepromPage20hUpper );
+   for ( uint32_t number = 0; number < parameterCount && !page20h.empty(); ++number ) {
+      Parameter const parameter( page20h, number );
+      if ( parameter.isMonitor() && parameter.index() == index ) {
+         return parameter;
       }
-   } );
-   return found;
+   }
+   return std::nullopt;
 }
 
 /// A number in the unit of a monitor, of its value or of its thresholds.
@@ -604,13 +595,17 @@ double monitorValue( uint32_t index, uint16_t code ) {
 /// By the monitors' order, for the values that have a field a monitor.
 std::array<SensorCategory, monitorCount> categories( Sff8436IdEepromContents const & contents ) {
    std::array<SensorCategory, monitorCount> result{};
-   forEachMonitor( contents, [&result]( Parameter const & parameter ) {
-      SensorCategory & category = result[parameter.monitor()];
-      // A monitor that is there both ways is one of the lanes.
-      category = parameter.isOfLane() || category == SensorCategory::laneSensor
-                    ? SensorCategory::laneSensor
-                    : SensorCategory::slotSensor;
-   } );
+   PageView const page20h = contents.page( eepromPage20hUpper );
+   for ( uint32_t number = 0; number < parameterCount; ++number ) {
+      Parameter const parameter( page20h, number );
+      if ( parameter.isMonitor() ) {
+         SensorCategory & category = result[parameter.monitor()];
+         // A monitor that is there both ways is one of the lanes.
+         category = parameter.isOfLane() || category == SensorCategory::laneSensor
+                       ? SensorCategory::laneSensor
+                       : SensorCategory::slotSensor;
+      }
+   }
    return result;
 }
 
