@@ -52,6 +52,8 @@ SfpImageBuilder sr() {
       .bit( "diagsMonitoringType", "internally calibrated" )
       .bit( "diagsMonitoringType", "received power is average power" )
       .bit( "enhancedOptions", "alarm and warning flags" )
+      .bit( "enhancedOptions", "soft Tx disable" )
+      .bit( "enhancedOptions", "soft rate select" )
       .raw( "revision", 8 )
       .value( "domTempLowAlarm", -5 )
       .value( "domTempLowWarn", 0 )
@@ -112,13 +114,13 @@ TEST_F( ToolTest, ShowOfOneModule ) {
    Options               : Tx disable, Rx LOS
    Diagnostic monitoring : digital diagnostics, internally calibrated,
                            received power is average power
-   Enhanced options      : alarm and warning flags
+   Enhanced options      : alarm and warning flags, soft Tx disable, soft rate select
    SFF-8472 revision     : 0x08 (12.3)
    Capabilities          : 1 channel
    Status bits           : Tx disabled, rate select 1
    Alarms and warnings   : temperature high warning, Rx power low alarm
    Checksum, base        : page a0h, stored 0x71, computed 0x71, valid
-   Checksum, extended    : page a0h, stored 0xa1, computed 0xa1, valid
+   Checksum, extended    : page a0h, stored 0xe9, computed 0xe9, valid
    Checksum, diagnostics : page a2h, stored 0xa1, computed 0xa1, valid
 
    Monitor                         Value Low alarm  Low warn High warn High alarm
@@ -195,7 +197,7 @@ TEST_F( ToolTest, ShowFacts ) {
       { cable(), { { "Monitors", "(no Monitors)" } } },
       // A module that implements no flags: what stands there is none.
       { sr().raw( "enhancedOptions", 0 ),
-        { { "Status bits", "Tx disabled, rate select 1" },
+        { { "Status bits", "none" },
           { "Alarms and warnings", "(no Alarms and warnings)" } } },
       { sr()
            .raw( "identifier", 11 )
