@@ -297,6 +297,7 @@ class Ref : public NotifieeBase {
 ///    ( OrderedValues, … )                  the same, iterated in the order of the keys
 ///    ( Records, foo, onFoo, Storage )      as Values, but a value carries its own key, so that the
 ///                                          setter is fooIs( v ), and the type of the storage is given
+///    ( DenseValues, foo, onFoo, Storage )  as Values, in a storage of <Vel/DenseMap.h>
 ///    ( Children, foo, onFoo, Key, Child )  fooIs( key ) makes a Child( key ) or returns the one that
 ///                                          is there, an absent key reads as null; else as Values
 ///    ( OrderedChildren, … )                the same, iterated in the order of the keys
@@ -458,7 +459,7 @@ class Ref : public NotifieeBase {
    VEL_MEMBERS_Owned_( name, onName, Vel::Name, Vel::HashMap, __VA_ARGS__ )                        \
    VEL_MEMBERS_AnyPointers_( true, name, onName, __VA_ARGS__ )
 
-#define VEL_MEMBERS_Records_( name, onName, ... )                                                  \
+#define VEL_MEMBERS_Stored_( name, onName, ... )                                                   \
  private:                                                                                          \
    __VA_ARGS__ name##_;                                                                            \
                                                                                                    \
@@ -473,11 +474,6 @@ class Ref : public NotifieeBase {
    [[nodiscard]] name##Storage::mapped_type name( name##Storage::key_type velKey ) const {         \
       return name##_.at( velKey );                                                                 \
    }                                                                                               \
-   void name##Is( Vel::In<name##Storage::mapped_type> velNew ) {                                   \
-      if ( name##_.store( velNew ) ) {                                                             \
-         name##Notify( name##Storage::keyOf( velNew ) );                                           \
-      }                                                                                            \
-   }                                                                                               \
    void name##Del( name##Storage::key_type velKey ) {                                              \
       if ( name##_.erase( velKey ) ) {                                                             \
          name##Notify( velKey );                                                                   \
@@ -488,6 +484,20 @@ class Ref : public NotifieeBase {
    }                                                                                               \
    void name##Notify( name##Storage::key_type velKey ) const {                                     \
       velTellEntry( VEL_KEYED_( name##Storage::key_type, name, onName ), velKey );                 \
+   }
+#define VEL_MEMBERS_Records_( name, onName, ... )                                                  \
+   VEL_MEMBERS_Stored_( name, onName, __VA_ARGS__ )                                                \
+   void name##Is( Vel::In<name##Storage::mapped_type> velNew ) {                                   \
+      if ( name##_.store( velNew ) ) {                                                             \
+         name##Notify( name##Storage::keyOf( velNew ) );                                           \
+      }                                                                                            \
+   }
+#define VEL_MEMBERS_DenseValues_( name, onName, ... )                                              \
+   VEL_MEMBERS_Stored_( name, onName, __VA_ARGS__ )                                                \
+   void name##Is( name##Storage::key_type velKey, Vel::In<name##Storage::mapped_type> velNew ) {   \
+      if ( name##_.store( velKey, velNew ) ) {                                                     \
+         name##Notify( velKey );                                                                   \
+      }                                                                                            \
    }
 
 #define VEL_MEMBERS_AnyChildren_( Map, name, onName, Key, ... )                                    \
@@ -563,6 +573,7 @@ class Ref : public NotifieeBase {
 #define VEL_HANDLERS_OrderedValues_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_Records_( name, onName, ... )                                                 \
    VEL_HANDLERS_Values_( name, onName, __VA_ARGS__::key_type )
+#define VEL_HANDLERS_DenseValues_ VEL_HANDLERS_Records_
 #define VEL_HANDLERS_Children_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_OrderedChildren_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_Pointers_( name, onName, ... ) VEL_HANDLERS_Values_( name, onName, Vel::Name )
@@ -585,6 +596,7 @@ class Ref : public NotifieeBase {
    VEL_ROW_( orderedValues, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_Records_( name, onName, ... )                                                      \
    VEL_ROW_( values, __VA_ARGS__::key_type, name, name##Map, __VA_ARGS__::mapped_type )
+#define VEL_ROW_DenseValues_ VEL_ROW_Records_
 #define VEL_ROW_Children_( name, onName, Key, ... )                                                \
    VEL_ROW_( children, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_OrderedChildren_( name, onName, Key, ... )                                         \
