@@ -1,5 +1,6 @@
 #include "core/Checksum.h"
 #include "core/DomCodes.h"
+#include "core/DomNeutral.h"
 #include "core/WallClock.h"
 
 #include <Vel/Define.h>
@@ -9,7 +10,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <limits>
 
 namespace Xcvr {
 
@@ -58,8 +58,6 @@ using CmisTable::row;
 using Decoded = OsfpDecodedEepromContents;
 
 Vel::TraceHandle trace( "HalOsfp" );
-
-constexpr double unreadable = -std::numeric_limits<double>::infinity();
 
 } // namespace
 

@@ -52,43 +52,33 @@ constexpr Section sections[] = {
    { CmisTable::p11h, OsfpBank::bank0, OsfpPage::upperPage11 },
 };
 
-/// The bytes of a field's page from the field on; empty when there are none.
-PageView from( OsfpRawEepromContents const & raw, MemoryField const & field ) {
+/// The page of a field; empty when it was not read.
+PageView pageOf( OsfpRawEepromContents const & raw, MemoryField const & field ) {
    auto const section = std::ranges::find( sections, field.page, &Section::label );
    if ( section == std::end( sections ) ) {
       return std::string_view();
    }
    auto const page = raw.memoryMap().find( OsfpBankAndPage( section->bank, section->page ) );
-   size_t const at = field.at % CmisTable::pageSize;
-   return page == raw.memoryMap().end() || page->second.size() < at
-             ? std::string_view()
-             : page->second.view().substr( at );
+   return page != raw.memoryMap().end() ? page->second.view() : std::string_view();
 }
 
 } // namespace
 
 bool OsfpRawEepromContents::has( MemoryField const & field ) const {
    VEL_TRACE_SCOPE( trace );
-   return from( *this, field ).has( 0, field.width );
+   return pageOf( *this, field ).has( field.at, field.width );
 }
 
 uint64_t OsfpRawEepromContents::number( MemoryField const & field ) const {
    VEL_TRACE_SCOPE( trace );
-   return field.width > 8 ? 0 : from( *this, field ).unsignedBe( 0, field.width );
+   return field.width > 8 ? 0 : pageOf( *this, field ).unsignedBe( field.at, field.width );
 }
 
 bool OsfpRawEepromContents::fieldInUse( MemoryField const & field ) const {
    VEL_TRACE_SCOPE( trace );
-   using namespace CmisTable;
-   return std::ranges::all_of( conditions, [&]( MemoryCondition const & condition ) {
-      if ( !condition.covers( field ) ) {
-         return true;
-      }
-      MemoryField asked = fields[memoryFieldIndex( fields, condition.field )];
-      PageView const bytes = from( *this, asked );
-      asked.at = 0; // in these bytes
-      return memoryConditionMet( condition, asked, bytes );
-   } );
+   return memoryFieldInUse(
+      field, CmisTable::fields, CmisTable::conditions,
+      [this]( MemoryField const & asked ) { return pageOf( *this, asked ); } );
 }
 
 } // namespace Xcvr

@@ -1,9 +1,10 @@
+#include "core/AttenuationTable.h"
+#include "core/DomNeutral.h"
+
 #include <Vel/DefineEntity.h>
 #include <Vel/Trace.h>
 #include <Xcvr/XcvrOptics.h>
 #include <Xcvr/XcvrOsfpStatus.h>
-
-#include <limits>
 
 namespace Xcvr {
 
@@ -20,8 +21,6 @@ using CmisTable::mask;
 using CmisTable::row;
 
 Vel::TraceHandle trace( "XcvrOsfp" );
-
-constexpr double unreadable = -std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -198,14 +197,9 @@ Units::Decibels CmisStatus::electricalPathAttenuation() const {
    if ( from.moduleType() != osfpTypePassiveCu ) {
       return Units::Decibels( 0.0 );
    }
-   if ( ModelToAttenuation const * table = attnTable() ) {
-      auto const & models = table->attenuationMap();
-      auto const found = models.find( from.vendorName() + "-" + from.vendorPn() );
-      if ( found != models.end() ) {
-         return found->second;
-      }
-   }
-   return Units::Decibels( static_cast<double>( raw().number( row( "attenuation12p9GHz" ) ) ) );
+   return attenuationOfModel( attnTable(), from )
+      .value_or(
+         Units::Decibels( static_cast<double>( raw().number( row( "attenuation12p9GHz" ) ) ) ) );
 }
 
 // Monitors
@@ -235,10 +229,7 @@ bool CmisStatus::domInfoValid( LaneId lane ) const {
 DomInfo CmisStatus::domInfo( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
    if ( !domInfoValid( lane ) ) {
-      return { 0,          domCalibrationUnknown,
-               unreadable, unreadable,
-               unreadable, unreadable,
-               unreadable, unreadable };
+      return unreadableDomInfo( 0 );
    }
    DomInfo const info = decoded().domInfo( lane );
    DomCapabilities const has = domCapabilities();
@@ -282,13 +273,8 @@ bool CmisStatus::domThresholdValid() const {
 DomThreshold CmisStatus::domThreshold() const {
    VEL_TRACE_SCOPE( trace );
    // Parsed together with the page's checksum.
-   if ( decoded().checksumHas( OsfpPage::upperPage02 ) ) {
-      return decoded().domThreshold();
-   }
-   DomThreshold result;
-   DomThreshold::velFields(
-      [&result]( auto const &, double DomThreshold::*limit ) { result.*limit = unreadable; } );
-   return result;
+   return decoded().checksumHas( OsfpPage::upperPage02 ) ? decoded().domThreshold()
+                                                         : unreadableDomThreshold();
 }
 
 // Signal tuning
