@@ -119,74 +119,77 @@ Vel::String OsfpEepromParser::reg( OsfpRegAddr const & reg ) const {
 namespace {
 
 /// A page while it is being parsed; an address is taken as the standard numbers it or as the field
-/// table does. The bytes in it are whole, with zeros behind the end of a short
-/// one; and whatever the observers of what is parsed do, the page and the parser stay until the end.
+/// table does. The bytes are whole, with zeros behind the end of a short page, and they are a copy: the
+/// observers of what is parsed may change the page, and drop the parser too, which stays until the end.
 class Page {
  public:
-   Page( OsfpEepromParser const & parser, OsfpBank bank, OsfpPage page )
-      : hold_( parser ), string_( parser.rawEeprom()->memory( OsfpBankAndPage( bank, page ) ) ),
-        bytes_( string_.data() ) {
-      if ( string_.size() < CmisTable::pageSize ) {
-         fill();
+   Page( OsfpEepromParser const & parser, OsfpBank bank, OsfpPage page ) : hold_( parser ) {
+      auto const & memory = parser.rawEeprom()->memoryMap();
+      auto const found = memory.find( OsfpBankAndPage( bank, page ) );
+      std::string_view const bytes =
+         found != memory.end() ? found->second.view() : std::string_view();
+      constexpr size_t whole = CmisTable::pageSize;
+      size_ = std::min( bytes.size(), whole );
+      if ( size_ == whole ) [[likely]] {
+         std::memcpy( bytes_, bytes.data(), whole );
+      } else {
+         std::memcpy( bytes_, bytes.data(), size_ );
+         std::memset( bytes_ + size_, 0, whole - size_ );
       }
+      std::memset( bytes_ + whole, 0, sizeof bytes_ - whole );
    }
    Page( Page const & ) = delete;
    Page & operator=( Page const & ) = delete;
 
-   [[nodiscard]] uint8_t u8( unsigned at ) const {
-      return static_cast<uint8_t>( bytes_[at % CmisTable::pageSize] );
-   }
+   [[nodiscard]] uint8_t u8( unsigned at ) const { return *from( at ); }
    [[nodiscard]] uint8_t u8( MemoryField const & field ) const { return u8( field.at ); }
    [[nodiscard]] uint16_t u16( unsigned at ) const {
-      return static_cast<uint16_t>( u8( at ) << 8 | u8( at + 1 ) );
+      uint8_t const * bytes = from( at );
+      return static_cast<uint16_t>( bytes[0] << 8 | bytes[1] );
    }
    [[nodiscard]] uint16_t u16( MemoryField const & field ) const { return u16( field.at ); }
    [[nodiscard]] uint32_t u32( unsigned at ) const {
-      return uint32_t{ u16( at ) } << 16 | u16( at + 2 );
+      uint8_t const * bytes = from( at );
+      return uint32_t{ bytes[0] } << 24 | uint32_t{ bytes[1] } << 16 | uint32_t{ bytes[2] } << 8 |
+             bytes[3];
    }
-   /// The bytes of a field; fewer when the page ends early.
-   [[nodiscard]] std::string_view bytes( MemoryField const & field ) const {
-      return PageView( string_ ).text( field.at, field.width );
+   /// The bytes of a field; fewer when the page ends early. Inlined always, so that the copy of a whole
+   /// one is of constant width.
+   [[nodiscard, gnu::always_inline]] Vel::String bytes( MemoryField const & field ) const {
+      return field.end() <= size_ ? Vel::String( chars() + field.at, field.width )
+                                  : Vel::String( view( field ) );
+   }
+   [[nodiscard]] std::string_view view( MemoryField const & field ) const {
+      return PageView( std::string_view( chars(), size_ ) ).text( field.at, field.width );
+   }
+   /// The sum of the bytes from one up to another.
+   [[nodiscard]] uint8_t sum( size_t first, size_t end ) const {
+      return static_cast<uint8_t>( signedByteSum( { chars() + first, end - first } ) );
    }
 
  private:
-   [[gnu::noinline]] void fill() {
-      std::memset( filled_, 0, sizeof filled_ );
-      std::memcpy( filled_, string_.data(), string_.size() );
-      bytes_ = filled_;
+   [[nodiscard]] uint8_t const * from( unsigned at ) const {
+      return bytes_ + at % CmisTable::pageSize;
    }
+   [[nodiscard]] char const * chars() const { return reinterpret_cast<char const *>( bytes_ ); }
 
    Vel::Hold hold_;
-   Vel::String string_;
-   char const * bytes_;
-   char filled_[CmisTable::pageSize];
+   size_t size_; // of the page, 128 at most
+   // With room for a number that begins on the last byte.
+   uint8_t bytes_[CmisTable::pageSize + 4];
 };
 
-/// A bit of each lane, lane 0 the lowest, into a collection of flags: where it says otherwise.
-template <auto held, auto set>
-[[gnu::always_inline]] inline void laneFlagsIs( Decoded & to, unsigned lanes ) {
-   constexpr uint32_t allLanes = 0xff;
-   for ( uint32_t left = ( to.*held )().differing( lanes, allLanes ); left != 0;
-         left &= left - 1 ) {
-      int const lane = std::countr_zero( left );
-      ( to.*set )( ChannelId( lane ), lanes >> lane & 1 );
-   }
+constexpr uint32_t allLanes = 0xff;
+
+/// Four bits of each lane as an image, lane 0 in the lowest, which are those of the first byte.
+uint32_t laneCodes( Page const & page, MemoryField const & field ) {
+   return __builtin_bswap32( page.u32( field.at ) );
 }
 
-/// Four bits of each lane, lane 0 in the low ones of the first byte.
-template <auto set>
-[[gnu::always_inline]] inline void laneCodesIs( Decoded & to, Page const & page,
-                                                MemoryField const & field ) {
-   OsfpLaneBitmaskCtrlReg32 const codes( __builtin_bswap32( page.u32( field.at ) ) );
-   for ( uint8_t lane = 0; lane < osfpLanes; ++lane ) {
-      ( to.*set )( ChannelId( lane ), codes.laneVal( OsfpLane( lane ) ) );
-   }
-}
-
-/// An application as it is now with the descriptor that was read. The media lanes are read from another
-/// page: as long as the descriptor is the same, they are too.
-OsfpApplication withDescriptor( OsfpApplication const & now, uint32_t descriptor ) {
-   return now.value() == descriptor ? now : OsfpApplication( descriptor, 0 );
+/// An application with a descriptor, as it was before. The media lanes are read from another page: as
+/// long as the descriptor is the same, they are too.
+OsfpApplication withDescriptor( OsfpApplication const & before, uint32_t descriptor ) {
+   return before.value() == descriptor ? before : OsfpApplication( descriptor, 0 );
 }
 
 /// The applications of a list, under keys from `firstKey` on. The list ends early at a descriptor that
@@ -200,11 +203,38 @@ void applicationsIs( Decoded & to, Page const & page, OsfpApplicationAddress con
          break;
       }
       auto const key = static_cast<uint8_t>( firstKey + i );
-      to.applicationIs( key, withDescriptor( to.application( key ), descriptor ) );
+      OsfpApplication const * before = to.applicationMap().find( key );
+      if ( !before || before->value() != descriptor ) {
+         to.applicationIs( key, OsfpApplication( descriptor, 0 ) );
+      }
    }
    for ( ; i < list.numApplications(); ++i ) {
       to.applicationDel( static_cast<uint8_t>( firstKey + i ) );
    }
+}
+
+/// The checksum of a page, and the sum of the bytes that it guards.
+[[gnu::always_inline]] inline void checksumIs( Decoded & to, OsfpPage page, uint8_t stored,
+                                               uint8_t sum ) {
+   to.checksumIs( page, stored );
+   to.checksumCalculatedIs( page, sum );
+   to.checksumValidIs( page, stored == sum );
+}
+[[gnu::always_inline]] inline void checksumIs( Decoded & to, OsfpPage number, Page const & page,
+                                               MemoryField const & stored, size_t first ) {
+   checksumIs( to, number, page.u8( stored ), page.sum( first, stored.at ) );
+}
+
+/// The module's flags.
+void moduleFlagsIs( Decoded & to, uint8_t flags ) {
+   to.tempHiAlarmIs( flags & mask( "moduleFlags", "temperature high alarm" ) );
+   to.tempLoAlarmIs( flags & mask( "moduleFlags", "temperature low alarm" ) );
+   to.tempHiWarnIs( flags & mask( "moduleFlags", "temperature high warning" ) );
+   to.tempLoWarnIs( flags & mask( "moduleFlags", "temperature low warning" ) );
+   to.voltageHiAlarmIs( flags & mask( "moduleFlags", "voltage high alarm" ) );
+   to.voltageLoAlarmIs( flags & mask( "moduleFlags", "voltage low alarm" ) );
+   to.voltageHiWarnIs( flags & mask( "moduleFlags", "voltage high warning" ) );
+   to.voltageLoWarnIs( flags & mask( "moduleFlags", "voltage low warning" ) );
 }
 
 } // namespace
@@ -217,7 +247,7 @@ void OsfpEepromParser::parseLowerPage() {
    to.identifierIs( static_cast<OsfpIdentifier>( page.u8( row( "identifier" ) ) ) );
    to.flatMemIs( memory & mask( "memoryAndSpeed", "flat memory" ) );
    to.maxSmbusSpeedSupportedIs( static_cast<OsfpSmbusSpeedReg>( memory >> 2 & 3 ) );
-   parseModuleFlags();
+   moduleFlagsIs( to, page.u8( row( "moduleFlags" ) ) );
    to.moduleTypeIs( static_cast<OsfpModuleTypeEncoding>( page.u8( row( "moduleType" ) ) ) );
    to.moduleGlobalAndSquelchControlsIs( page.u8( row( "moduleGlobalAndSquelchControls" ) ) );
    // The first application is kept twice: as what the module is, whatever its code says, and, unless
@@ -232,16 +262,7 @@ void OsfpEepromParser::parseLowerPage() {
 void OsfpEepromParser::parseModuleFlags() {
    VEL_TRACE_SCOPE( trace );
    Page const page( *this, OsfpBank::bankNa, OsfpPage::lowerPage00 );
-   Decoded & to = *parsedEeprom_;
-   uint8_t const flags = page.u8( row( "moduleFlags" ) );
-   to.tempHiAlarmIs( flags & mask( "moduleFlags", "temperature high alarm" ) );
-   to.tempLoAlarmIs( flags & mask( "moduleFlags", "temperature low alarm" ) );
-   to.tempHiWarnIs( flags & mask( "moduleFlags", "temperature high warning" ) );
-   to.tempLoWarnIs( flags & mask( "moduleFlags", "temperature low warning" ) );
-   to.voltageHiAlarmIs( flags & mask( "moduleFlags", "voltage high alarm" ) );
-   to.voltageLoAlarmIs( flags & mask( "moduleFlags", "voltage low alarm" ) );
-   to.voltageHiWarnIs( flags & mask( "moduleFlags", "voltage high warning" ) );
-   to.voltageLoWarnIs( flags & mask( "moduleFlags", "voltage low warning" ) );
+   moduleFlagsIs( *parsedEeprom_, page.u8( row( "moduleFlags" ) ) );
 }
 
 void OsfpEepromParser::parseUpperPage00() {
@@ -258,9 +279,7 @@ void OsfpEepromParser::parseUpperPage00() {
    to.modulePowerIs( page.u16( row( "modulePower" ) ) );
    to.cableLengthIs( page.u8( row( "cableLength" ) ) );
    to.connectorIs( page.u8( row( "connector" ) ) );
-   computePageChecksum( OsfpRegAddr( OsfpBank::bankNa, OsfpPage::upperPage00,
-                                     address( row( "checksumUpperPage00" ) ), 1 ),
-                        0 );
+   checksumIs( to, OsfpPage::upperPage00, page, row( "checksumUpperPage00" ), 0 );
 }
 
 void OsfpEepromParser::parseUpperPage01() {
@@ -294,13 +313,11 @@ void OsfpEepromParser::parseUpperPage01() {
    };
    to.moduleTypeIdentifierIs( assigned( to.moduleTypeIdentifier(), 0 ) );
    for ( uint8_t key = 1; key <= lastKey; ++key ) {
-      if ( to.applicationHas( key ) ) {
-         to.applicationIs( key, assigned( to.application( key ), key ) );
+      if ( OsfpApplication const * application = to.applicationMap().find( key ) ) {
+         to.applicationIs( key, assigned( *application, key ) );
       }
    }
-   computePageChecksum( OsfpRegAddr( OsfpBank::bankNa, OsfpPage::upperPage01,
-                                     address( row( "checksumUpperPage01" ) ), 1 ),
-                        2 );
+   checksumIs( to, OsfpPage::upperPage01, page, row( "checksumUpperPage01" ), 2 );
 }
 
 namespace {
@@ -350,25 +367,21 @@ void OsfpEepromParser::parseUpperPage02() {
                         unreadable,
                         unreadable,
                         unreadable } );
-   computePageChecksum( OsfpRegAddr( OsfpBank::bankNa, OsfpPage::upperPage02,
-                                     address( row( "checksumUpperPage02" ) ), 1 ),
-                        0 );
+   checksumIs( to, OsfpPage::upperPage02, page, row( "checksumUpperPage02" ), 0 );
 }
 
 void OsfpEepromParser::computePageChecksum( OsfpRegAddr const & checksumReg, uint8_t startOffset ) {
    VEL_TRACE_SCOPE( trace );
-   OsfpPage const page = checksumReg.page();
    uint8_t const stored = reg8( checksumReg );
-   Vel::String const string = rawEeprom_->memory( OsfpBankAndPage( checksumReg.bank(), page ) );
+   Vel::String const page =
+      rawEeprom_->memory( OsfpBankAndPage( checksumReg.bank(), checksumReg.page() ) );
    unsigned const end = registerOffset( checksumReg );
-   std::string_view const summed = startOffset < end
-                                      ? PageView( string ).text( startOffset, end - startOffset )
-                                      : std::string_view();
-   auto const sum = static_cast<uint8_t>( signedByteSum( summed ) );
+   std::string_view const guarded = startOffset < end
+                                       ? PageView( page ).text( startOffset, end - startOffset )
+                                       : std::string_view();
    Vel::Hold const hold( *this );
-   parsedEeprom_->checksumIs( page, stored );
-   parsedEeprom_->checksumCalculatedIs( page, sum );
-   parsedEeprom_->checksumValidIs( page, stored == sum );
+   checksumIs( *parsedEeprom_, checksumReg.page(), stored,
+               static_cast<uint8_t>( signedByteSum( guarded ) ) );
 }
 
 void OsfpEepromParser::parseDom() {
@@ -403,33 +416,34 @@ void OsfpEepromParser::parseLaneFlags( bool force ) {
       auto const flags = [&]( MemoryField const & field, uint32_t support ) -> unsigned {
          return force || advertised & support ? page.u8( field ) : 0u;
       };
-      laneFlagsIs<&Decoded::txFaultMap, &Decoded::txFaultIs>(
-         to, flags( row( "txFault" ), mask( "implFlagsAdvertisement", "Tx fault" ) ) );
-      laneFlagsIs<&Decoded::txLosMap, &Decoded::txLosIs>(
-         to, flags( row( "txLos" ), mask( "implFlagsAdvertisement", "Tx LOS" ) ) );
-      laneFlagsIs<&Decoded::txCdrLolMap, &Decoded::txCdrLolIs>(
-         to, flags( row( "txCdrLol" ), mask( "implFlagsAdvertisement", "Tx CDR LOL" ) ) );
-      laneFlagsIs<&Decoded::txAdaptiveInputEqFaultMap, &Decoded::txAdaptiveInputEqFaultIs>(
-         to, flags( row( "txAdaptiveInputEqFault" ),
-                    mask( "implFlagsAdvertisement", "Tx adaptive input EQ fault" ) ) );
-      laneFlagsIs<&Decoded::rxLosMap, &Decoded::rxLosIs>(
-         to, flags( row( "rxLos" ), mask( "implFlagsAdvertisement", "Rx LOS" ) ) );
-      laneFlagsIs<&Decoded::rxCdrLolMap, &Decoded::rxCdrLolIs>(
-         to, flags( row( "rxCdrLol" ), mask( "implFlagsAdvertisement", "Rx CDR LOL" ) ) );
+      to.txFaultImageIs( flags( row( "txFault" ), mask( "implFlagsAdvertisement", "Tx fault" ) ),
+                         allLanes );
+      to.txLosImageIs( flags( row( "txLos" ), mask( "implFlagsAdvertisement", "Tx LOS" ) ),
+                       allLanes );
+      to.txCdrLolImageIs(
+         flags( row( "txCdrLol" ), mask( "implFlagsAdvertisement", "Tx CDR LOL" ) ), allLanes );
+      to.txAdaptiveInputEqFaultImageIs(
+         flags( row( "txAdaptiveInputEqFault" ),
+                mask( "implFlagsAdvertisement", "Tx adaptive input EQ fault" ) ),
+         allLanes );
+      to.rxLosImageIs( flags( row( "rxLos" ), mask( "implFlagsAdvertisement", "Rx LOS" ) ),
+                       allLanes );
+      to.rxCdrLolImageIs(
+         flags( row( "rxCdrLol" ), mask( "implFlagsAdvertisement", "Rx CDR LOL" ) ), allLanes );
    }
    // clang-format off
-   laneFlagsIs<&Decoded::txPowerHiAlarmMap, &Decoded::txPowerHiAlarmIs>( to, page.u8( row( "txPowerHiAlarm" ) ) );
-   laneFlagsIs<&Decoded::txPowerLoAlarmMap, &Decoded::txPowerLoAlarmIs>( to, page.u8( row( "txPowerLoAlarm" ) ) );
-   laneFlagsIs<&Decoded::txPowerHiWarnMap, &Decoded::txPowerHiWarnIs>( to, page.u8( row( "txPowerHiWarn" ) ) );
-   laneFlagsIs<&Decoded::txPowerLoWarnMap, &Decoded::txPowerLoWarnIs>( to, page.u8( row( "txPowerLoWarn" ) ) );
-   laneFlagsIs<&Decoded::txBiasHiAlarmMap, &Decoded::txBiasHiAlarmIs>( to, page.u8( row( "txBiasHiAlarm" ) ) );
-   laneFlagsIs<&Decoded::txBiasLoAlarmMap, &Decoded::txBiasLoAlarmIs>( to, page.u8( row( "txBiasLoAlarm" ) ) );
-   laneFlagsIs<&Decoded::txBiasHiWarnMap, &Decoded::txBiasHiWarnIs>( to, page.u8( row( "txBiasHiWarn" ) ) );
-   laneFlagsIs<&Decoded::txBiasLoWarnMap, &Decoded::txBiasLoWarnIs>( to, page.u8( row( "txBiasLoWarn" ) ) );
-   laneFlagsIs<&Decoded::rxPowerHiAlarmMap, &Decoded::rxPowerHiAlarmIs>( to, page.u8( row( "rxPowerHiAlarm" ) ) );
-   laneFlagsIs<&Decoded::rxPowerLoAlarmMap, &Decoded::rxPowerLoAlarmIs>( to, page.u8( row( "rxPowerLoAlarm" ) ) );
-   laneFlagsIs<&Decoded::rxPowerHiWarnMap, &Decoded::rxPowerHiWarnIs>( to, page.u8( row( "rxPowerHiWarn" ) ) );
-   laneFlagsIs<&Decoded::rxPowerLoWarnMap, &Decoded::rxPowerLoWarnIs>( to, page.u8( row( "rxPowerLoWarn" ) ) );
+   to.txPowerHiAlarmImageIs( page.u8( row( "txPowerHiAlarm" ) ), allLanes );
+   to.txPowerLoAlarmImageIs( page.u8( row( "txPowerLoAlarm" ) ), allLanes );
+   to.txPowerHiWarnImageIs( page.u8( row( "txPowerHiWarn" ) ), allLanes );
+   to.txPowerLoWarnImageIs( page.u8( row( "txPowerLoWarn" ) ), allLanes );
+   to.txBiasHiAlarmImageIs( page.u8( row( "txBiasHiAlarm" ) ), allLanes );
+   to.txBiasLoAlarmImageIs( page.u8( row( "txBiasLoAlarm" ) ), allLanes );
+   to.txBiasHiWarnImageIs( page.u8( row( "txBiasHiWarn" ) ), allLanes );
+   to.txBiasLoWarnImageIs( page.u8( row( "txBiasLoWarn" ) ), allLanes );
+   to.rxPowerHiAlarmImageIs( page.u8( row( "rxPowerHiAlarm" ) ), allLanes );
+   to.rxPowerLoAlarmImageIs( page.u8( row( "rxPowerLoAlarm" ) ), allLanes );
+   to.rxPowerHiWarnImageIs( page.u8( row( "rxPowerHiWarn" ) ), allLanes );
+   to.rxPowerLoWarnImageIs( page.u8( row( "rxPowerLoWarn" ) ), allLanes );
    // clang-format on
 }
 
@@ -437,12 +451,11 @@ void OsfpEepromParser::parseLaneTuning() {
    VEL_TRACE_SCOPE( trace );
    Page const page( *this, OsfpBank::bank0, OsfpPage::upperPage11 );
    Decoded & to = *parsedEeprom_;
-   laneFlagsIs<&Decoded::txInputAdaptiveEqEnableMap, &Decoded::txInputAdaptiveEqEnableIs>(
-      to, page.u8( row( "txInputAdaptiveEqEnable" ) ) );
-   laneCodesIs<&Decoded::txInputEqualizationIs>( to, page, row( "txInputEqualization" ) );
-   laneCodesIs<&Decoded::rxOutputPreEmphasisIs>( to, page, row( "rxOutputPreEmphasis" ) );
-   laneCodesIs<&Decoded::rxOutputPostEmphasisIs>( to, page, row( "rxOutputPostEmphasis" ) );
-   laneCodesIs<&Decoded::rxOutputAmplitudeIs>( to, page, row( "rxOutputAmplitude" ) );
+   to.txInputAdaptiveEqEnableImageIs( page.u8( row( "txInputAdaptiveEqEnable" ) ), allLanes );
+   to.txInputEqualizationImageIs( laneCodes( page, row( "txInputEqualization" ) ), allLanes );
+   to.rxOutputPreEmphasisImageIs( laneCodes( page, row( "rxOutputPreEmphasis" ) ), allLanes );
+   to.rxOutputPostEmphasisImageIs( laneCodes( page, row( "rxOutputPostEmphasis" ) ), allLanes );
+   to.rxOutputAmplitudeImageIs( laneCodes( page, row( "rxOutputAmplitude" ) ), allLanes );
 }
 
 void OsfpEepromParser::parseUpperPage10() {
@@ -456,7 +469,7 @@ void OsfpEepromParser::parseUpperPage11() {
    Page const page( *this, OsfpBank::bank0, OsfpPage::upperPage11 );
    constexpr MemoryField field = row( "activeControlSet" );
    OsfpRegAddr const area( OsfpBank::bank0, OsfpPage::upperPage11, address( field ), field.width );
-   std::string_view const data = page.bytes( field );
+   std::string_view const data = page.view( field );
    VEL_ASSERT( data.size() == area.size() );
    if ( writeShadow_->activeControlSet() != data ) {
       writeShadow_->activeControlSetIs( data );

@@ -1,6 +1,7 @@
 #include <Xcvr/XcvrInterfaceCodes.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iterator>
 
@@ -291,6 +292,20 @@ static_assert( std::ranges::all_of( tables, []( Table const & table ) {
           table.codes.end();
 } ) );
 
+/// The media type of every code, found without a search: a module is parsed over and over.
+constexpr auto mediaTypes = [] {
+   std::array<std::array<uint8_t, 256>, std::size( tables )> result{};
+   for ( size_t i = 0; i < std::size( tables ); ++i ) {
+      result[i].fill( static_cast<uint8_t>( tables[i].unknown ) );
+      for ( InterfaceCode const & row : tables[i].codes ) {
+         if ( row.mediaType != xcvrUnknown ) {
+            result[i][row.code] = static_cast<uint8_t>( row.mediaType );
+         }
+      }
+   }
+   return result;
+}();
+
 Table const & tableOf( InterfaceTable table ) {
    return tables[static_cast<size_t>( table )];
 }
@@ -317,8 +332,7 @@ Vel::String interfaceName( std::optional<InterfaceTable> table, uint8_t code ) {
 }
 
 MediaType interfaceMediaType( InterfaceTable table, uint8_t code ) {
-   InterfaceCode const * row = interfaceCode( table, code );
-   return row && row->mediaType != xcvrUnknown ? row->mediaType : tableOf( table ).unknown;
+   return static_cast<MediaType>( mediaTypes[static_cast<size_t>( table )][code] );
 }
 
 std::optional<InterfaceTable> mediaInterfaceTable( OsfpModuleTypeEncoding type ) {

@@ -123,7 +123,7 @@ class XCVR_API OsfpDecodedEepromContents : public Vel::Entity {
    template <typename T>
    using ByPage = Vel::DenseMap<OsfpPage, T, 7>;
    using LaneFlags = Vel::DenseFlags<ChannelId, ChannelId::velBound + 1>;
-   using LaneCodes = Vel::DenseMap<ChannelId, uint8_t, ChannelId::velBound + 1>;
+   using LaneCodes = Vel::DenseNibbles<ChannelId, 2 * osfpLanes>;
    using LaneDom = Vel::DenseMap<LaneId, DomInfo, osfpLanes>;
 
    explicit OsfpDecodedEepromContents( Vel::Name name ) : Vel::Entity( std::move( name ) ) {}

@@ -154,15 +154,92 @@ class DenseFlags {
       return { K( place ), static_cast<bool>( bits_ >> place & 1 ) };
    }
 
-   /// The places, of those in `mask`, that do not hold the bits of `image`: writing the others would
-   /// change nothing.
-   [[nodiscard]] uint32_t differing( uint32_t image, uint32_t mask ) const {
-      return ( ~held_ | ( bits_ ^ image ) ) & mask;
+   /// Stores the bits of an image at the places of a mask; the places where that changed anything.
+   uint32_t storeImage( uint32_t image, uint32_t mask ) {
+      VEL_ASSERT( uint64_t{ mask } >> places == 0 );
+      uint32_t const changed = ( ~held_ | ( bits_ ^ image ) ) & mask;
+      held_ |= mask;
+      bits_ = ( bits_ & ~mask ) | ( image & mask );
+      return changed;
    }
 
  private:
    uint32_t held_ = 0;
    uint32_t bits_ = 0;
+};
+
+/// The same for numbers of 0 to 15, four bits each. Writing a larger number is fatal.
+template <typename K, std::size_t places>
+class DenseNibbles {
+   static_assert( places <= 16 );
+
+ public:
+   using key_type = K;
+   using mapped_type = uint8_t;
+   struct Entry {
+      K first;
+      uint8_t second;
+   };
+
+   [[nodiscard]] bool contains( K const & key ) const {
+      std::size_t const place = velDensePlace( key );
+      return place < places && held_ >> place & 1;
+   }
+   [[nodiscard]] uint8_t at( K const & key ) const {
+      return contains( key ) ? number( velDensePlace( key ) ) : uint8_t( 0 );
+   }
+   bool store( K const & key, uint8_t value ) {
+      std::size_t const place = velDensePlace( key );
+      VEL_ASSERT( place < places && value < 16 );
+      if ( held_ >> place & 1 && number( place ) == value ) {
+         return false;
+      }
+      held_ |= uint32_t( 1 ) << place;
+      numbers_ = ( numbers_ & ~( uint64_t( 15 ) << 4 * place ) ) | uint64_t{ value } << 4 * place;
+      return true;
+   }
+   bool erase( K const & key ) {
+      if ( !contains( key ) ) {
+         return false;
+      }
+      std::size_t const place = velDensePlace( key );
+      held_ &= ~( uint32_t( 1 ) << place );
+      numbers_ &= ~( uint64_t( 15 ) << 4 * place );
+      return true;
+   }
+
+   [[nodiscard]] bool empty() const { return held_ == 0; }
+   [[nodiscard]] std::size_t size() const {
+      return static_cast<std::size_t>( std::popcount( held_ ) );
+   }
+   [[nodiscard]] auto begin() const { return DenseIterator( *this, held_ ); }
+   [[nodiscard]] auto end() const { return DenseIterator( *this, 0 ); }
+   [[nodiscard]] Entry entry( std::size_t place ) const { return { K( place ), number( place ) }; }
+
+   /// Stores the numbers of an image at the places of a mask; the places where that changed anything.
+   uint32_t storeImage( uint64_t image, uint32_t mask ) {
+      VEL_ASSERT( uint64_t{ mask } >> places == 0 );
+      uint32_t changed = ~held_ & mask;
+      for ( uint64_t left = numbers_ ^ image; left != 0; ) {
+         int const place = std::countr_zero( left ) / 4;
+         uint64_t const field = uint64_t( 15 ) << 4 * place;
+         if ( mask >> place & 1 ) {
+            numbers_ = ( numbers_ & ~field ) | ( image & field );
+            changed |= uint32_t( 1 ) << place;
+         }
+         left &= ~field;
+      }
+      held_ |= mask;
+      return changed;
+   }
+
+ private:
+   [[nodiscard]] uint8_t number( std::size_t place ) const {
+      return static_cast<uint8_t>( numbers_ >> 4 * place & 15 );
+   }
+
+   uint64_t numbers_ = 0; // 0 where none is held
+   uint32_t held_ = 0;
 };
 
 } // namespace Vel

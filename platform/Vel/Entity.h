@@ -8,6 +8,7 @@
 #include <Vel/TypeRegistry.h>
 #include <Vel/Types.h>
 
+#include <bit>
 #include <map>
 
 namespace Vel {
@@ -297,7 +298,9 @@ class Ref : public NotifieeBase {
 ///    ( OrderedValues, … )                  the same, iterated in the order of the keys
 ///    ( Records, foo, onFoo, Storage )      as Values, but a value carries its own key, so that the
 ///                                          setter is fooIs( v ), and the type of the storage is given
-///    ( DenseValues, foo, onFoo, Storage )  as Values, in a storage of <Vel/DenseMap.h>
+///    ( DenseValues, foo, onFoo, Storage )  as Values, in a storage of <Vel/DenseMap.h>; where that is
+///                                          an image of bits, fooImageIs( image, mask ) writes the
+///                                          places of a mask before it tells of those that changed
 ///    ( Children, foo, onFoo, Key, Child )  fooIs( key ) makes a Child( key ) or returns the one that
 ///                                          is there, an absent key reads as null; else as Values
 ///    ( OrderedChildren, … )                the same, iterated in the order of the keys
@@ -497,6 +500,16 @@ class Ref : public NotifieeBase {
    void name##Is( name##Storage::key_type velKey, Vel::In<name##Storage::mapped_type> velNew ) {   \
       if ( name##_.store( velKey, velNew ) ) {                                                     \
          name##Notify( velKey );                                                                   \
+      }                                                                                            \
+   }                                                                                               \
+   template <typename Image, typename Storage = name##Storage>                                     \
+   void name##ImageIs( Image velImage, uint32_t velMask ) {                                        \
+      uint32_t velLeft = static_cast<Storage &>( name##_ ).storeImage( velImage, velMask );        \
+      if ( velLeft != 0 && velObserved() ) {                                                       \
+         Vel::Hold const velHold( *this );                                                         \
+         for ( ; velLeft != 0; velLeft &= velLeft - 1 ) {                                          \
+            name##Notify( typename Storage::key_type( std::countr_zero( velLeft ) ) );             \
+         }                                                                                         \
       }                                                                                            \
    }
 
