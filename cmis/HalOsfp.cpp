@@ -118,16 +118,19 @@ Vel::String OsfpEepromParser::reg( OsfpRegAddr const & reg ) const {
 
 namespace {
 
+/// The bytes of a page as they were read, valid until the next write to the raw contents.
+std::string_view pageOf( OsfpRawEepromContents const & raw, OsfpBank bank, OsfpPage page ) {
+   auto const found = raw.memoryMap().find( OsfpBankAndPage( bank, page ) );
+   return found != raw.memoryMap().end() ? found->second.view() : std::string_view();
+}
+
 /// A page while it is being parsed; an address is taken as the standard numbers it or as the field
 /// table does. The bytes are whole, with zeros behind the end of a short page, and they are a copy: the
 /// observers of what is parsed may change the page, and drop the parser too, which stays until the end.
 class Page {
  public:
    Page( OsfpEepromParser const & parser, OsfpBank bank, OsfpPage page ) : hold_( parser ) {
-      auto const & memory = parser.rawEeprom()->memoryMap();
-      auto const found = memory.find( OsfpBankAndPage( bank, page ) );
-      std::string_view const bytes =
-         found != memory.end() ? found->second.view() : std::string_view();
+      std::string_view const bytes = pageOf( *parser.rawEeprom(), bank, page );
       constexpr size_t whole = CmisTable::pageSize;
       size_ = std::min( bytes.size(), whole );
       if ( size_ == whole ) [[likely]] {
@@ -156,11 +159,10 @@ class Page {
    /// The bytes of a field; fewer when the page ends early. Inlined always, so that the copy of a whole
    /// one is of constant width.
    [[nodiscard, gnu::always_inline]] Vel::String bytes( MemoryField const & field ) const {
-      return field.end() <= size_ ? Vel::String( chars() + field.at, field.width )
-                                  : Vel::String( view( field ) );
-   }
-   [[nodiscard]] std::string_view view( MemoryField const & field ) const {
-      return PageView( std::string_view( chars(), size_ ) ).text( field.at, field.width );
+      return field.end() <= size_
+                ? Vel::String( chars() + field.at, field.width )
+                : Vel::String(
+                     PageView( std::string_view( chars(), size_ ) ).text( field.at, field.width ) );
    }
    /// The sum of the bytes from one up to another.
    [[nodiscard]] uint8_t sum( size_t first, size_t end ) const {
@@ -460,16 +462,16 @@ void OsfpEepromParser::parseLaneTuning() {
 
 void OsfpEepromParser::parseUpperPage10() {
    VEL_TRACE_SCOPE( trace );
-   Page const page( *this, OsfpBank::bank0, OsfpPage::upperPage10 );
-   writeShadow_->laneTxDisableIs( page.u8( row( "laneTxDisable" ) ) );
+   PageView const page = pageOf( *rawEeprom_, OsfpBank::bank0, OsfpPage::upperPage10 );
+   writeShadow_->laneTxDisableIs( page.u8( row( "laneTxDisable" ).at ) );
 }
 
 void OsfpEepromParser::parseUpperPage11() {
    VEL_TRACE_SCOPE( trace );
-   Page const page( *this, OsfpBank::bank0, OsfpPage::upperPage11 );
+   PageView const page = pageOf( *rawEeprom_, OsfpBank::bank0, OsfpPage::upperPage11 );
    constexpr MemoryField field = row( "activeControlSet" );
    OsfpRegAddr const area( OsfpBank::bank0, OsfpPage::upperPage11, address( field ), field.width );
-   std::string_view const data = page.view( field );
+   std::string_view const data = page.text( field.at, field.width );
    VEL_ASSERT( data.size() == area.size() );
    if ( writeShadow_->activeControlSet() != data ) {
       writeShadow_->activeControlSetIs( data );

@@ -1,6 +1,7 @@
 // Writes the example modules, one labelled image each, into the folder given as argument:
 //    make_modules examples/modules
 // The modules and their vendors are invented. The same images come out of every run.
+#include "examples/CmisModules.h"
 #include "tests/support/SfpImageBuilder.h"
 
 #include <cmath>
@@ -259,13 +260,31 @@ struct Example {
    SfpImageBuilder module;
 };
 
-bool write( std::filesystem::path const & folder, Example const & example ) {
+void writePages( std::ostream & out, SfpImageBuilder const & module ) {
+   writePage( out, "a0h", module.a0h() );
+   writePage( out, "a2h", module.a2h() );
+}
+
+void writePages( std::ostream & out, XcvrTest::CmisImageBuilder const & module ) {
+   for ( auto const & page : XcvrTest::CmisImageBuilder::allPages ) {
+      bool const banked = page.bank != Xcvr::OsfpBank::bankNa;
+      std::string const label = std::string( page.label ) + ( banked ? ".0" : "" );
+      writePage( out, label.c_str(), module.page( page.label ) );
+   }
+}
+
+template <typename AnyExample>
+bool write( std::filesystem::path const & folder, AnyExample const & example ) {
    std::ofstream out( folder / ( std::string( example.name ) + ".txt" ) );
    out << "# " << example.about
        << "\n# Made by examples/make_modules.cpp; the vendor is invented.\n";
-   writePage( out, "a0h", example.module.a0h() );
-   writePage( out, "a2h", example.module.a2h() );
-   return out.flush().good();
+   writePages( out, example.module );
+   if ( !out.flush().good() ) {
+      std::cerr << "make_modules: cannot write " << example.name << " into " << folder.string()
+                << "\n";
+      return false;
+   }
+   return true;
 }
 
 } // namespace
@@ -288,11 +307,12 @@ int main( int argc, char ** argv ) {
       { "bad-checksum", "1000BASE-SX whose extended checksum is wrong, with a weak signal",
         badChecksum() },
    };
+   bool written = true;
    for ( Example const & example : examples ) {
-      if ( !write( argv[1], example ) ) {
-         std::cerr << "make_modules: cannot write " << example.name << " into " << argv[1] << "\n";
-         return 1;
-      }
+      written = written && write( argv[1], example );
    }
-   return 0;
+   for ( CmisExample const & example : cmisExamples() ) {
+      written = written && write( argv[1], example );
+   }
+   return written ? 0 : 1;
 }
