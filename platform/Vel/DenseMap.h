@@ -151,7 +151,7 @@ class DenseFlags {
    [[nodiscard]] auto begin() const { return DenseIterator( *this, held_ ); }
    [[nodiscard]] auto end() const { return DenseIterator( *this, 0 ); }
    [[nodiscard]] Entry entry( std::size_t place ) const {
-      return { K( place ), static_cast<bool>( bits_ >> place & 1 ) };
+      return { K( static_cast<uint8_t>( place ) ), static_cast<bool>( bits_ >> place & 1 ) };
    }
 
    /// Stores the bits of an image at the places of a mask; the places where that changed anything.
@@ -214,7 +214,9 @@ class DenseNibbles {
    }
    [[nodiscard]] auto begin() const { return DenseIterator( *this, held_ ); }
    [[nodiscard]] auto end() const { return DenseIterator( *this, 0 ); }
-   [[nodiscard]] Entry entry( std::size_t place ) const { return { K( place ), number( place ) }; }
+   [[nodiscard]] Entry entry( std::size_t place ) const {
+      return { K( static_cast<uint8_t>( place ) ), number( place ) };
+   }
 
    /// Stores the numbers of an image at the places of a mask; the places where that changed anything.
    uint32_t storeImage( uint64_t image, uint32_t mask ) {

@@ -111,7 +111,7 @@ TEST( CmisParserTest, ApplicationsBySelectCode ) {
    EXPECT_EQ( module.decoded->applicationMap().size(), 15u );
    for ( uint8_t code = 1; code <= 15; ++code ) {
       OsfpApplication const application = module.decoded->application( code );
-      EXPECT_EQ( application.value(), code << 24 | 0x1c8401u );
+      EXPECT_EQ( application.value(), uint32_t{ code } << 24 | 0x1c8401u );
       // The media lanes are those of the next application, at 176 + code.
       EXPECT_EQ( application.mediaLaneAssignment(), code == 15 ? 0x99 : 0x41 + code );
    }
@@ -386,7 +386,7 @@ TEST( CmisParserTest, EveryLaneFlagHasItsByte ) {
             bool const written = c.support == 0 || advertised != 0 || force;
             bool const shown = c.support == 0 || advertised & c.support || force;
             EXPECT_EQ( held.size(), written ? 8u : 0u ) << c.field << advertised;
-            EXPECT_EQ( lanesOf( held ), shown ? 0x81u + 4 * i : 0u ) << c.field << advertised;
+            EXPECT_EQ( lanesOf( held ), shown ? 0x81u + 4u * i : 0u ) << c.field << advertised;
          }
       }
    }
