@@ -1,7 +1,8 @@
+#include "core/WallClock.h"
+
 #include <Vel/DefineEntity.h>
 #include <Xcvr/XcvrConfig.h>
 
-#include <chrono>
 #include <string>
 
 namespace Xcvr {
@@ -17,10 +18,7 @@ VEL_ENTITY_DEFINE( LaneConfig )
 VEL_ENTITY_DEFINE( XcvrLaneConfig, xcvrLaneConfigFactory )
 VEL_ENTITY_DEFINE( XcvrLaneConfigDir, xcvrLaneConfigDirFactory )
 
-XcvrConfig::XcvrConfig( Vel::Name name )
-   : XcvrConfig( std::move( name ), std::chrono::duration<Vel::Seconds>(
-                                       std::chrono::system_clock::now().time_since_epoch() )
-                                       .count() ) {}
+XcvrConfig::XcvrConfig( Vel::Name name ) : XcvrConfig( std::move( name ), wallClock() ) {}
 
 XcvrConfig::XcvrConfig( Vel::Name name, Vel::Seconds initTime )
    : Vel::Entity( std::move( name ) ), initTime_( initTime ) {}

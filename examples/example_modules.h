@@ -11,7 +11,7 @@ namespace Examples {
 
 /// A page of a labelled image; without bytes it is left out.
 struct Page {
-   std::string_view label;
+   std::string label;
    std::string bytes;
 };
 
@@ -22,6 +22,7 @@ struct Example {
 };
 
 std::vector<Example> qsfpExamples();
+std::vector<Example> cmisExamples();
 
 struct Vendor {
    char const * name;

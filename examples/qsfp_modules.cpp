@@ -223,7 +223,7 @@ QsfpImageBuilder hundredGigDr() {
 Example qsfp( char const * name, char const * about, QsfpImageBuilder const & module ) {
    Example example{ name, about, {} };
    for ( std::string_view label : QsfpImageBuilder::labels ) {
-      example.pages.push_back( { label, module.page( label ) } );
+      example.pages.push_back( { std::string( label ), module.page( label ) } );
    }
    return example;
 }

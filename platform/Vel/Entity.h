@@ -8,6 +8,7 @@
 #include <Vel/TypeRegistry.h>
 #include <Vel/Types.h>
 
+#include <bit>
 #include <map>
 
 namespace Vel {
@@ -297,6 +298,9 @@ class Ref : public NotifieeBase {
 ///    ( OrderedValues, … )                  the same, iterated in the order of the keys
 ///    ( Records, foo, onFoo, Storage )      as Values, but a value carries its own key, so that the
 ///                                          setter is fooIs( v ), and the type of the storage is given
+///    ( DenseValues, foo, onFoo, Storage )  as Values, in a storage of <Vel/DenseMap.h>; where that is
+///                                          an image of bits, fooImageIs( image, mask ) writes the
+///                                          places of a mask before it tells of those that changed
 ///    ( Children, foo, onFoo, Key, Child )  fooIs( key ) makes a Child( key ) or returns the one that
 ///                                          is there, an absent key reads as null; else as Values
 ///    ( OrderedChildren, … )                the same, iterated in the order of the keys
@@ -458,7 +462,7 @@ class Ref : public NotifieeBase {
    VEL_MEMBERS_Owned_( name, onName, Vel::Name, Vel::HashMap, __VA_ARGS__ )                        \
    VEL_MEMBERS_AnyPointers_( true, name, onName, __VA_ARGS__ )
 
-#define VEL_MEMBERS_Records_( name, onName, ... )                                                  \
+#define VEL_MEMBERS_Stored_( name, onName, ... )                                                   \
  private:                                                                                          \
    __VA_ARGS__ name##_;                                                                            \
                                                                                                    \
@@ -473,11 +477,6 @@ class Ref : public NotifieeBase {
    [[nodiscard]] name##Storage::mapped_type name( name##Storage::key_type velKey ) const {         \
       return name##_.at( velKey );                                                                 \
    }                                                                                               \
-   void name##Is( Vel::In<name##Storage::mapped_type> velNew ) {                                   \
-      if ( name##_.store( velNew ) ) {                                                             \
-         name##Notify( name##Storage::keyOf( velNew ) );                                           \
-      }                                                                                            \
-   }                                                                                               \
    void name##Del( name##Storage::key_type velKey ) {                                              \
       if ( name##_.erase( velKey ) ) {                                                             \
          name##Notify( velKey );                                                                   \
@@ -488,6 +487,30 @@ class Ref : public NotifieeBase {
    }                                                                                               \
    void name##Notify( name##Storage::key_type velKey ) const {                                     \
       velTellEntry( VEL_KEYED_( name##Storage::key_type, name, onName ), velKey );                 \
+   }
+#define VEL_MEMBERS_Records_( name, onName, ... )                                                  \
+   VEL_MEMBERS_Stored_( name, onName, __VA_ARGS__ )                                                \
+   void name##Is( Vel::In<name##Storage::mapped_type> velNew ) {                                   \
+      if ( name##_.store( velNew ) ) {                                                             \
+         name##Notify( name##Storage::keyOf( velNew ) );                                           \
+      }                                                                                            \
+   }
+#define VEL_MEMBERS_DenseValues_( name, onName, ... )                                              \
+   VEL_MEMBERS_Stored_( name, onName, __VA_ARGS__ )                                                \
+   void name##Is( name##Storage::key_type velKey, Vel::In<name##Storage::mapped_type> velNew ) {   \
+      if ( name##_.store( velKey, velNew ) ) {                                                     \
+         name##Notify( velKey );                                                                   \
+      }                                                                                            \
+   }                                                                                               \
+   template <typename Image, typename Storage = name##Storage>                                     \
+   void name##ImageIs( Image velImage, uint32_t velMask ) {                                        \
+      uint32_t velLeft = static_cast<Storage &>( name##_ ).storeImage( velImage, velMask );        \
+      if ( velLeft != 0 && velObserved() ) {                                                       \
+         Vel::Hold const velHold( *this );                                                         \
+         for ( ; velLeft != 0; velLeft &= velLeft - 1 ) {                                          \
+            name##Notify( typename Storage::key_type( std::countr_zero( velLeft ) ) );             \
+         }                                                                                         \
+      }                                                                                            \
    }
 
 #define VEL_MEMBERS_AnyChildren_( Map, name, onName, Key, ... )                                    \
@@ -563,6 +586,7 @@ class Ref : public NotifieeBase {
 #define VEL_HANDLERS_OrderedValues_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_Records_( name, onName, ... )                                                 \
    VEL_HANDLERS_Values_( name, onName, __VA_ARGS__::key_type )
+#define VEL_HANDLERS_DenseValues_ VEL_HANDLERS_Records_
 #define VEL_HANDLERS_Children_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_OrderedChildren_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_Pointers_( name, onName, ... ) VEL_HANDLERS_Values_( name, onName, Vel::Name )
@@ -585,6 +609,7 @@ class Ref : public NotifieeBase {
    VEL_ROW_( orderedValues, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_Records_( name, onName, ... )                                                      \
    VEL_ROW_( values, __VA_ARGS__::key_type, name, name##Map, __VA_ARGS__::mapped_type )
+#define VEL_ROW_DenseValues_ VEL_ROW_Records_
 #define VEL_ROW_Children_( name, onName, Key, ... )                                                \
    VEL_ROW_( children, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_OrderedChildren_( name, onName, Key, ... )                                         \

@@ -155,9 +155,13 @@ class VEL_API String {
       std::memcpy( &result, raw_, sizeof result );
       return result;
    }
-// GCC takes the loads of longer texts for reads of a literal that is shorter.
+// GCC takes the loads of longer texts for reads of a literal that is shorter, or of a buffer that is
+// not filled so far.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Warray-bounds"
+#ifndef __clang__
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
    template <typename T>
    [[gnu::always_inline]] static uint64_t load( char const * at ) {
       T word;
