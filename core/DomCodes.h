@@ -48,6 +48,11 @@ inline double power( double code ) {
    return 10 * std::log10( code * 1e-7 ) + 30;
 }
 
+/// A 16-bit floating-point number: five bits of a decimal exponent, eleven of mantissa; 0 to 2.047e10.
+inline double f16( uint16_t code ) {
+   return ( code & 0x7ff ) * std::pow( 10, ( code >> 11 ) - 24 );
+}
+
 /// External calibration of received power: a polynomial, the coefficients from the constant up.
 inline double rxPolynomial( double r, double c0, double c1, double c2, double c3, double c4 ) {
    return c4 * ( r * r * r * r ) + c3 * ( r * r * r ) + c2 * ( r * r ) + c1 * r + c0;

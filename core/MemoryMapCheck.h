@@ -44,11 +44,35 @@ constexpr bool overlap( MemoryField const & a, MemoryField const & b ) {
    return a.page == b.page && a.at < b.end() && b.at < a.end();
 }
 
+/// Whether a row lies on bytes of another one. Compilers limit how many steps they take while they
+/// compile: so only rows of the same page, which stand together, are asked.
+constexpr bool sharesBytes( MemoryField const * rows, size_t count, size_t i ) {
+   for ( size_t j = i; j-- > 0 && rows[j].page == rows[i].page; ) {
+      if ( overlap( rows[j], rows[i] ) ) {
+         return true;
+      }
+   }
+   return i + 1 < count && overlap( rows[i], rows[i + 1] );
+}
+
+/// Whether an earlier row has the name of this one.
+constexpr bool nameIsTaken( MemoryField const * rows, size_t i ) {
+   std::string_view const name = rows[i].name;
+   for ( size_t j = 0; j < i; ++j ) {
+      if ( rows[j].name.size() == name.size() && rows[j].name == name ) {
+         return true;
+      }
+   }
+   return false;
+}
+
 /// What is wrong with the table; empty when nothing is.
 constexpr std::string_view memoryMapFault( std::span<MemoryField const> fields,
                                            uint32_t pageSize ) {
-   for ( size_t i = 0; i < fields.size(); ++i ) {
-      MemoryField const & field = fields[i];
+   MemoryField const * rows = fields.data();
+   size_t const count = fields.size();
+   for ( size_t i = 0; i < count; ++i ) {
+      MemoryField const & field = rows[i];
       if ( !widthFitsKind( field ) ) {
          return "the width of a row does not fit its kind";
       }
@@ -58,22 +82,18 @@ constexpr std::string_view memoryMapFault( std::span<MemoryField const> fields,
       if ( !bitsDescendWithin( field ) ) {
          return "the bits of a row are out of order or outside it";
       }
-      if ( i > 0 && fields[i - 1].page == field.page && fields[i - 1].at > field.at ) {
+      if ( i > 0 && rows[i - 1].page == field.page && rows[i - 1].at > field.at ) {
          return "rows are out of order";
       }
-      bool sharesBytes = false;
-      for ( size_t j = 0; j < fields.size(); ++j ) {
-         if ( i != j && fields[j].name == field.name ) {
-            return "two rows have one name";
-         }
-         if ( i != j && overlap( fields[j], field ) ) {
-            sharesBytes = true;
-            if ( !field.shared && !fields[j].shared ) {
-               return "rows overlap without being marked as shared";
-            }
+      if ( nameIsTaken( rows, i ) ) {
+         return "two rows have one name";
+      }
+      for ( size_t j = i + 1; j < count && overlap( field, rows[j] ); ++j ) {
+         if ( !field.shared && !rows[j].shared ) {
+            return "rows overlap without being marked as shared";
          }
       }
-      if ( field.shared && !sharesBytes ) {
+      if ( field.shared && !sharesBytes( rows, count, i ) ) {
          return "a row marked as shared shares nothing";
       }
    }

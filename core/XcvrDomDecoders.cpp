@@ -42,6 +42,10 @@ double decodeDomICPower( uint8_t msb, uint8_t lsb ) {
    return DomCodes::power( word( msb, lsb ) );
 }
 
+double decodeDomF16( uint8_t msb, uint8_t lsb ) {
+   return DomCodes::f16( word( msb, lsb ) );
+}
+
 double decodeDomECSlope( uint8_t msb, uint8_t lsb ) {
    return DomCodes::slope( word( msb, lsb ) );
 }

@@ -1,7 +1,8 @@
 #include <Xcvr/XcvrOptics.h>
 
+#include "core/DomNeutral.h"
+
 #include <cmath>
-#include <limits>
 
 namespace Xcvr {
 
@@ -33,7 +34,6 @@ double addFourPower( double a, double b, double c, double d ) {
 DomAggPower aggQsfpCfp2Power( double tx0, double tx1, double tx2, double tx3, double rx0,
                               double rx1, double rx2, double rx3, bool txValid, bool rxValid,
                               Vel::Seconds time ) {
-   constexpr double unreadable = -std::numeric_limits<double>::infinity();
    return { time, domCalibrationInternal, txValid ? addFourPower( tx0, tx1, tx2, tx3 ) : unreadable,
             rxValid ? addFourPower( rx0, rx1, rx2, rx3 ) : unreadable };
 }

@@ -1,3 +1,5 @@
+#include "core/DomNeutral.h"
+
 #include <Vel/Assert.h>
 #include <Vel/DefineEntity.h>
 #include <Vel/Exception.h>
@@ -8,7 +10,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <string>
 
@@ -22,8 +23,6 @@ VEL_ENTITY_DEFINE( XcvrNewStatus )
 namespace {
 
 Vel::TraceHandle trace( "Xcvr" );
-
-constexpr double unreadable = -std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -67,9 +66,7 @@ EnhancedDomSensorCategory XcvrNewStatus::enhancedDomSensorCategory() const { ret
 
 DomInfo XcvrNewStatus::domInfo( LaneId ) const {
    MISSING();
-   return {
-      0,         domCalibrationUnknown, unreadable, unreadable, unreadable, unreadable, unreadable,
-      unreadable };
+   return unreadableDomInfo( 0 );
 }
 
 DomAggPower XcvrNewStatus::domAggPower() const {
@@ -79,10 +76,7 @@ DomAggPower XcvrNewStatus::domAggPower() const {
 
 DomThreshold XcvrNewStatus::domThreshold() const {
    MISSING();
-   DomThreshold result;
-   DomThreshold::velFields(
-      [&result]( auto const &, double DomThreshold::*limit ) { result.*limit = unreadable; } );
-   return result;
+   return unreadableDomThreshold();
 }
 
 EnhancedDomThreshold XcvrNewStatus::enhancedDomThreshold( uint32_t ) const {

@@ -1,11 +1,8 @@
 // The media type decision of SFP modules: one table of rules, and what rests on the same bits.
-#include "core/DecisionTable.h"
+#include "core/MediaTypeRules.h"
 
 #include <Vel/Trace.h>
 #include <Xcvr/XcvrSfpPlus.h>
-
-#include <algorithm>
-#include <array>
 
 namespace Xcvr {
 namespace {
@@ -206,16 +203,10 @@ constexpr bool isAnything( PageView ) {
    return true;
 }
 
-struct DecisionRule {
-   std::string_view why;
-   bool ( *matches )( PageView );
-   MediaType mediaType;
-};
-
 // Tried from the top; the first that matches decides. The order matters: extended codes speak
 // before the 10G bits, these before the bit rate, and the lengths come last.
 // clang-format off
-constexpr DecisionRule rules[] = {
+constexpr MediaTypePageRule rules[] = {
    { "page A0h is empty", isEmpty, xcvrUnknown },
    { "vendor and part number of a manufacturing cable", isManufacturingCable, xcvr10GBaseMfg },
    { "DWDM SFP of fixed wavelength, 10GBASE-ER, up to 40 km", isDwdmFixedEr, xcvr10GBaseDwdmEr },
@@ -258,21 +249,8 @@ constexpr DecisionRule rules[] = {
 };
 // clang-format on
 
-constexpr auto publishedRules = [] {
-   std::array<MediaTypeRule, std::size( rules )> published{};
-   std::transform( std::begin( rules ), std::end( rules ), published.begin(),
-                   []( DecisionRule const & rule ) {
-                      return MediaTypeRule{ rule.why, rule.mediaType };
-                   } );
-   return published;
-}();
-
-/// The rules read nothing behind the extended identification. A page that reaches so far is handed
-/// on with that length, a constant: the compiler then drops every bounds check of the predicates.
-constexpr DecisionRule const & decisiveRule( PageView page ) {
-   constexpr size_t length = row( "storedCcExt" ).end();
-   return page.has( 0, length ) ? firstMatch<rules>( page.first( length ) )
-                                : firstMatch<rules>( page );
+constexpr MediaTypePageRule const & decisive( PageView page ) {
+   return decisiveRule<rules, row( "storedCcExt" ).end()>( page );
 }
 
 } // namespace
@@ -280,13 +258,12 @@ constexpr DecisionRule const & decisiveRule( PageView page ) {
 // Flattened: every predicate is inlined, which gives the code of a chain of ifs.
 [[gnu::flatten]] MediaType XcvrSff8472IdEepromContents::mediaType() const {
    VEL_TRACE_SCOPE( trace );
-   return decisiveRule( buf().view() ).mediaType;
+   return decisive( buf().view() ).mediaType;
 }
 
 MediaTypeDecision XcvrSff8472IdEepromContents::mediaTypeDecision() const {
    VEL_TRACE_SCOPE( trace );
-   DecisionRule const & rule = decisiveRule( buf().view() );
-   return { rule.mediaType, static_cast<size_t>( &rule - rules ), rule.why };
+   return Xcvr::mediaTypeDecision<rules>( decisive( buf().view() ) );
 }
 
 bool XcvrSff8472IdEepromContents::is1GConfigurable() const {
@@ -305,7 +282,7 @@ LaserWavelengthPrecision XcvrSff8472IdEepromContents::laserWavelengthPrecision()
 }
 
 std::span<MediaTypeRule const> sff8472MediaTypeRules() {
-   return publishedRules;
+   return publishedRules<rules>;
 }
 
 } // namespace Xcvr

@@ -6,8 +6,6 @@
 #include <Vel/Trace.h>
 #include <Xcvr/XcvrDomDecoders.h>
 
-#include <algorithm>
-
 namespace Xcvr {
 
 VEL_VALUE_DEFINE( XcvrSff8472IdEepromContents )
@@ -58,24 +56,16 @@ void XcvrSff8472IdEepromContents::traceUnreadable( MemoryField const & field ) {
    }
 }
 
-Vel::String XcvrSff8472IdEepromContents::shortText( MemoryField const & field ) const {
-   traceUnreadable( field );
-   PageView const page = pageOf( field );
-   return page.empty() ? "Unknown" : page.text( field.at, field.width );
-}
-
 VendorInfo XcvrSff8472IdEepromContents::shortVendorInfo() const {
    return { vendorName(), vendorPn(), vendorSn(), vendorRev(), dateCode() };
 }
 
 Sff8472TransceiverCompliance XcvrSff8472IdEepromContents::compliance() const {
-   constexpr MemoryField field = row( "compliance" );
-   return Sff8472TransceiverCompliance( pageToRead( field ).unsignedBe( field.at, field.width ) );
+   return Sff8472TransceiverCompliance( number( row( "compliance" ) ) );
 }
 
 uint32_t XcvrSff8472IdEepromContents::vendorOui() const {
-   constexpr MemoryField field = row( "vendorOui" );
-   return static_cast<uint32_t>( pageToRead( field ).unsignedBe( field.at, field.width ) );
+   return static_cast<uint32_t>( number( row( "vendorOui" ) ) );
 }
 
 double XcvrSff8472IdEepromContents::quorelAttnValue() const {
@@ -168,14 +158,8 @@ bool XcvrSff8472IdEepromContents::checksumsValid( Sff8472PageId page ) const {
 
 bool XcvrSff8472IdEepromContents::fieldInUse( MemoryField const & field ) const {
    VEL_TRACE_SCOPE( trace );
-   return std::ranges::all_of( Sff8472Table::conditions, [&]( MemoryCondition const & condition ) {
-      if ( !condition.covers( field ) ) {
-         return true;
-      }
-      MemoryField const & asked =
-         Sff8472Table::fields[memoryFieldIndex( Sff8472Table::fields, condition.field )];
-      return memoryConditionMet( condition, asked, pageOf( asked ) );
-   } );
+   return memoryFieldInUse( field, Sff8472Table::fields, Sff8472Table::conditions,
+                            [this]( MemoryField const & asked ) { return pageOf( asked ); } );
 }
 
 void editDomThresholdRegisterData( Vel::String & pageA2h, uint8_t at, uint16_t value ) {

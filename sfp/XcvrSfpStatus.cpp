@@ -1,6 +1,10 @@
 #include <Xcvr/XcvrSfpStatus.h>
 
+#include "core/AttenuationTable.h"
+#include "core/DiagOverride.h"
 #include "core/DomCodes.h"
+#include "core/DomNeutral.h"
+#include "core/ThresholdOverride.h"
 
 #include <Vel/Define.h>
 #include <Vel/DefineEntity.h>
@@ -11,7 +15,6 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <limits>
 
 namespace Xcvr {
 
@@ -31,8 +34,6 @@ using Sff8472Table::bit;
 using Sff8472Table::row;
 
 Vel::TraceHandle trace( "XcvrSfpPlus" );
-
-constexpr double unreadable = -std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -76,26 +77,6 @@ void Sff8472Registers::Iterator::skip() {
 }
 
 // The contents
-
-namespace {
-
-XcvrSff8472IdEepromContents const * activeOverride( SfpConfig const & config ) {
-   for ( auto const & [name, diag] : config.diagConfigMap() ) {
-      if ( diag->overrideIdEepromContentsActivationKey() == SfpDiagConfig::activationKey ) {
-         return &diag->overrideIdEepromContents();
-      }
-   }
-   return nullptr;
-}
-
-/// Here rather than in the operation, since an exported one is not inlined into its callers.
-inline XcvrSff8472IdEepromContents const & contentsOf( SfpNewStatus const & status ) {
-   SfpConfig const * config = status.xcvrConfig();
-   XcvrSff8472IdEepromContents const * overriding = config ? activeOverride( *config ) : nullptr;
-   return overriding ? *overriding : status.actualIdEepromContents();
-}
-
-} // namespace
 
 XcvrSff8472IdEepromContents const & SfpNewStatus::sff8472IdEepromContents() const {
    VEL_TRACE_SCOPE( trace );
@@ -173,12 +154,8 @@ Units::Decibels SfpNewStatus::electricalPathAttenuation() const {
       return Units::Decibels( 0.0 );
    }
    XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
-   if ( ModelToAttenuation const * table = attnTable() ) {
-      auto const & models = table->attenuationMap();
-      auto const found = models.find( contents.vendorName() + "-" + contents.vendorPn() );
-      if ( found != models.end() ) {
-         return found->second;
-      }
+   if ( auto const known = attenuationOfModel( attnTable(), contents ) ) {
+      return *known;
    }
    // Long cables are of thicker wire.
    int const metres = contents.lengthCopper();
@@ -325,19 +302,6 @@ DomCalibration calibrationOf( XcvrSff8472IdEepromContents const & contents ) {
                             : domCalibrationUnknown;
 }
 
-DomInfo unreadableInfo( Vel::Seconds updateTime ) {
-   return {
-      updateTime, domCalibrationUnknown, unreadable, unreadable, unreadable, unreadable, unreadable,
-      unreadable };
-}
-
-DomThreshold unreadableThreshold() {
-   DomThreshold result;
-   DomThreshold::velFields(
-      [&result]( auto const &, double DomThreshold::*limit ) { result.*limit = unreadable; } );
-   return result;
-}
-
 } // namespace
 
 bool SfpNewStatus::domInfoValid( LaneId ) const {
@@ -349,12 +313,12 @@ bool SfpNewStatus::domInfoValid( LaneId ) const {
 DomInfo SfpNewStatus::domInfo( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
    if ( !domInfoValid( lane ) ) {
-      return unreadableInfo( 0 );
+      return unreadableDomInfo( 0 );
    }
    XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
    DomCalibration const calibration = calibrationOf( contents );
    if ( calibration == domCalibrationUnknown ) {
-      return unreadableInfo( lastDomUpdateTime() );
+      return unreadableDomInfo( lastDomUpdateTime() );
    }
    A2hBytes const a2h( *this, contents );
    MonitorDecoder const decode( a2h.page(), calibration );
@@ -382,7 +346,7 @@ DomThreshold SfpNewStatus::domThreshold() const {
    XcvrSff8472IdEepromContents const & contents = contentsOf( *this );
    DomCalibration const calibration = calibrationOf( contents );
    if ( calibration == domCalibrationUnknown ) {
-      return unreadableThreshold();
+      return unreadableDomThreshold();
    }
    A2hBytes const a2h( *this, contents );
    MonitorDecoder const decode( a2h.page(), calibration );
@@ -469,73 +433,18 @@ SfpDomFlags SfpNewStatus::domFlags() const {
 
 // The operator's thresholds
 
-namespace {
-
-/// Without the blanks, or zeros, that fill up a field of module memory.
-std::string_view unpadded( std::string_view text ) {
-   constexpr std::string_view padding( " \0", 2 );
-   return text.substr( 0, text.find_last_not_of( padding ) + 1 );
-}
-
-/// How closely a row is meant for a module: 0 for not at all, the more the closer.
-unsigned closeness( DomThresholdOverride const & row, VendorInfo const & vendor ) {
-   struct Part {
-      std::string_view wanted, actual;
-      unsigned weight;
-   };
-   unsigned result = 0;
-   for ( Part const & part : { Part{ row.vendorName(), vendor.vendorName(), 1 },
-                               Part{ row.vendorPn(), vendor.vendorPn(), 2 },
-                               Part{ row.vendorSn(), vendor.vendorSn(), 4 } } ) {
-      std::string_view const wanted = unpadded( part.wanted );
-      if ( wanted.empty() ) {
-         continue;
-      }
-      if ( wanted != unpadded( part.actual ) ) {
-         return 0;
-      }
-      result += part.weight;
-   }
-   return result;
-}
-
-} // namespace
-
 Vel::Ptr<DomThresholdOverride const> SfpNewStatus::domThresholdOverride() const {
    VEL_TRACE_SCOPE( trace );
-   Vel::Ptr<DomThresholdOverride const> result;
-   if ( Xgc const * global = xgc() ) {
-      VendorInfo const vendor = vendorInfo();
-      unsigned closest = 0;
-      for ( auto const & [name, row] : global->domThresholdOverrideDataMap() ) {
-         unsigned const close = closeness( *row, vendor );
-         if ( close > closest ) {
-            closest = close;
-            result = row;
-         }
-      }
-   }
-   return result;
+   return closestThresholdOverride( xgc(), vendorInfo() );
 }
 
 DomThreshold SfpNewStatus::domThresholdInForce() const {
    VEL_TRACE_SCOPE( trace );
-   DomThreshold result = domThreshold();
    // Whether overrides apply at all (Xgc::domThresholdOverrideEnabled) is the agent's decision, which
    // domThresholdOverridden carries.
-   if ( domThresholdOverridden() ) {
-      if ( auto const row = domThresholdOverride() ) {
-         result.txPowerHighAlarmIs( row->txPowerHighAlarm().value() );
-         result.txPowerLowAlarmIs( row->txPowerLowAlarm().value() );
-         result.txPowerHighWarnIs( row->txPowerHighWarn().value() );
-         result.txPowerLowWarnIs( row->txPowerLowWarn().value() );
-         result.rxPowerHighAlarmIs( row->rxPowerHighAlarm().value() );
-         result.rxPowerLowAlarmIs( row->rxPowerLowAlarm().value() );
-         result.rxPowerHighWarnIs( row->rxPowerHighWarn().value() );
-         result.rxPowerLowWarnIs( row->rxPowerLowWarn().value() );
-      }
-   }
-   return result;
+   Vel::Ptr<DomThresholdOverride const> const row =
+      domThresholdOverridden() ? domThresholdOverride() : nullptr;
+   return row ? withOverride( domThreshold(), *row ) : domThreshold();
 }
 
 // Tuning

@@ -8,6 +8,10 @@
 // What is configured for one transceiver slot and its lanes.
 namespace Xcvr {
 
+/// What `overrideIdEepromContentsActivationKey` of a slot's diagnostic configuration must hold for the
+/// override to take effect, in every family.
+inline constexpr uint32_t diagActivationKey = 0x5EA1F00D;
+
 /// Static configuration of one slot, written by the platform.
 class XCVR_API XcvrConfig : public Vel::Entity {
  public:

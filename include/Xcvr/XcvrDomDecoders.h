@@ -21,6 +21,9 @@ namespace Xcvr {
 /// dBm, Tx and Rx: -40 (0.1 µW) to 8.165; minus infinity for 0.
 [[nodiscard]] XCVR_API double decodeDomICPower( uint8_t msb, uint8_t lsb );
 
+/// A ratio such as that of bit errors, as SFF-8636 and CMIS code it: 0 to 2.047e10.
+[[nodiscard]] XCVR_API double decodeDomF16( uint8_t msb, uint8_t lsb );
+
 // Calibration constants of an externally calibrated module (SFF-8472 A2h bytes 56-91).
 
 /// An unsigned fixed-point number, 0 to 255.996.

@@ -42,8 +42,8 @@ struct MemoryField {
 };
 
 /// What another field must say for the rows of a run of bytes to hold: a bit of it is set or, in a
-/// condition without a bit, it has a value. Otherwise the bytes mean nothing or are another use of
-/// the memory. All conditions that cover a row must be met.
+/// condition without a bit, it has a value, or one of a run of values. Otherwise the bytes mean
+/// nothing or are another use of the memory. All conditions that cover a row must be met.
 struct MemoryCondition {
    std::string_view page;
    uint16_t first;
@@ -53,6 +53,7 @@ struct MemoryCondition {
    uint64_t value = 0;        // without a bit
    bool negated = false;      // the rows hold where the field says otherwise
    std::string_view row = {}; // only the row of this name, of several that share the run
+   uint64_t lastValue = 0;    // of the run of values; one below `value` for that value alone
 
    [[nodiscard]] constexpr bool covers( MemoryField const & other ) const {
       return other.page == page && other.at >= first && other.at <= last &&
@@ -171,10 +172,26 @@ class PageView {
 /// Whether a condition on a field of this page is met.
 [[nodiscard]] constexpr bool memoryConditionMet( MemoryCondition const & condition,
                                                  MemoryField const & field, PageView page ) {
-   bool const says = condition.bit.empty()
-                        ? page.unsignedBe( field.at, field.width ) == condition.value
-                        : page.bit( findMemoryBit( field, condition.bit ) );
-   return says != condition.negated;
+   if ( !condition.bit.empty() ) {
+      return page.bit( findMemoryBit( field, condition.bit ) ) != condition.negated;
+   }
+   uint64_t const number = page.unsignedBe( field.at, field.width );
+   return ( number == condition.value ||
+            ( number > condition.value && number <= condition.lastValue ) ) != condition.negated;
+}
+
+/// Whether every condition that covers a row is met; `pageOf` gives the page that holds a field.
+template <typename PageOf>
+[[nodiscard]] bool memoryFieldInUse( MemoryField const & field, std::span<MemoryField const> fields,
+                                     std::span<MemoryCondition const> conditions,
+                                     PageOf const & pageOf ) {
+   for ( MemoryCondition const & condition : conditions ) {
+      MemoryField const & asked = fields[memoryFieldIndex( fields, condition.field )];
+      if ( condition.covers( field ) && !memoryConditionMet( condition, asked, pageOf( asked ) ) ) {
+         return false;
+      }
+   }
+   return true;
 }
 
 } // namespace Xcvr

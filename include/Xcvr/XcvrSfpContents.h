@@ -5,6 +5,7 @@
 #include <Xcvr/HalSff8472.h>
 #include <Xcvr/XcvrApi.h>
 #include <Xcvr/XcvrMediaTypeRules.h>
+#include <Xcvr/XcvrPagedContents.h>
 #include <Xcvr/XcvrTypes.h>
 
 #include <cstdint>
@@ -22,7 +23,7 @@ namespace Xcvr {
 ///
 /// An accessor that cannot read traces its name (source `XcvrSfpPlus`, level 8); one that can costs
 /// one comparison and traces nothing. The other operations open a trace scope.
-class XCVR_API XcvrSff8472IdEepromContents {
+class XCVR_API XcvrSff8472IdEepromContents : PagedContents<XcvrSff8472IdEepromContents> {
    VEL_VALUE( XcvrSff8472IdEepromContents,
       ( buf, Vel::String ),              // page A0h as read from the module, index = byte address
       ( eepromPageA2Data, Vel::String ), // page A2h, the same
@@ -164,26 +165,12 @@ class XCVR_API XcvrSff8472IdEepromContents {
    bool fieldInUse( MemoryField const & field ) const;
 
  private:
+   friend PagedContents;
+   static constexpr std::string_view textOfEmptyPage = "Unknown";
+
    PageView pageOf( MemoryField const & field ) const {
       return field.page == Sff8472Table::a2h ? eepromPageA2Data_.view() : buf_.view();
    }
-   /// The page, in the hot path of accessors; traces when the field does not lie on it.
-   PageView pageToRead( MemoryField const & field ) const {
-      PageView const page = pageOf( field );
-      if ( !page.has( field.at, field.width ) ) [[unlikely]] {
-         traceUnreadable( field );
-      }
-      return page;
-   }
-   uint8_t u8( MemoryField const & field ) const { return pageToRead( field ).u8( field.at ); }
-   uint16_t u16( MemoryField const & field ) const { return pageToRead( field ).u16be( field.at ); }
-   /// Inlined always, so that the copy is one of constant width.
-   [[gnu::always_inline]] Vel::String text( MemoryField const & field ) const {
-      PageView const page = pageOf( field );
-      return page.has( field.at, field.width ) ? Vel::String( page.text( field.at, field.width ) )
-                                               : shortText( field );
-   }
-   [[gnu::cold]] Vel::String shortText( MemoryField const & field ) const;
    [[gnu::cold]] VendorInfo shortVendorInfo() const;
    [[gnu::cold]] static void traceUnreadable( MemoryField const & field );
 };

@@ -177,7 +177,7 @@ class XCVR_API Sff8472Registers {
 class XCVR_API SfpDiagConfig : public Vel::Entity {
  public:
    /// What the activation key must hold.
-   static constexpr uint32_t activationKey = 0x5EA1F00D;
+   static constexpr uint32_t activationKey = diagActivationKey;
 
    explicit SfpDiagConfig( Vel::Name name ) : Vel::Entity( std::move( name ) ) {}
    VEL_ENTITY( SfpDiagConfig, Vel::Entity,

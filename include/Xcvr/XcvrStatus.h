@@ -111,7 +111,7 @@ class XCVR_API XcvrNewStatus : public Vel::Entity {
       // The thresholds in use come from configuration.
       ( Plain, domThresholdOverridden, onDomThresholdOverridden, bool ),
       ( Plain, enhancedDomValuesAvailable, onEnhancedDomValuesAvailable, bool ),
-      // Where each enhanced monitor lives in the module's memory.
+      // Where each enhanced monitor lives in the module's memory, by `enhancedDomIndex`.
       ( Values, enhancedDomMapping, onEnhancedDomMapping, uint32_t, uint16_t ),
       // Checksum result by identification page.
       ( Values, idEepromChecksumValid, onIdEepromChecksumValid, uint8_t, bool ),
@@ -160,6 +160,7 @@ class XCVR_API XcvrNewStatus : public Vel::Entity {
    [[nodiscard]] virtual bool domThresholdValid() const;
    [[nodiscard]] virtual DomThreshold domThreshold() const;
    [[nodiscard]] virtual DomCapabilities domCapabilities() const;
+   // Enhanced monitors, by `enhancedDomIndex`.
    [[nodiscard]] virtual bool enhancedDomValuesValid( uint32_t index ) const;
    [[nodiscard]] virtual double enhancedDomValue( uint32_t index ) const;
    [[nodiscard]] virtual bool enhancedDomThresholdValid( uint32_t index ) const;

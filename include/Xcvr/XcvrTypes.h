@@ -34,6 +34,11 @@ using enum DomCalibration;
 VEL_ENUM( SensorCategory,
    undefined, slotSensor, laneSensor );
 
+/// The enhanced monitors, in the order of the fields of EnhancedDomCapabilities.
+VEL_ENUM( EnhancedDomMonitor,
+   snr, residualIsi, pam4Transitions, preFecBer, uncorrectedBer, tecCurrent, laserFreqErr,
+   laserTempErr );
+
 /// Rate of one electrical lane.
 VEL_ENUM( SerdesSpeed,
    serdesSpeedUnknown, serdesSpeed10G, serdesSpeed25G, serdesSpeed50G );
@@ -268,6 +273,12 @@ class EnhancedDomSensorCategory {
       ( laserFreqErr, SensorCategory ),
       ( laserTempErr, SensorCategory ) );
 };
+
+/// The index under which a status knows an enhanced monitor of a lane; that of a monitor of the whole
+/// slot is its index of lane 0.
+[[nodiscard]] constexpr uint32_t enhancedDomIndex( EnhancedDomMonitor monitor, uint8_t lane ) {
+   return lane * 8u + static_cast<uint32_t>( monitor );
+}
 
 /// Limits of one enhanced monitor, in its own unit.
 class EnhancedDomThreshold {

@@ -72,6 +72,18 @@ TEST( InternalCalibration, PowerCodesRoundTrip ) {
    }
 }
 
+TEST( Ratios, AreDecimalFloatingPointNumbers ) {
+   struct Case {
+      unsigned code;
+      double value;
+   };
+   for ( Case const & c :
+         { Case{ 0x0000, 0 }, Case{ 0xC001, 1 }, Case{ 0x8064, 1e-6 }, Case{ 0xA00C, 1.2e-3 },
+           Case{ 0xFFFF, 2.047e10 }, Case{ 0x07FF, 2.047e-21 } } ) {
+      EXPECT_DOUBLE_EQ( decodeDomF16( msb( c.code ), lsb( c.code ) ), c.value ) << c.code;
+   }
+}
+
 TEST( ExternalCalibration, Constants ) {
    EXPECT_EQ( decodeDomECSlope( 1, 0 ), 1.0 );
    EXPECT_EQ( decodeDomECSlope( 0xff, 0xc0 ), 255.75 );
