@@ -5,6 +5,7 @@
 #include "core/DomCodes.h"
 #include "core/DomNeutral.h"
 #include "core/ThresholdOverride.h"
+#include "core/Tuning.h"
 
 #include <Vel/Define.h>
 #include <Vel/DefineEntity.h>
@@ -480,18 +481,6 @@ TuningRegisters tuningRegisters( SfpNewStatus const & status ) {
    return TuningRegisters( a2h.page() );
 }
 
-/// The frequency that a resolved tuning asks for; 0 before any. A failed resolution asks for its
-/// channel, though it may still carry the frequency that was configured.
-uint32_t wantedFrequency( ItuTuningConfig const & tuning ) {
-   if ( tuning.grid() == 0 ) {
-      return 0;
-   }
-   return tuning.laserEnabled() && tuning.frequency() != 0
-             ? tuning.frequency()
-             : decodeItuFrequency( TuningConstants::baseFrequencyCBand, tuning.channel(),
-                                   tuning.grid() );
-}
-
 /// The spacings that a module with one of them in MHz supports: its own and the coarser ones, but
 /// never 33 GHz; none of any other. The registers' spacing comes cut to whole GHz, so the last two
 /// rows are never met: intended, modules of finer grids are driven as if they had none.
@@ -556,20 +545,10 @@ bool SfpNewStatus::isFreqTuningPending() {
    updateHwTuningConfig();
 
    ItuTuningConfig const & tuning = ituTuningConfig();
-   uint32_t const wanted = wantedFrequency( tuning );
    uint32_t const operational = tuningRegisters( *this ).frequency();
-   // The operational channel is counted as the configured one is: from the base of the C band, on
-   // the resolved grid.
-   uint32_t const channel =
-      operational != 0
-         ? decodeItuChannel( TuningConstants::baseFrequencyCBand, tuning.grid(), operational )
-         : 0;
-   resolvedTuningStatusIs( ResolvedTuningStatus(
-      config ? config->channel() : 0, config ? config->grid() : 0, config ? config->frequency() : 0,
-      wanted, computeWavelength( wanted ), channel, operational != 0 ? tuning.grid() : 0,
-      operational, computeWavelength( operational ),
-      tuningCapabilities().gridSpacingCapabilities() ) );
-   return hwChannel() != hwTuningConfig().hwChannel() || operational != wanted;
+   resolvedTuningStatusIs( resolvedTuning( config.get(), tuning, operational,
+                                           tuningCapabilities().gridSpacingCapabilities() ) );
+   return hwChannel() != hwTuningConfig().hwChannel() || operational != wantedFrequency( tuning );
 }
 
 } // namespace Xcvr
