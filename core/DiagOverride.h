@@ -22,7 +22,7 @@ auto const * activeDiagConfig( Config const & config ) {
 /// What a status decodes: the contents of an active override, else what was read. Here rather than in
 /// an operation of the status, since an exported one is not inlined into its callers.
 template <typename Status>
-auto const & contentsOf( Status const & status ) {
+[[gnu::always_inline]] inline auto const & contentsOf( Status const & status ) {
    auto const * config = status.xcvrConfig();
    auto const * diag = config ? activeDiagConfig( *config ) : nullptr;
    return diag ? diag->overrideIdEepromContents() : status.actualIdEepromContents();
