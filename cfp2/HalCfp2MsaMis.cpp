@@ -1,6 +1,8 @@
 #include <Xcvr/HalCfp2MsaMis.h>
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 
 namespace Xcvr {
 
@@ -68,6 +70,32 @@ std::span<CfpRegister const> cfpRegisters() {
 
 uint16_t cfpFirstAddress( CfpMsaMisTableId table ) {
    return table < maxCfpTables ? firstAddresses[static_cast<size_t>( table )] : uint16_t( 0 );
+}
+
+namespace {
+
+using Label = std::array<char, 5>; // without a NUL
+
+/// Of the first addresses, as four hexadecimal digits.
+constexpr auto labels = [] {
+   std::array<Label, std::size( firstAddresses )> result{};
+   for ( size_t i = 0; i < std::size( result ); ++i ) {
+      for ( size_t digit = 0; digit < 4; ++digit ) {
+         result[i][digit] = "0123456789ABCDEF"[firstAddresses[i] >> ( 12 - 4 * digit ) & 15];
+      }
+      result[i][4] = 'h';
+   }
+   return result;
+}();
+
+} // namespace
+
+std::string_view cfpTableLabel( CfpMsaMisTableId table ) {
+   if ( table >= maxCfpTables ) {
+      return {};
+   }
+   Label const & label = labels[static_cast<size_t>( table )];
+   return { label.data(), label.size() };
 }
 
 CfpMsaMisTableId cfpTableAt( uint16_t firstAddress ) {

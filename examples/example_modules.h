@@ -22,6 +22,7 @@ struct Example {
 };
 
 std::vector<Example> qsfpExamples();
+std::vector<Example> cfpExamples();
 
 struct Vendor {
    char const * name;

@@ -66,6 +66,8 @@ struct CfpRegister {
 [[nodiscard]] XCVR_API uint16_t cfpFirstAddress( CfpMsaMisTableId table );
 /// The table of that first address; `tableInvalid` for none.
 [[nodiscard]] XCVR_API CfpMsaMisTableId cfpTableAt( uint16_t firstAddress );
+/// What names the table in a module image: "A000h"; empty for what is no table.
+[[nodiscard]] XCVR_API std::string_view cfpTableLabel( CfpMsaMisTableId table );
 /// Bits of a register of the table: 8 in the identification tables, 16 in all others.
 [[nodiscard]] constexpr uint8_t cfpRegisterWidth( CfpMsaMisTableId table ) {
    return table <= table8420 ? 8 : 16;

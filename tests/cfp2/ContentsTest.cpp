@@ -176,6 +176,8 @@ TEST( CfpContents, StandardAddressesOfTables ) {
    EXPECT_EQ( cfpFirstAddress( tableBB80 ), 0xBB80 );
    EXPECT_EQ( cfpFirstAddress( table9280 ), 0x9280 );
    EXPECT_EQ( cfpFirstAddress( tableInvalid ), 0 );
+   EXPECT_EQ( cfpTableLabel( tableBB80 ), "BB80h" );
+   EXPECT_EQ( cfpTableLabel( maxCfpTables ), "" );
    EXPECT_EQ( cfpTableAt( 0xA280 ), tableA280 );
    EXPECT_EQ( cfpTableAt( 0xA281 ), tableInvalid );
    EXPECT_EQ( cfpRegisterWidth( table8420 ), 8 );
