@@ -11,7 +11,8 @@
 #include <iterator>
 #include <string_view>
 
-// A module family's media type decision: a table of rules on the page of its identification.
+// A module family's media type decision: a table of rules, most often on the page of its
+// identification.
 namespace Xcvr {
 
 struct MediaTypePageRule {
@@ -30,7 +31,7 @@ constexpr MediaTypePageRule const & decisiveRule( PageView page ) {
 }
 
 template <auto const & rules>
-constexpr MediaTypeDecision mediaTypeDecision( MediaTypePageRule const & rule ) {
+constexpr MediaTypeDecision mediaTypeDecision( auto const & rule ) {
    return { rule.mediaType, static_cast<std::size_t>( &rule - rules ), rule.why };
 }
 
@@ -39,7 +40,7 @@ template <auto const & rules>
 constexpr auto publishedRules = [] {
    std::array<MediaTypeRule, std::size( rules )> published{};
    std::transform( std::begin( rules ), std::end( rules ), published.begin(),
-                   []( MediaTypePageRule const & rule ) {
+                   []( auto const & rule ) {
                       return MediaTypeRule{ rule.why, rule.mediaType };
                    } );
    return published;

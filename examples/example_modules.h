@@ -23,6 +23,7 @@ struct Example {
 
 std::vector<Example> qsfpExamples();
 std::vector<Example> cmisExamples();
+std::vector<Example> cfpExamples();
 
 struct Vendor {
    char const * name;

@@ -287,8 +287,8 @@ int main( int argc, char ** argv ) {
       std::cerr << "usage: make_modules FOLDER\n";
       return 2;
    }
-   for ( auto const & examples :
-         { Examples::sfpExamples(), Examples::qsfpExamples(), Examples::cmisExamples() } ) {
+   for ( auto const & examples : { Examples::sfpExamples(), Examples::qsfpExamples(),
+                                   Examples::cmisExamples(), Examples::cfpExamples() } ) {
       for ( Examples::Example const & example : examples ) {
          if ( !Examples::write( argv[1], example ) ) {
             std::cerr << "make_modules: cannot write " << example.name << " into " << argv[1]

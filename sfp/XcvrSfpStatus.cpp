@@ -5,6 +5,7 @@
 #include "core/DomCodes.h"
 #include "core/DomNeutral.h"
 #include "core/ThresholdOverride.h"
+#include "core/Tuning.h"
 
 #include <Vel/Define.h>
 #include <Vel/DefineEntity.h>
@@ -512,13 +513,6 @@ DomThreshold SfpNewStatus::domThresholdInForce() const {
 
 namespace {
 
-/// The number of a frequency on a grid that starts at `base`; 0 when it is none of the grid's.
-uint32_t channelOn( uint32_t base, uint32_t grid, uint32_t frequency ) {
-   return grid != 0 && frequency >= base && ( frequency - base ) % grid == 0
-             ? decodeItuChannel( base, grid, frequency )
-             : 0;
-}
-
 /// The tuning registers, in MHz, exactly: the capabilities are cut to whole GHz.
 struct TuningRegisters {
    explicit TuningRegisters( PageView page )
@@ -533,7 +527,7 @@ struct TuningRegisters {
    }
    /// The module's number of a frequency, counted from its first; 0 when it has none.
    [[nodiscard]] uint32_t channelOf( uint32_t wanted ) const {
-      return channelOn( first, spacing, wanted );
+      return channelOnGrid( first, spacing, wanted );
    }
 
    uint32_t first;
@@ -544,18 +538,6 @@ struct TuningRegisters {
 TuningRegisters tuningRegisters( SfpNewStatus const & status ) {
    A2hBytes const a2h( status, contentsOf( status ) );
    return TuningRegisters( a2h.page() );
-}
-
-/// The frequency that a resolved tuning asks for; 0 before any. A failed resolution asks for its
-/// channel, though it may still carry the frequency that was configured.
-uint32_t wantedFrequency( ItuTuningConfig const & tuning ) {
-   if ( tuning.grid() == 0 ) {
-      return 0;
-   }
-   return tuning.laserEnabled() && tuning.frequency() != 0
-             ? tuning.frequency()
-             : decodeItuFrequency( TuningConstants::baseFrequencyCBand, tuning.channel(),
-                                   tuning.grid() );
 }
 
 /// The spacings that a module with one of them in MHz supports: its own and the coarser ones, but
@@ -622,18 +604,12 @@ bool SfpNewStatus::isFreqTuningPending() {
    updateHwTuningConfig();
 
    ItuTuningConfig const & tuning = ituTuningConfig();
-   uint32_t const wanted = wantedFrequency( tuning );
    TuningRegisters const registers = tuningRegisters( *this );
    uint32_t const operational = registers.frequency();
-   // The operational channel is counted as the configured one is: from the base of the C band, on
-   // the resolved grid. A frequency beside that grid has none.
-   uint32_t const channel =
-      channelOn( TuningConstants::baseFrequencyCBand, tuning.grid(), operational );
-   resolvedTuningStatusIs( ResolvedTuningStatus(
-      config ? config->channel() : 0, config ? config->grid() : 0, config ? config->frequency() : 0,
-      wanted, computeWavelength( wanted ), channel, channel != 0 ? tuning.grid() : 0, operational,
-      computeWavelength( operational ), tuningCapabilities().gridSpacingCapabilities() ) );
-   return registers.channel != hwTuningConfig().hwChannel() || operational != wanted;
+   resolvedTuningStatusIs( resolvedTuning( config.get(), tuning, operational,
+                                           tuningCapabilities().gridSpacingCapabilities() ) );
+   return registers.channel != hwTuningConfig().hwChannel() ||
+          operational != wantedFrequency( tuning );
 }
 
 } // namespace Xcvr

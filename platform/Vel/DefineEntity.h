@@ -56,7 +56,8 @@ struct AttrTableBuilder {
    template <AttrKind kind, typename Key, typename Type, typename Getter>
    constexpr void attribute( char const * name, Getter ) {
       constexpr bool owns = kind == AttrKind::children || kind == AttrKind::orderedChildren ||
-                            kind == AttrKind::entries || kind == AttrKind::child;
+                            kind == AttrKind::instances || kind == AttrKind::entries ||
+                            kind == AttrKind::child;
       AttrInfo & row = table[count++];
       row.name = name;
       row.kind = kind;

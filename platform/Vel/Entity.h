@@ -4,6 +4,7 @@
 #include <Vel/HashMap.h>
 #include <Vel/Notifiee.h>
 #include <Vel/Ptr.h>
+#include <Vel/SlotMap.h>
 #include <Vel/String.h>
 #include <Vel/TypeRegistry.h>
 #include <Vel/Types.h>
@@ -179,6 +180,20 @@ class VEL_API Entity : public PtrInterface {
       velTellEntry( handlers, told );
       return child;
    }
+   /// Holds a child, in place of the one that the key may have.
+   template <typename Map, typename Child, typename Handlers>
+   void velInstanceIs( Map & map, typename Map::key_type const & key, Ptr<Child> const & child,
+                       char const * attribute, Handlers const & handlers ) {
+      typename Map::key_type const told = key; // `key` may be part of what is replaced
+      velAdopt( *child, attribute, &map, Path::throughAttribute );
+      auto const found = map.find( told );
+      if ( found == map.end() ) {
+         map.emplace( told, child );
+      } else {
+         velOrphan( std::exchange( found->second, child ), &map );
+      }
+      velTellEntry( handlers, told );
+   }
    /// Holds an entity under its own name; one that is `owned` becomes a child. An entity has one
    /// parent, the one that it was given to last.
    template <bool owned, typename T, typename Map, typename Handlers>
@@ -304,6 +319,9 @@ class Ref : public NotifieeBase {
 ///    ( Children, foo, onFoo, Key, Child )  fooIs( key ) makes a Child( key ) or returns the one that
 ///                                          is there, an absent key reads as null; else as Values
 ///    ( OrderedChildren, … )                the same, iterated in the order of the keys
+///    ( Instances, foo, onFoo, Key, Child ) as OrderedChildren, the key an enumeration, but fooIs is
+///                                          written by hand: for a child that is made of more than
+///                                          its key, and replaced by velInstanceIs
 ///    ( Pointers, foo, onFoo, T )           fooIs( ptr ) holds an entity that lives elsewhere under
 ///                                          its own name, null is fatal; else as Values by Name
 ///    ( Entries, foo, onFoo, T )            the same, but the entity becomes a child
@@ -520,6 +538,8 @@ class Ref : public NotifieeBase {
    }
 #define VEL_MEMBERS_Children_( ... ) VEL_MEMBERS_AnyChildren_( Vel::HashMap, __VA_ARGS__ )
 #define VEL_MEMBERS_OrderedChildren_( ... ) VEL_MEMBERS_AnyChildren_( Vel::OrderedMap, __VA_ARGS__ )
+#define VEL_MEMBERS_Instances_( name, onName, Key, ... )                                           \
+   VEL_MEMBERS_Owned_( name, onName, Key, Vel::SlotMap, __VA_ARGS__ )
 // clang-format on
 
 #define VEL_MEMBERS_Child_( name, onName, ... )                                                    \
@@ -589,6 +609,7 @@ class Ref : public NotifieeBase {
 #define VEL_HANDLERS_DenseValues_ VEL_HANDLERS_Records_
 #define VEL_HANDLERS_Children_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_OrderedChildren_ VEL_HANDLERS_Values_
+#define VEL_HANDLERS_Instances_ VEL_HANDLERS_Values_
 #define VEL_HANDLERS_Pointers_( name, onName, ... ) VEL_HANDLERS_Values_( name, onName, Vel::Name )
 #define VEL_HANDLERS_Entries_ VEL_HANDLERS_Pointers_
 #define VEL_HANDLERS_Child_ VEL_HANDLERS_Plain_
@@ -614,6 +635,8 @@ class Ref : public NotifieeBase {
    VEL_ROW_( children, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_OrderedChildren_( name, onName, Key, ... )                                         \
    VEL_ROW_( orderedChildren, Key, name, name##Map, __VA_ARGS__ )
+#define VEL_ROW_Instances_( name, onName, Key, ... )                                               \
+   VEL_ROW_( instances, Key, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_Pointers_( name, onName, ... )                                                     \
    VEL_ROW_( pointers, Vel::Name, name, name##Map, __VA_ARGS__ )
 #define VEL_ROW_Entries_( name, onName, ... )                                                      \

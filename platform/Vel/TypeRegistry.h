@@ -36,6 +36,7 @@ enum class AttrKind : uint8_t {
    orderedValues,
    children,
    orderedChildren,
+   instances,
    pointers,
    entries,
    child,

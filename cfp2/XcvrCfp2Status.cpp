@@ -1,0 +1,522 @@
+#include "core/DiagOverride.h"
+#include "core/DomNeutral.h"
+#include "core/ThresholdOverride.h"
+#include "core/Tuning.h"
+
+#include <Vel/Define.h>
+#include <Vel/DefineEntity.h>
+#include <Vel/Trace.h>
+#include <Xcvr/XcvrCfp2Status.h>
+#include <Xcvr/XcvrOptics.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Xcvr {
+
+VEL_VALUE_DEFINE( Cfp2DcoMonitors )
+VEL_ENTITY_DEFINE( Cfp2DiagConfig, cfp2DiagConfigFactory )
+VEL_ENTITY_DEFINE( Cfp2Config, cfp2ConfigFactory )
+VEL_ENTITY_DEFINE( Cfp2CellConfig, cfp2CellConfigFactory )
+VEL_ENTITY_DEFINE( Cfp2NewStatus, cfp2NewStatusFactory )
+VEL_ENTITY_DEFINE( Cfp2DcoNewStatus, cfp2DcoNewStatusFactory )
+
+namespace {
+
+using CfpTable::access;
+using Contents = CfpMsaMisIdEepromContents;
+
+Vel::TraceHandle trace( "XcvrCfp2" );
+
+/// The tables of a slot that has none.
+Vel::Ptr<Contents const> const noTables( new Contents( "noTables" ) );
+
+Contents const & contentsInEffect( Cfp2NewStatus const & status ) {
+   Cfp2Config const * config = status.xcvrConfig();
+   Cfp2DiagConfig const * diag = config ? activeDiagConfig( *config ) : nullptr;
+   Vel::Ptr<Contents const> const contents =
+      diag ? diag->overrideIdEepromContents() : status.actualIdEepromContents();
+   return contents ? *contents : *noTables;
+}
+
+bool isCoherent( MediaType type ) {
+   return type == xcvr100GDwdmCoherent || type == xcvr100GDwdmCoherentE || type == xcvr100GDwdmDco;
+}
+
+/// A count of lanes in four bits, of which 0 means 16; none of a module whose count was not read.
+uint8_t laneCount( Contents const & contents, uint8_t count ) {
+   return count == 0 && contents.holds( access( "networkLanes" ) ) ? Contents::lanes : count;
+}
+
+} // namespace
+
+// The contents
+
+Contents const & Cfp2NewStatus::cfpMsaMisIdEepromContents() const {
+   VEL_TRACE_SCOPE( trace );
+   return contentsInEffect( *this );
+}
+
+void Cfp2NewStatus::idEepromContentsIs( uint8_t page, Vel::String const & bytes ) {
+   VEL_TRACE_SCOPE( trace );
+   auto const id = static_cast<CfpMsaMisTableId>( page );
+   if ( id >= maxCfpTables ) {
+      VEL_TRACE( trace, 8, "no such table" );
+      return;
+   }
+   Vel::Ptr<Contents> const contents = actualIdEepromContentsIs();
+   Vel::Ptr<CfpMsaMisMemoryTable> table = contents->memory( id );
+   if ( !table ) {
+      table = contents->memoryIs( id, cfpFirstAddress( id ), cfpRegisterWidth( id ) );
+   }
+   table->contentsIs( bytes );
+}
+
+void Cfp2NewStatus::updateLastValidTime( Vel::Seconds time ) {
+   VEL_TRACE_SCOPE( trace );
+   lastValidDataIs( time );
+}
+
+void Cfp2NewStatus::clearIdEepromContents() {
+   VEL_TRACE_SCOPE( trace );
+   if ( Vel::Ptr<Contents> const contents = actualIdEepromContents() ) {
+      contents->memoryDelAll();
+   }
+   lastValidDataIs( 0 );
+}
+
+EepromDescriptor Cfp2NewStatus::idEepromInfo() const {
+   VEL_TRACE_SCOPE( trace );
+   EepromDescriptor result( 0, static_cast<uint8_t>( maxCfpTables ), {} );
+   for ( auto const & [id, table] : contentsInEffect( *this ).memoryMap() ) {
+      size_t const size = table->contents().size();
+      if ( size != 0 ) {
+         result.eepromPagesIs( static_cast<uint8_t>( result.eepromPages() + 1 ) );
+         result.pageSizeBytesIs( static_cast<uint8_t>( id ),
+                                 static_cast<uint16_t>( std::min<size_t>( size, 0xffff ) ) );
+      }
+   }
+   return result;
+}
+
+// Identity
+
+VendorInfo Cfp2NewStatus::vendorInfo() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & contents = contentsInEffect( *this );
+   return { contents.vendorName(), contents.vendorPn(), contents.vendorSn(), contents.vendorRev(),
+            contents.dateCode() };
+}
+
+MediaType Cfp2NewStatus::detectedMediaType() const {
+   VEL_TRACE_SCOPE( trace );
+   return contentsInEffect( *this ).mediaType();
+}
+
+MediaType Cfp2NewStatus::mediaType() const {
+   VEL_TRACE_SCOPE( trace );
+   return overrideMediaType() != xcvrUnknown ? overrideMediaType() : detectedMediaType();
+}
+
+bool Cfp2NewStatus::isSupportedMediaType( MediaType type ) const {
+   VEL_TRACE_SCOPE( trace );
+   return type != xcvrUnknown &&
+          std::ranges::any_of( cfpMediaTypeRules(), [type]( MediaTypeRule const & rule ) {
+             return rule.mediaType == type;
+          } );
+}
+
+uint8_t Cfp2NewStatus::networkLanes() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & contents = contentsInEffect( *this );
+   return laneCount( contents, contents.networkLanes() );
+}
+
+Capabilities Cfp2NewStatus::capabilities() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & contents = contentsInEffect( *this );
+   Capabilities result;
+   result.maxChannelsIs( laneCount( contents, contents.hostLanes() ) );
+   if ( isCoherent( mediaType() ) ) {
+      result.tunableWavelengthIs( true );
+      result.configurableTxPowerIs( true );
+      result.lineSideChannelsIs( networkLanes() );
+   }
+   return result;
+}
+
+uint32_t Cfp2NewStatus::bitrate() const {
+   VEL_TRACE_SCOPE( trace );
+   return contentsInEffect( *this ).networkLaneBitRateMax();
+}
+
+uint32_t Cfp2NewStatus::laserWavelength() const {
+   VEL_TRACE_SCOPE( trace );
+   return contentsInEffect( *this ).laserWavelengthInteger();
+}
+
+LaserWavelengthPrecision Cfp2NewStatus::laserWavelengthPrecision() const {
+   VEL_TRACE_SCOPE( trace );
+   return contentsInEffect( *this ).laserWavelengthPrecision();
+}
+
+PowerClass Cfp2NewStatus::powerClass() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & contents = contentsInEffect( *this );
+   if ( !contents.holds( access( "identifierExtended" ) ) ) {
+      return xcvrPowerClassUnknown;
+   }
+   constexpr PowerClass classes[] = { xcvrPowerClass1, xcvrPowerClass2, xcvrPowerClass3,
+                                      xcvrPowerClass4 };
+   return classes[contents.identifierExtended() >> 6];
+}
+
+Units::Decibels Cfp2NewStatus::electricalPathAttenuation() const {
+   VEL_TRACE_SCOPE( trace );
+   return Units::Decibels( 0.0 );
+}
+
+// Monitors
+
+namespace {
+
+/// The powers of a CFPx are in tables of their own, in 0.01 dBm.
+double txPower( Contents const & c, uint8_t lane ) {
+   if ( !c.txPowerSupported() ) {
+      return unreadable;
+   }
+   if ( c.isIn( cfpxModules ) ) {
+      return c.holds( access( "txPowerCfpx" ), lane )
+                ? Contents::decodePowerCfpx( static_cast<int16_t>( c.txPowerCfpx( lane ) ) )
+                : unreadable;
+   }
+   return c.holds( access( "txPower" ), lane ) ? Contents::decodePower( c.txPower( lane ) )
+                                               : unreadable;
+}
+
+double rxPower( Contents const & c, uint8_t lane ) {
+   if ( !c.rxPowerSupported() ) {
+      return unreadable;
+   }
+   if ( c.isIn( cfpxModules ) ) {
+      return c.holds( access( "rxPowerCfpx" ), lane )
+                ? Contents::decodePowerCfpx( static_cast<int16_t>( c.rxPowerCfpx( lane ) ) )
+                : unreadable;
+   }
+   return c.holds( access( "rxPower" ), lane ) ? Contents::decodePower( c.rxPower( lane ) )
+                                               : unreadable;
+}
+
+} // namespace
+
+bool Cfp2NewStatus::domInfoValid( LaneId lane ) const {
+   VEL_TRACE_SCOPE( trace );
+   return presence() == xcvrPresent && lastDomUpdateTime() > lastPresenceChange() &&
+          lane.value() < networkLanes();
+}
+
+DomInfo Cfp2NewStatus::domInfo( LaneId lane ) const {
+   VEL_TRACE_SCOPE( trace );
+   if ( !domInfoValid( lane ) ) {
+      return unreadableDomInfo( 0 );
+   }
+   Contents const & c = contentsInEffect( *this );
+   uint8_t const n = lane.value();
+   return { lastDomUpdateTime(), domCalibrationInternal,
+            c.tempSupported() && c.holds( access( "temperature" ) )
+               ? Contents::decodeTemperature( static_cast<int16_t>( c.temperature( n ) ) )
+               : unreadable,
+            c.voltageSupported() && c.holds( access( "voltage" ) )
+               ? c.decodeDomVoltage( c.voltage() )
+               : unreadable,
+            // In the unit of a CFP2 whatever the module, unlike the thresholds: intended.
+            c.txBiasSupported() && c.holds( access( "txBias" ), n )
+               ? Contents::decodeTxBias( c.txBias( n ) )
+               : unreadable,
+            txPower( c, n ), rxPower( c, n ), unreadable };
+}
+
+DomAggPower Cfp2NewStatus::domAggPower() const {
+   VEL_TRACE_SCOPE( trace );
+   if ( !domInfoValid( LaneId() ) ) {
+      return { 0, domCalibrationUnknown, unreadable, unreadable };
+   }
+   Contents const & c = contentsInEffect( *this );
+   uint8_t const count = networkLanes();
+   // Four numbers, each the sum of every fourth lane.
+   auto const sum = [&c, count]( double ( *power )( Contents const &, uint8_t ), uint8_t first ) {
+      auto const of = [&]( unsigned lane ) {
+         return lane < count ? power( c, static_cast<uint8_t>( lane ) ) : unreadable;
+      };
+      return addFourPower( of( first ), of( first + 4u ), of( first + 8u ), of( first + 12u ) );
+   };
+   return aggQsfpCfp2Power( sum( txPower, 0 ), sum( txPower, 1 ), sum( txPower, 2 ),
+                            sum( txPower, 3 ), sum( rxPower, 0 ), sum( rxPower, 1 ),
+                            sum( rxPower, 2 ), sum( rxPower, 3 ), c.txPowerSupported(),
+                            c.rxPowerSupported(), lastDomUpdateTime() );
+}
+
+bool Cfp2NewStatus::domThresholdValid() const {
+   VEL_TRACE_SCOPE( trace );
+   // The thresholds are constants of the module, which the agent reads with the identification
+   // tables: idEepromValid says that this was done.
+   return presence() == xcvrPresent && lastDomThresholdsUpdateTime() > 0 && idEepromValid() &&
+          contentsInEffect( *this ).holds( access( "rxPowerLowAlarm" ) );
+}
+
+DomThreshold Cfp2NewStatus::domThreshold() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & c = contentsInEffect( *this );
+   if ( !c.holds( access( "rxPowerLowAlarm" ) ) ) {
+      return unreadableDomThreshold();
+   }
+   bool const cfpx = c.isIn( cfpxAndDcoModules );
+   auto const temperature = []( uint16_t raw ) {
+      return Contents::decodeTemperature( static_cast<int16_t>( raw ) );
+   };
+   // Of every module, although a CFPx and a CFP2-DCO have the monitor in other units: intended.
+   auto const voltage = []( uint16_t raw ) { return Contents::decodeVoltage( raw ); };
+   auto const txBias = [cfpx]( uint16_t raw ) {
+      return cfpx ? Contents::decodeTxBiasCfpx( raw ) : Contents::decodeTxBias( raw );
+   };
+   auto const txLimit = [cfpx]( uint16_t raw ) {
+      return cfpx ? Contents::decodePowerCfpx( static_cast<int16_t>( raw ) )
+                  : Contents::decodePower( raw );
+   };
+   // In 0.1 µW even where the monitor is in 0.01 dBm: intended.
+   auto const rxLimit = []( uint16_t raw ) { return Contents::decodePower( raw ); };
+   return { temperature( c.tempHighAlarm() ),
+            temperature( c.tempLowAlarm() ),
+            temperature( c.tempHighWarn() ),
+            temperature( c.tempLowWarn() ),
+            voltage( c.voltageHighAlarm() ),
+            voltage( c.voltageLowAlarm() ),
+            voltage( c.voltageHighWarn() ),
+            voltage( c.voltageLowWarn() ),
+            txBias( c.txBiasHighAlarm() ),
+            txBias( c.txBiasLowAlarm() ),
+            txBias( c.txBiasHighWarn() ),
+            txBias( c.txBiasLowWarn() ),
+            txLimit( c.txPowerHighAlarm() ),
+            txLimit( c.txPowerLowAlarm() ),
+            txLimit( c.txPowerHighWarn() ),
+            txLimit( c.txPowerLowWarn() ),
+            rxLimit( c.rxPowerHighAlarm() ),
+            rxLimit( c.rxPowerLowAlarm() ),
+            rxLimit( c.rxPowerHighWarn() ),
+            rxLimit( c.rxPowerLowWarn() ),
+            unreadable,
+            unreadable,
+            unreadable,
+            unreadable };
+}
+
+DomCapabilities Cfp2NewStatus::domCapabilities() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & c = contentsInEffect( *this );
+   return { c.tempSupported(),    c.voltageSupported(), c.txBiasSupported(),
+            c.txPowerSupported(), c.rxPowerSupported(), false,
+            c.txPowerSupported(), c.rxPowerSupported() };
+}
+
+Vel::Ptr<DomThresholdOverride const> Cfp2NewStatus::domThresholdOverride() const {
+   VEL_TRACE_SCOPE( trace );
+   return closestThresholdOverride( xgc(), vendorInfo() );
+}
+
+DomThreshold Cfp2NewStatus::domThresholdInForce() const {
+   VEL_TRACE_SCOPE( trace );
+   Vel::Ptr<DomThresholdOverride const> const row =
+      domThresholdOverridden() ? domThresholdOverride() : nullptr;
+   return row ? withOverride( domThreshold(), *row ) : domThreshold();
+}
+
+void Cfp2NewStatus::updateLaneStatus() {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & contents = contentsInEffect( *this );
+   uint8_t const count = networkLanes();
+   // The one flag of a CFPx or CFP2-DCO holds for all its lanes.
+   unsigned const whole = contents.isIn( cfpxAndDcoModules ) ? 0xffff : 1;
+   unsigned const faults = domInfoValid( LaneId() ) ? contents.txFaultStatus() * whole : 0;
+   for ( uint8_t lane = 0; lane < count; ++lane ) {
+      laneStatusIs( LaneId( lane ) )->txFaultPresentIs( faults >> lane & 1 );
+   }
+}
+
+// Signal tuning
+
+TuningValue Cfp2NewStatus::rxOutputPreEmphasis( LaneId lane ) const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & c = contentsInEffect( *this );
+   return lane.value() < Contents::lanes && c.holds( access( "rxOutputPreEmphasis" ), lane.value() )
+             ? TuningValue( true, c.rxOutputPreEmphasis( lane.value() ), false )
+             : TuningValue();
+}
+
+TuningValue Cfp2NewStatus::txInputEqualization( LaneId lane ) const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & c = contentsInEffect( *this );
+   return lane.value() < Contents::lanes && c.holds( access( "txInputEqualization" ), lane.value() )
+             ? TuningValue( true, c.txInputEqualization( lane.value() ), false )
+             : TuningValue();
+}
+
+// Wavelength tuning
+
+namespace {
+
+/// MHz, exactly: the capabilities are cut to whole GHz.
+uint32_t firstFrequency( Contents const & c ) {
+   return c.u16( access( "minFrequencyTHz" ) ) * 1000000u +
+          c.u16( access( "minFrequencyGHz" ) ) * 50u;
+}
+
+/// Of the codes in bits 15-13 of the channel register, MHz; 0 for a code that is none.
+uint32_t gridOfCode( unsigned code ) {
+   constexpr uint32_t grids[] = { 100000, 50000, 33000, 25000, 12500, 6250 };
+   return code < std::size( grids ) ? grids[code] : 0;
+}
+
+/// Counted from the module's first frequency; 0 for none.
+uint32_t channelIn( uint16_t txChannel ) {
+   return txChannel & 0x3ffu;
+}
+
+/// The power in a register in 0.01 dBm.
+int16_t powerCode( double dBm ) {
+   return static_cast<int16_t>( std::lround( std::clamp( dBm * 100, -32768., 32767. ) ) );
+}
+
+} // namespace
+
+uint32_t Cfp2NewStatus::hwChannel() const {
+   VEL_TRACE_SCOPE( trace );
+   return channelIn( contentsInEffect( *this ).txChannel() );
+}
+
+TuningCapabilities Cfp2NewStatus::tuningCapabilities() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & c = contentsInEffect( *this );
+   unsigned const word = c.tuningCapabilities();
+   auto const has = [word]( unsigned bit ) { return ( word >> bit & 1 ) != 0; };
+   return {
+      TuningConstants::baseFrequencyCBand, ghzFreqToMhz( c.minFrequency() ),
+      ghzFreqToMhz( c.maxFrequency() ),
+      GridSpacingCapabilities( has( 10 ), has( 11 ), has( 12 ), has( 13 ), has( 14 ), has( 15 ) ),
+      c.txFineTuneRange() };
+}
+
+CfpxTuneStatus Cfp2NewStatus::cfpxTuneStatus() const {
+   VEL_TRACE_SCOPE( trace );
+   Contents const & c = contentsInEffect( *this );
+   uint16_t const word = c.txChannel();
+   uint32_t const channel = channelIn( word ), grid = gridOfCode( word >> 13 );
+   auto const fineTune = static_cast<int16_t>( c.txFineTuneFreq() );
+   uint32_t const frequency = channel != 0 && grid != 0
+                                 ? decodeItuFrequency( firstFrequency( c ), channel, grid ) +
+                                      static_cast<uint32_t>( fineTune )
+                                 : 0;
+   auto const attenuation = [&c]( CfpTable::Access const & a, uint16_t raw ) {
+      return c.holds( a ) ? Contents::decodeAttenuation( raw ) : unreadable;
+   };
+   return { channel != 0 ? HwTuningConfig( channel, grid, fineTune ) : HwTuningConfig(), frequency,
+            c.holds( access( "txPowerConfig" ) )
+               ? Contents::decodePowerCfpx( static_cast<int16_t>( c.txPowerConfig() ) )
+               : unreadable,
+            attenuation( access( "currRxAttenuation" ), c.currRxAttenuation() ),
+            attenuation( access( "maxRxAttenuation" ), c.maxRxAttenuation() ) };
+}
+
+void Cfp2NewStatus::updateCfpxTuneConfig() {
+   VEL_TRACE_SCOPE( trace );
+   HwTuningConfig frequency;
+   ItuTuningConfig const & tuning = ituTuningConfig();
+   uint32_t const wanted = wantedFrequency( tuning );
+   uint32_t const first = firstFrequency( contentsInEffect( *this ) );
+   uint32_t const grid = effectiveGridSpacing( tuning.channel(), tuning.grid() );
+   if ( grid != 0 && wanted >= first ) {
+      uint32_t const channel = decodeItuChannel( first, grid, wanted + grid / 2 );
+      // At most half the grid.
+      auto const off = static_cast<int32_t>( wanted - decodeItuFrequency( first, channel, grid ) );
+      if ( off >= INT16_MIN && off <= INT16_MAX ) {
+         frequency = HwTuningConfig( channel, grid, static_cast<int16_t>( off ) );
+      }
+   }
+   Vel::Ptr<PowerConfig const> const power =
+      xgc() ? xgc()->txPowerConfig( name() ) : Vel::Ptr<PowerConfig>();
+   cfpxTuneConfigIs( { frequency, power ? power->signalPower().value() : unreadable } );
+}
+
+bool Cfp2NewStatus::isFreqTuningPending() {
+   VEL_TRACE_SCOPE( trace );
+   if ( !capabilities().tunableWavelength() ) {
+      return false;
+   }
+   Vel::Ptr<TuningConfig const> const config =
+      xgc() ? xgc()->tuningConfig( name() ) : Vel::Ptr<TuningConfig>();
+   updateItuTuningConfig( config );
+   updateCfpxTuneConfig();
+   CfpxTuneStatus const status = cfpxTuneStatus();
+   resolvedTuningStatusIs( resolvedTuning( config.get(), ituTuningConfig(), status.txFrequency(),
+                                           tuningCapabilities().gridSpacingCapabilities() ) );
+   return status.frequency() != cfpxTuneConfig().frequency();
+}
+
+bool Cfp2NewStatus::isPowerTuningPending() const {
+   VEL_TRACE_SCOPE( trace );
+   double const wanted = cfpxTuneConfig().txPower();
+   return std::isfinite( wanted ) &&
+          static_cast<int16_t>( contentsInEffect( *this ).txPowerConfig() ) != powerCode( wanted );
+}
+
+// The line of a CFP2-DCO
+
+Vel::Ptr<Cfp2DcoEepromContents const> Cfp2DcoNewStatus::cfp2DcoEepromContents() const {
+   VEL_TRACE_SCOPE( trace );
+   return cfp2DcoEepromContentsFactory( &contentsInEffect( *this ) );
+}
+
+Cfp2DcoMonitors Cfp2DcoNewStatus::dcoMonitors() const {
+   VEL_TRACE_SCOPE( trace );
+   Cfp2DcoMonitors result;
+   result.osnrIs( unreadable );
+   result.snrIs( unreadable );
+   result.carrierFreqOffsetIs( unreadable );
+   result.rxChannelPowerIs( unreadable );
+   if ( !domInfoValid( LaneId() ) ) {
+      return result;
+   }
+   Contents const & c = contentsInEffect( *this );
+   Cfp2DcoEepromContents const line( &c );
+   result.updateTimeIs( lastDomUpdateTime() );
+   result.rawOsnrIs( line.networkOsnrEstimate() );
+   result.rawSnrIs( line.rxSnr() );
+   result.rawCarrierFreqOffsetIs( line.rxCarrierFreqOffset() );
+   result.rawRxChannelPowerIs( line.netLaneRxChannelPower() );
+   result.rawChromDispersionIs( line.rxChromDispersion() );
+   result.rawDiffGroupDelayIs( line.rxDiffGroupDelay() );
+   result.rawStateOfPolarizationIs( line.rxStateOfPolarization() );
+   result.rawQFactorIs( line.rxQFactor() );
+   result.rawBerIs( line.networkBer() );
+   result.rawFecUncBlkCountIs( line.netFecUncBlkCount() );
+   result.rawLaserAgeIs( line.laserAge() );
+   result.rawLaserFaultCodeIs( line.laserFaultCode() );
+   result.rawTxTurnUpStateIs( line.txTurnUpState() );
+   result.rawRxTurnUpStateIs( line.rxTurnUpState() );
+   if ( c.holds( access( "networkOsnrEstimate" ) ) ) {
+      result.osnrIs( line.networkOsnrEstimate() * 0.1 );
+   }
+   if ( c.holds( access( "rxSnr" ) ) ) {
+      result.snrIs( line.rxSnr() * 0.1 );
+   }
+   if ( c.holds( access( "rxCarrierFreqOffset" ) ) ) {
+      result.carrierFreqOffsetIs( static_cast<int16_t>( line.rxCarrierFreqOffset() ) );
+   }
+   if ( c.holds( access( "netLaneRxChannelPower" ) ) ) {
+      result.rxChannelPowerIs(
+         Contents::decodePowerCfpx( static_cast<int16_t>( line.netLaneRxChannelPower() ) ) );
+   }
+   return result;
+}
+
+} // namespace Xcvr

@@ -1,0 +1,189 @@
+#include "tests/support/CfpImageBuilder.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <numeric>
+#include <stdexcept>
+
+namespace XcvrTest {
+namespace {
+
+using namespace Xcvr;
+
+[[noreturn]] void refuse( std::string_view name, char const * why ) {
+   throw std::invalid_argument( std::string( name ) + ": " + why );
+}
+
+uint32_t maskOf( FieldDescriptor field ) {
+   return field.width >= 32 ? ~0u : ( 1u << field.width ) - 1;
+}
+
+} // namespace
+
+CfpImageBuilder::CfpImageBuilder( CfpMsaMisIdentifier identifier )
+   : module_( cfpModulesOf( identifier ) ) {
+   for ( CfpMsaMisTableId id : { table8000, table8080, table8100, table8180, table8420 } ) {
+      static_cast<void>( table( id ) );
+   }
+   for ( CfpRegister const & row : cfpRegisters() ) {
+      if ( row.kind == CfpRegisterKind::text ) {
+         text( row.name, "" );
+      }
+   }
+   raw( "identifier", static_cast<uint32_t>( identifier ) );
+}
+
+CfpRegister const & CfpImageBuilder::registerNamed( std::string_view name ) const {
+   auto const found = std::ranges::find_if( cfpRegisters(), [&]( CfpRegister const & row ) {
+      return row.name == name && ( row.modules & module_ );
+   } );
+   if ( found == cfpRegisters().end() ) {
+      refuse( name, "no such register in this module" );
+   }
+   return *found;
+}
+
+CfpImageBuilder::Registers & CfpImageBuilder::table( CfpMsaMisTableId id ) {
+   Registers & registers = tables_[id];
+   registers.resize( CfpTable::tableRegisters );
+   return registers;
+}
+
+uint16_t & CfpImageBuilder::at( CfpRegister const & row, unsigned further ) {
+   return table( row.table ).at( row.field.address - cfpFirstAddress( row.table ) + further );
+}
+
+CfpImageBuilder & CfpImageBuilder::raw( std::string_view name, uint32_t number, uint8_t lane ) {
+   CfpRegister const & row = registerNamed( name );
+   uint32_t const mask = maskOf( row.field );
+   if ( number & ~mask || lane >= row.lanes ) {
+      refuse( name, "number or lane too large" );
+   }
+   unsigned const registerBits = cfpRegisterWidth( row.table );
+   if ( row.field.width > registerBits ) { // several registers, the first the highest
+      for ( unsigned i = row.field.width / registerBits; i-- > 0; number >>= registerBits ) {
+         at( row, i ) = static_cast<uint16_t>( number & ( ( 1u << registerBits ) - 1 ) );
+      }
+      return *this;
+   }
+   uint16_t & word = at( row, lane );
+   word = static_cast<uint16_t>( ( word & ~( mask << row.field.offset ) ) |
+                                 number << row.field.offset );
+   return *this;
+}
+
+CfpImageBuilder & CfpImageBuilder::value( std::string_view name, double value, uint8_t lane ) {
+   CfpRegister const & row = registerNamed( name );
+   bool const isSigned = row.kind == CfpRegisterKind::signedWord;
+   double const codes = std::ldexp( 1, row.field.width );
+   double const code = std::round( value / row.scale );
+   if ( row.unit.empty() || code < ( isSigned ? -codes / 2 : 0 ) ||
+        code >= ( isSigned ? codes / 2 : codes ) ) {
+      refuse( name, "no unit, or value out of range" );
+   }
+   return raw( name, static_cast<uint32_t>( static_cast<int32_t>( code ) ) & maskOf( row.field ),
+               lane );
+}
+
+CfpImageBuilder & CfpImageBuilder::text( std::string_view name, std::string_view text ) {
+   CfpRegister const & row = registerNamed( name );
+   unsigned const width = row.field.width / 8u;
+   if ( text.size() > width ) {
+      refuse( name, "text too long" );
+   }
+   for ( unsigned i = 0; i < width; ++i ) {
+      at( row, i ) = static_cast<uint8_t>( i < text.size() ? text[i] : ' ' );
+   }
+   return *this;
+}
+
+CfpImageBuilder & CfpImageBuilder::bit( std::string_view name, std::string_view bit ) {
+   CfpRegister const & row = registerNamed( name );
+   auto const found = std::ranges::find( row.bits, bit, &MemoryBit::name );
+   if ( found == row.bits.end() ) {
+      refuse( bit, "no such bit" );
+   }
+   unsigned const mask = 1u << found->bit;
+   if ( cfpRegisterWidth( row.table ) == 8 && found->bit >= 8 ) { // the first register of two
+      at( row, 0 ) = static_cast<uint16_t>( at( row, 0 ) | mask >> 8 );
+   } else {
+      uint16_t & word =
+         at( row, cfpRegisterWidth( row.table ) == 8 ? row.field.width / 8u - 1 : 0 );
+      word = static_cast<uint16_t>( word | mask );
+   }
+   return *this;
+}
+
+CfpImageBuilder & CfpImageBuilder::at( CfpMsaMisTableId id, uint16_t address, uint16_t number ) {
+   table( id ).at( static_cast<size_t>( address ) - cfpFirstAddress( id ) ) = number;
+   return *this;
+}
+
+CfpImageBuilder & CfpImageBuilder::missing( CfpMsaMisTableId id ) {
+   tables_.erase( id );
+   return *this;
+}
+
+CfpImageBuilder & CfpImageBuilder::checksumBroken( CfpMsaMisTableId id ) {
+   brokenChecksum_ = id;
+   return *this;
+}
+
+CfpImageBuilder::Registers CfpImageBuilder::summedUp( CfpMsaMisTableId id ) const {
+   auto const found = tables_.find( id );
+   if ( found == tables_.end() ) {
+      return {};
+   }
+   Registers registers = found->second;
+   auto const sum = [this]( CfpMsaMisTableId summed, auto first, auto last ) {
+      int const off = summed == brokenChecksum_ ? 1 : 0;
+      return static_cast<uint16_t>( std::accumulate( first, last, off ) & 0xff );
+   };
+   if ( id == table8180 ) { // holds the checksum of the table in front of it as well
+      auto const previous = tables_.find( table8100 );
+      if ( previous != tables_.end() ) {
+         registers[0] = sum( table8100, previous->second.begin(), previous->second.end() );
+      }
+      registers.back() = sum( id, registers.begin() + 1, registers.end() - 1 );
+   } else if ( id == table8000 || id == table8080 ) {
+      registers.back() = sum( id, registers.begin(), registers.end() - 1 );
+   }
+   return registers;
+}
+
+std::string CfpImageBuilder::image( CfpMsaMisTableId id ) const {
+   std::string bytes;
+   for ( uint16_t word : summedUp( id ) ) {
+      if ( cfpRegisterWidth( id ) == 16 ) {
+         bytes += static_cast<char>( word >> 8 );
+      }
+      bytes += static_cast<char>( word );
+   }
+   return bytes;
+}
+
+Vel::String CfpImageBuilder::bytes( CfpMsaMisTableId id ) const {
+   std::string bytes = image( id );
+   if ( cfpRegisterWidth( id ) == 16 && std::endian::native == std::endian::little ) {
+      for ( size_t at = 0; at < bytes.size(); at += 2 ) {
+         std::swap( bytes[at], bytes[at + 1] );
+      }
+   }
+   return std::string_view( bytes );
+}
+
+void CfpImageBuilder::writeTo( CfpMsaMisIdEepromContents & contents ) const {
+   for ( auto const & [id, registers] : tables_ ) {
+      contents.memoryIs( id, cfpFirstAddress( id ), cfpRegisterWidth( id ) )
+         ->contentsIs( bytes( id ) );
+   }
+}
+
+Vel::Ptr<CfpMsaMisIdEepromContents> CfpImageBuilder::contents() const {
+   Vel::Ptr<CfpMsaMisIdEepromContents> const contents = cfpMsaMisIdEepromContentsFactory( "cfp" );
+   writeTo( *contents );
+   return contents;
+}
+
+} // namespace XcvrTest
