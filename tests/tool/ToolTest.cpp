@@ -52,6 +52,8 @@ SfpImageBuilder sr() {
       .bit( "diagsMonitoringType", "internally calibrated" )
       .bit( "diagsMonitoringType", "received power is average power" )
       .bit( "enhancedOptions", "alarm and warning flags" )
+      .bit( "enhancedOptions", "soft Tx disable" )
+      .bit( "enhancedOptions", "soft rate select" )
       .raw( "revision", 8 )
       .value( "domTempLowAlarm", -5 )
       .value( "domTempLowWarn", 0 )
@@ -112,13 +114,13 @@ TEST_F( ToolTest, ShowOfOneModule ) {
    Options               : Tx disable, Rx LOS
    Diagnostic monitoring : digital diagnostics, internally calibrated,
                            received power is average power
-   Enhanced options      : alarm and warning flags
+   Enhanced options      : alarm and warning flags, soft Tx disable, soft rate select
    SFF-8472 revision     : 0x08 (12.3)
    Capabilities          : 1 channel
    Status bits           : Tx disabled, rate select 1
    Alarms and warnings   : temperature high warning, Rx power low alarm
    Checksum, base        : page a0h, stored 0x71, computed 0x71, valid
-   Checksum, extended    : page a0h, stored 0xa1, computed 0xa1, valid
+   Checksum, extended    : page a0h, stored 0xe9, computed 0xe9, valid
    Checksum, diagnostics : page a2h, stored 0xa1, computed 0xa1, valid
 
    Monitor                         Value Low alarm  Low warn High warn High alarm
@@ -193,10 +195,9 @@ TEST_F( ToolTest, ShowFacts ) {
       { sr().a2hMissing(),
         { { "Monitors", "advertised, but the image lacks page a2h up to byte 117" } } },
       { cable(), { { "Monitors", "(no Monitors)" } } },
-      // A module that implements no flags: what stands there is none.
+      // A module that implements neither: what stands there is nothing.
       { sr().raw( "enhancedOptions", 0 ),
-        { { "Status bits", "Tx disabled, rate select 1" },
-          { "Alarms and warnings", "(no Alarms and warnings)" } } },
+        { { "Status bits", "none" }, { "Alarms and warnings", "(no Alarms and warnings)" } } },
       { sr()
            .raw( "identifier", 11 )
            .bit( "compliance", "10GBASE-ER" )
@@ -469,7 +470,7 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
    std::minstd_rand random( 1 );
    for ( int round = 0; round < 200; ++round ) {
       XcvrTool::ModuleImage image;
-      image.family = XcvrTool::ImageFamily::sfp;
+      image.family = XcvrTool::XcvrType::sfpPlus;
       std::size_t const sizes[] = { 96 + random() % 161, random() % 257, random() % 129 };
       char const * const labels[] = { "a0h", "a2h", "02h" };
       std::size_t total = 0;

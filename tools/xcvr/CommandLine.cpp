@@ -49,7 +49,7 @@ constexpr Command commands[] = {
 struct Arguments {
    Command const * command = nullptr; // null: media-types
    std::vector<std::string> files;
-   ImageFamily family = ImageFamily::automatic;
+   XcvrType family = anyFamily;
    bool json = false;
 };
 

@@ -100,7 +100,11 @@ class Module {
    ModuleImage image_;
 };
 
-/// The module in an image whose family is known.
+/// The names of the families that are decoded, and the one of that name.
+[[nodiscard]] std::vector<std::string> familyNames();
+[[nodiscard]] XcvrType familyOfName( std::string_view name );
+
+/// The module in an image. Throws ImageError if its family is not decoded.
 [[nodiscard]] std::unique_ptr<Module> moduleOf( ModuleImage image );
 
 } // namespace XcvrTool
