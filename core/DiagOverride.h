@@ -21,7 +21,7 @@ Contents const * activeOverride( Config const & config ) {
 /// What a status decodes: the contents of an active override, else what was read. Here rather than in
 /// an operation of the status, since an exported one is not inlined into its callers.
 template <typename Status>
-auto const & contentsOf( Status const & status ) {
+[[gnu::always_inline]] inline auto const & contentsOf( Status const & status ) {
    using Contents = std::remove_cvref_t<decltype( status.actualIdEepromContents() )>;
    auto const * config = status.xcvrConfig();
    Contents const * overriding = config ? activeOverride<Contents>( *config ) : nullptr;

@@ -1,29 +1,20 @@
 // Writes the example modules, one labelled image each, into the folder given as argument:
 //    make_modules examples/modules
 // The modules and their vendors are invented. The same images come out of every run.
+#include "examples/example_modules.h"
 #include "tests/support/SfpImageBuilder.h"
 
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
+namespace Examples {
 namespace {
 
 using XcvrTest::SfpImageBuilder;
-
-double milliwatts( double dBm ) {
-   return std::pow( 10, dBm / 10 );
-}
-
-struct Vendor {
-   char const * name;
-   uint32_t oui; // locally administered, so nobody's
-};
-constexpr Vendor northlight{ "NORTHLIGHT", 0x024E4C };
-constexpr Vendor oakfiber{ "OAKFIBER", 0x024F46 };
 
 SfpImageBuilder module( Vendor vendor, char const * partNumber, char const * serialNumber ) {
    return SfpImageBuilder()
@@ -51,16 +42,6 @@ void wavelength( SfpImageBuilder & sfp, unsigned nanometres, unsigned hundredths
    sfp.raw( "laserWavelengthInteger", nanometres ).raw( "laserWavelengthFractional", hundredths );
 }
 
-/// One monitored quantity: its thresholds and its value, in the unit of its fields.
-struct Monitor {
-   double highAlarm, lowAlarm, highWarn, lowWarn, now;
-};
-
-Monitor power( double highAlarm, double lowAlarm, double highWarn, double lowWarn, double now ) {
-   return { milliwatts( highAlarm ), milliwatts( lowAlarm ), milliwatts( highWarn ),
-            milliwatts( lowWarn ), milliwatts( now ) };
-}
-
 void monitor( SfpImageBuilder & sfp, std::string const & threshold, std::string const & live,
               Monitor const & m ) {
    sfp.value( threshold + "HighAlarm", m.highAlarm )
@@ -85,11 +66,6 @@ void calibratedMonitor( SfpImageBuilder & sfp, std::string const & threshold,
    monitor( sfp, threshold, live,
             { raw( m.highAlarm ), raw( m.lowAlarm ), raw( m.highWarn ), raw( m.lowWarn ),
               raw( m.now ) } );
-}
-
-/// The supply voltage, V, with the usual limits of 5 and 10 % around 3.3 V.
-Monitor voltage( double now ) {
-   return { 3.63, 2.97, 3.465, 3.135, now };
 }
 
 void diagnostics( SfpImageBuilder & sfp, char const * calibration ) {
@@ -259,7 +235,7 @@ std::string hex( size_t byte ) {
 
 /// A section of a labelled image. The program's own writer is not used: it comes with the program's
 /// packages, and examples are built without these too.
-void writePage( std::ostream & out, char const * label, std::string_view bytes ) {
+void writePage( std::ostream & out, std::string_view label, std::string_view bytes ) {
    if ( bytes.empty() ) {
       return;
    }
@@ -271,46 +247,53 @@ void writePage( std::ostream & out, char const * label, std::string_view bytes )
    out << "\n";
 }
 
-struct Example {
-   char const * name;
-   char const * about;
-   SfpImageBuilder module;
-};
-
 bool write( std::filesystem::path const & folder, Example const & example ) {
    std::ofstream out( folder / ( std::string( example.name ) + ".txt" ) );
    out << "# " << example.about
        << "\n# Made by examples/make_modules.cpp; the vendor is invented.\n";
-   writePage( out, "a0h", example.module.a0h() );
-   writePage( out, "a2h", example.module.a2h() );
+   for ( Page const & page : example.pages ) {
+      writePage( out, page.label, page.bytes );
+   }
    return out.flush().good();
 }
 
+Example sfp( char const * name, char const * about, SfpImageBuilder const & module ) {
+   return { name, about, { { "a0h", module.a0h() }, { "a2h", module.a2h() } } };
+}
+
+std::vector<Example> sfpExamples() {
+   return {
+      sfp( "10gbase-sr", "10GBASE-SR, diagnostics calibrated internally", tenGigSr() ),
+      sfp( "10gbase-lr-external", "10GBASE-LR, diagnostics calibrated externally",
+           tenGigLrExternallyCalibrated() ),
+      sfp( "25gbase-sr", "25GBASE-SR", twentyFiveGigSr() ),
+      sfp( "1000base-t", "1000BASE-T copper module, no diagnostics", gigabitCopper() ),
+      sfp( "10gbase-cr", "10GBASE-CR passive copper cable of 3 m, no diagnostics",
+           tenGigPassiveCable() ),
+      sfp( "dwdm-tunable", "10G DWDM module for 80 km, tunable, with its tuning page",
+           tunableDwdm() ),
+      sfp( "1000base-bx10-u", "1000BASE-BX10, upstream end of a single fibre", gigabitBidi() ),
+      sfp( "bad-checksum", "1000BASE-SX whose extended checksum is wrong, with a weak signal",
+           badChecksum() ),
+      sfp( "alarms", "10GBASE-LR that is too hot and receives no light", alarmed() ),
+   };
+}
+
 } // namespace
+} // namespace Examples
 
 int main( int argc, char ** argv ) {
    if ( argc != 2 ) {
       std::cerr << "usage: make_modules FOLDER\n";
       return 2;
    }
-   Example const examples[] = {
-      { "10gbase-sr", "10GBASE-SR, diagnostics calibrated internally", tenGigSr() },
-      { "10gbase-lr-external", "10GBASE-LR, diagnostics calibrated externally",
-        tenGigLrExternallyCalibrated() },
-      { "25gbase-sr", "25GBASE-SR", twentyFiveGigSr() },
-      { "1000base-t", "1000BASE-T copper module, no diagnostics", gigabitCopper() },
-      { "10gbase-cr", "10GBASE-CR passive copper cable of 3 m, no diagnostics",
-        tenGigPassiveCable() },
-      { "dwdm-tunable", "10G DWDM module for 80 km, tunable, with its tuning page", tunableDwdm() },
-      { "1000base-bx10-u", "1000BASE-BX10, upstream end of a single fibre", gigabitBidi() },
-      { "bad-checksum", "1000BASE-SX whose extended checksum is wrong, with a weak signal",
-        badChecksum() },
-      { "alarms", "10GBASE-LR that is too hot and receives no light", alarmed() },
-   };
-   for ( Example const & example : examples ) {
-      if ( !write( argv[1], example ) ) {
-         std::cerr << "make_modules: cannot write " << example.name << " into " << argv[1] << "\n";
-         return 1;
+   for ( auto const & examples : { Examples::sfpExamples(), Examples::qsfpExamples() } ) {
+      for ( Examples::Example const & example : examples ) {
+         if ( !Examples::write( argv[1], example ) ) {
+            std::cerr << "make_modules: cannot write " << example.name << " into " << argv[1]
+                      << "\n";
+            return 1;
+         }
       }
    }
    return 0;

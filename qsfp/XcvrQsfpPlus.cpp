@@ -68,14 +68,6 @@ bool Sff8436IdEepromContents::cdrTxRxControlImplemented() const {
    return ( options() & both ) == both;
 }
 
-bool Sff8436IdEepromContents::domSupported() const {
-   VEL_TRACE_SCOPE( trace );
-   using enum Sff8436DeviceTechnology;
-   Sff8436DeviceTechnology const technology = deviceTechnology();
-   return !eepromPage00UpperData().empty() && technology != copperUnequalized &&
-          technology != copperPassiveEqualized;
-}
-
 // Power
 
 namespace {

@@ -92,27 +92,38 @@ EepromDescriptor QsfpNewStatus::idEepromInfo() const {
 
 // Identity
 
-VendorInfo QsfpNewStatus::vendorInfo() const {
+// Flattened: the five texts are copied in place.
+[[gnu::flatten]] VendorInfo QsfpNewStatus::vendorInfo() const {
    VEL_TRACE_SCOPE( trace );
    return contentsOf( *this ).vendorInfo();
 }
 
-MediaType QsfpNewStatus::detectedMediaType() const {
-   VEL_TRACE_SCOPE( trace );
-   Sff8436IdEepromContents const & contents = contentsOf( *this );
+namespace {
+
+MediaType detectedTypeOf( QsfpNewStatus const & status ) {
+   Sff8436IdEepromContents const & contents = contentsOf( status );
    MediaType const detected = contents.mediaType();
+   if ( detected != xcvrUnknown && detected != xcvr100GUnknown ) {
+      return detected;
+   }
    constexpr uint8_t extended = bit( "compliance", "extended compliance" ).mask;
-   bool const unknown = detected == xcvrUnknown || detected == xcvr100GUnknown;
-   return unknown && xgc() && xgc()->ethComplianceBit7IsPsm4() &&
-                ( contents.complianceEth10And40G() & extended ) &&
-                contents.complianceExtended() == 0
+   bool const hasBitWithoutCode =
+      ( contents.complianceEth10And40G() & extended ) != 0 && contents.complianceExtended() == 0;
+   return hasBitWithoutCode && status.xgc() && status.xgc()->ethComplianceBit7IsPsm4()
              ? xcvr40GBasePsm4
              : detected;
 }
 
+} // namespace
+
+MediaType QsfpNewStatus::detectedMediaType() const {
+   VEL_TRACE_SCOPE( trace );
+   return detectedTypeOf( *this );
+}
+
 MediaType QsfpNewStatus::mediaType() const {
    VEL_TRACE_SCOPE( trace );
-   return overrideMediaType() != xcvrUnknown ? overrideMediaType() : detectedMediaType();
+   return overrideMediaType() != xcvrUnknown ? overrideMediaType() : detectedTypeOf( *this );
 }
 
 bool QsfpNewStatus::isSupportedMediaType( MediaType type ) const {
@@ -174,14 +185,22 @@ Units::Decibels QsfpNewStatus::electricalPathAttenuation() const {
 
 // Monitors
 
-bool QsfpNewStatus::domInfoValid( LaneId lane ) const {
-   VEL_TRACE_SCOPE( trace );
-   Sff8436IdEepromContents const & contents = contentsOf( *this );
-   return lane.value() < lanes && presence() == xcvrPresent && contents.domSupported() &&
-          !contents.eepromPage00LowerData().empty() && lastDomUpdateTime() > lastPresenceChange();
+namespace {
+
+/// Here rather than in the operation, since an exported one is not inlined into its callers.
+inline bool monitorsValid( QsfpNewStatus const & status, Sff8436IdEepromContents const & contents,
+                           LaneId lane ) {
+   return lane.value() < QsfpNewStatus::lanes && status.presence() == xcvrPresent &&
+          contents.domSupported() && !contents.eepromPage00LowerData().empty() &&
+          status.lastDomUpdateTime() > status.lastPresenceChange();
 }
 
-namespace {
+/// The lower page of a module whose monitors of a lane are valid; without bytes if they are not.
+inline PageView validLowerPage( QsfpNewStatus const & status, LaneId lane ) {
+   Sff8436IdEepromContents const & contents = contentsOf( status );
+   return monitorsValid( status, contents, lane ) ? contents.eepromPage00LowerData().view()
+                                                  : std::string_view();
+}
 
 /// The word of a lane in a row of one word a lane, which the row of the first lane names.
 uint16_t laneWord( PageView page, MemoryField const & first, LaneId lane ) {
@@ -200,12 +219,18 @@ double rxPower( PageView lower, LaneId lane ) {
 
 } // namespace
 
-DomInfo QsfpNewStatus::domInfo( LaneId lane ) const {
+bool QsfpNewStatus::domInfoValid( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( lane ) ) {
+   return monitorsValid( *this, contentsOf( *this ), lane );
+}
+
+// Flattened, since readers ask it for every lane.
+[[gnu::flatten]] DomInfo QsfpNewStatus::domInfo( LaneId lane ) const {
+   VEL_TRACE_SCOPE( trace );
+   Sff8436IdEepromContents const & contents = contentsOf( *this );
+   if ( !monitorsValid( *this, contents, lane ) ) {
       return unreadableDomInfo( 0 );
    }
-   Sff8436IdEepromContents const & contents = contentsOf( *this );
    PageView const lower = contents.eepromPage00LowerData().view();
    return { lastDomUpdateTime(),
             domCalibrationInternal,
@@ -219,10 +244,10 @@ DomInfo QsfpNewStatus::domInfo( LaneId lane ) const {
 
 DomAggPower QsfpNewStatus::domAggPower() const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( LaneId() ) ) {
+   Sff8436IdEepromContents const & contents = contentsOf( *this );
+   if ( !monitorsValid( *this, contents, LaneId() ) ) {
       return { 0, domCalibrationUnknown, unreadable, unreadable };
    }
-   Sff8436IdEepromContents const & contents = contentsOf( *this );
    PageView const lower = contents.eepromPage00LowerData().view();
    auto const tx = [&]( uint8_t lane ) { return txPower( contents, lower, LaneId( lane ) ); };
    auto const rx = [&]( uint8_t lane ) { return rxPower( lower, LaneId( lane ) ); };
@@ -339,10 +364,10 @@ struct LimitFlags {
 
 QsfpLaneFlags QsfpNewStatus::laneFlags( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( lane ) ) {
+   PageView const lower = validLowerPage( *this, lane );
+   if ( lower.empty() ) {
       return {};
    }
-   PageView const lower = contentsOf( *this ).eepromPage00LowerData().view();
    LimitFlags const txBias( lower, row( "txBiasFlags" ), lane );
    LimitFlags const txPower( lower, row( "txPowerFlags" ), lane );
    LimitFlags const rxPower( lower, row( "rxPowerFlags" ), lane );
@@ -368,10 +393,10 @@ QsfpLaneFlags QsfpNewStatus::laneFlags( LaneId lane ) const {
 
 QsfpModuleFlags QsfpNewStatus::moduleFlags() const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( LaneId() ) ) {
+   PageView const lower = validLowerPage( *this, LaneId() );
+   if ( lower.empty() ) {
       return {};
    }
-   PageView const lower = contentsOf( *this ).eepromPage00LowerData().view();
    return {
       lower.bit( bit( "temperatureFlags", "temperature high alarm" ) ),
       lower.bit( bit( "temperatureFlags", "temperature low alarm" ) ),
@@ -392,12 +417,11 @@ QsfpModuleFlags QsfpNewStatus::moduleFlags() const {
 
 QsfpLaneControls QsfpNewStatus::laneControls( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( lane ) ) {
+   PageView const lower = validLowerPage( *this, lane );
+   if ( lower.empty() ) {
       return {};
    }
-   Sff8436IdEepromContents const & contents = contentsOf( *this );
-   PageView const lower = contents.eepromPage00LowerData().view();
-   PageView const page03h = contents.page( eepromPage03Upper );
+   PageView const page03h = contentsOf( *this ).page( eepromPage03Upper );
    return { laneBit( lower, bit( "txDisable", "Tx1 disable" ), lane ),
             laneCode( lower, row( "rxRateSelect" ), lane ),
             laneCode( lower, row( "txRateSelect" ), lane ),
@@ -411,10 +435,10 @@ QsfpLaneControls QsfpNewStatus::laneControls( LaneId lane ) const {
 
 QsfpModuleControls QsfpNewStatus::moduleControls() const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( LaneId() ) ) {
+   PageView const lower = validLowerPage( *this, LaneId() );
+   if ( lower.empty() ) {
       return {};
    }
-   PageView const lower = contentsOf( *this ).eepromPage00LowerData().view();
    return { lower.bit( bit( "powerControl", "power mode set by software" ) ),
             lower.bit( bit( "powerControl", "low power mode" ) ),
             lower.bit( bit( "powerControl", "power classes 5 to 7 enabled" ) ),
@@ -533,25 +557,16 @@ class Parameter {
    uint16_t config_;
 };
 
-template <typename Visit>
-void forEachMonitor( Sff8436IdEepromContents const & contents, Visit const & visit ) {
-   PageView const page20h = contents.page( eepromPage20hUpper );
-   for ( uint32_t number = 0; number < parameterCount; ++number ) {
-      if ( Parameter const parameter( page20h, number ); parameter.isMonitor() ) {
-         visit( parameter );
-      }
-   }
-}
-
 /// The first parameter of an index.
 std::optional<Parameter> monitorOf( Sff8436IdEepromContents const & contents, uint32_t index ) {
-   std::optional<Parameter> found;
-   forEachMonitor( contents, [&]( Parameter const & parameter ) {
-      if ( !found && parameter.index() == index ) {
-         found = parameter;
+   PageView const page20h = contents.page( eepromPage20hUpper );
+   for ( uint32_t number = 0; number < parameterCount && !page20h.empty(); ++number ) {
+      Parameter const parameter( page20h, number );
+      if ( parameter.isMonitor() && parameter.index() == index ) {
+         return parameter;
       }
-   } );
-   return found;
+   }
+   return std::nullopt;
 }
 
 /// A number in the unit of a monitor, of its value or of its thresholds.
@@ -578,13 +593,17 @@ double monitorValue( uint32_t index, uint16_t code ) {
 /// By the monitors' order, for the values that have a field a monitor.
 std::array<SensorCategory, monitorCount> categories( Sff8436IdEepromContents const & contents ) {
    std::array<SensorCategory, monitorCount> result{};
-   forEachMonitor( contents, [&result]( Parameter const & parameter ) {
-      SensorCategory & category = result[parameter.monitor()];
-      // A monitor that is there both ways is one of the lanes.
-      category = parameter.isOfLane() || category == SensorCategory::laneSensor
-                    ? SensorCategory::laneSensor
-                    : SensorCategory::slotSensor;
-   } );
+   PageView const page20h = contents.page( eepromPage20hUpper );
+   for ( uint32_t number = 0; number < parameterCount; ++number ) {
+      Parameter const parameter( page20h, number );
+      if ( parameter.isMonitor() ) {
+         SensorCategory & category = result[parameter.monitor()];
+         // A monitor that is there both ways is one of the lanes.
+         category = parameter.isOfLane() || category == SensorCategory::laneSensor
+                       ? SensorCategory::laneSensor
+                       : SensorCategory::slotSensor;
+      }
+   }
    return result;
 }
 

@@ -120,7 +120,8 @@ EepromDescriptor SfpNewStatus::idEepromInfo() const {
 
 // Identity
 
-VendorInfo SfpNewStatus::vendorInfo() const {
+// Flattened: the five texts are copied in place.
+[[gnu::flatten]] VendorInfo SfpNewStatus::vendorInfo() const {
    VEL_TRACE_SCOPE( trace );
    return contentsOf( *this ).vendorInfo();
 }

@@ -409,8 +409,9 @@ inline constexpr MemoryField fields[] = {
    { "lengthOm2", upper00h, 16, 1, u8, "m" },
    { "lengthOm1", upper00h, 17, 1, u8, "m" },
    { "lengthCableOrOm4", upper00h, 18, 1, u8, "m" },
-   // The same byte in a module with a laser of 850 nm for multimode fibre.
+   // The same byte of a transmitter of 850 nm: in a module for multimode fibre, and in a cable.
    { "lengthOm4", upper00h, 18, 1, u8, "m", 2, {}, shared },
+   { "lengthActiveCable", upper00h, 18, 1, u8, "m", 1, {}, shared },
    { "deviceTech", upper00h, 19, 1, bits, "", 1, deviceTechBits },
    { "vendorName", upper00h, 20, 16, text },
    { "infiniband", upper00h, 36, 1, bits, "", 1, infinibandBits },
@@ -550,6 +551,9 @@ inline constexpr MemoryCondition conditions[] = {
    { lower, 50, 57, "diagsMonitoringType", "Tx power monitor" },
    { upper00h, 18, 18, "deviceTech", "", 0x00, true, "lengthCableOrOm4", 0x0f },
    { upper00h, 18, 18, "deviceTech", "", 0x00, false, "lengthOm4", 0x0f },
+   { upper00h, 18, 18, "connector", "", 0x23, true, "lengthOm4" },
+   { upper00h, 18, 18, "deviceTech", "", 0x00, false, "lengthActiveCable", 0x0f },
+   { upper00h, 18, 18, "connector", "", 0x23, false, "lengthActiveCable" },
    { upper00h, 58, 60, "deviceTech", "", 0xa0, true, "laserWavelength", 0xff },
    { upper00h, 58, 60, "deviceTech", "", 0xa0, true, "wavelengthTolerance", 0xff },
    { upper00h, 58, 58, "deviceTech", "", 0xa0, false, "attenuation2p5GHz", 0xff },

@@ -142,7 +142,12 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
 
    /// The module monitors its temperature, voltage and lanes. Only passive copper cables do not; the
    /// bits that say so of single monitors came with later revisions and are not asked.
-   bool domSupported() const;
+   bool domSupported() const {
+      using enum Sff8436DeviceTechnology;
+      Sff8436DeviceTechnology const technology = deviceTechnology();
+      return !eepromPage00UpperData_.empty() && technology != copperUnequalized &&
+             technology != copperPassiveEqualized;
+   }
    bool txPowerSupported() const {
       return diagsMonitoringType() & mask( "diagsMonitoringType", "Tx power monitor" );
    }
@@ -206,7 +211,8 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    friend PagedContents;
    static constexpr std::string_view textOfEmptyPage = "";
 
-   PageView pageOf( MemoryField const & field ) const {
+   /// Inlined always, where the field is known: then no label is compared.
+   [[gnu::always_inline]] PageView pageOf( MemoryField const & field ) const {
       return field.page == Sff8436Table::upper00h   ? eepromPage00UpperData_.view()
              : field.page == Sff8436Table::lower    ? eepromPage00LowerData_.view()
              : field.page == Sff8436Table::upper03h ? eepromPage03UpperData_.view()

@@ -319,6 +319,11 @@ TEST( QsfpContents, RowsHoldOnlyWhereTheyAreInUse ) {
            "userText", "parameter1Value", "rxOutputEmphasis", "bitrateExtended" } ) {
       EXPECT_FALSE( optical.contains( name ) ) << name;
    }
+   auto const activeCable = inUse( QsfpImageBuilder().raw( "connector", 0x23 ) );
+   EXPECT_TRUE( activeCable.contains( "lengthActiveCable" ) &&
+                !optical.contains( "lengthActiveCable" ) );
+   EXPECT_FALSE( activeCable.contains( "lengthOm4" ) ||
+                 activeCable.contains( "lengthCableOrOm4" ) );
    auto const copper = inUse( QsfpImageBuilder().flat().raw( "deviceTech", 0xa0 ) );
    for ( char const * name : { "attenuation2p5GHz", "attenuation12p9GHz", "lengthCableOrOm4" } ) {
       EXPECT_TRUE( copper.contains( name ) ) << name;

@@ -513,6 +513,12 @@ TEST( QsfpStatusTest, SignalTuningIsValidWhereSupported ) {
                    .bit( "outputControl", "Tx2 adaptive EQ" ) );
    EXPECT_TRUE( adaptive->txInputEqualization( LaneId( 0 ) ).valid() );
    EXPECT_FALSE( adaptive->txInputEqualization( LaneId( 1 ) ).valid() );
+   // The bit means nothing in a module that cannot adapt.
+   EXPECT_TRUE( inserted( QsfpImageBuilder( image )
+                             .bit( "options", "Tx input EQ fixed" )
+                             .bit( "outputControl", "Tx2 adaptive EQ" ) )
+                   ->txInputEqualization( LaneId( 1 ) )
+                   .valid() );
    EXPECT_EQ( adaptive->tuningParamCapabilities(), TuningParamCapabilities( false, false, true ) );
 }
 

@@ -16,6 +16,11 @@ QsfpImageBuilder & QsfpImageBuilder::missing( std::string_view page ) {
    return *this;
 }
 
+QsfpImageBuilder & QsfpImageBuilder::present( std::string_view page ) {
+   missing_.erase( std::string( page ) );
+   return *this;
+}
+
 QsfpImageBuilder & QsfpImageBuilder::flat() {
    return bit( "moduleStatus", "flat memory" )
       .missing( "02h" )

@@ -19,8 +19,9 @@ class QsfpImageBuilder : public ImageBuilder<QsfpImageBuilder> {
 
    /// Sets the identifier in both places.
    QsfpImageBuilder & identifier( uint8_t code );
-   /// The page of that label is not there.
+   /// The page of that label is not there, or there again.
    QsfpImageBuilder & missing( std::string_view page );
+   QsfpImageBuilder & present( std::string_view page );
    /// Only the lower page and upper page 00h are there.
    QsfpImageBuilder & flat();
 
