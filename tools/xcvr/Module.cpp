@@ -1,5 +1,6 @@
 #include "tools/xcvr/Module.h"
 
+#include "tools/xcvr/QsfpModule.h"
 #include "tools/xcvr/SfpModule.h"
 #include "tools/xcvr/Text.h"
 
@@ -18,6 +19,7 @@ struct Family {
 
 constexpr Family families[] = {
    { XcvrType::sfpPlus, sfpModule },
+   { XcvrType::qsfpPlus, qsfpModule },
 };
 
 } // namespace

@@ -81,6 +81,8 @@ class Module {
 
    // `check`
 
+   /// The image holds what the media type is told from.
+   [[nodiscard]] virtual bool isIdentified() const { return true; }
    /// SFF-8024.
    [[nodiscard]] virtual std::uint8_t identifier() const = 0;
    /// The module says that it has monitors. (Whether the image has them, the status knows.)
