@@ -153,9 +153,9 @@ TEST( ModuleImage, everyFormHoldsTheSameBytes ) {
       for ( std::size_t i = 0; i < ( form == ImageForm::binary ? 1 : std::size( variants ) );
             ++i ) {
          SCOPED_TRACE( i );
-         ModuleImage const image = parseImage( "f", variants[i], ImageFamily::automatic );
+         ModuleImage const image = parseImage( "f", variants[i], anyFamily );
          EXPECT_EQ( image.form, form );
-         EXPECT_EQ( image.family, ImageFamily::sfp );
+         EXPECT_EQ( image.family, XcvrType::sfpPlus );
          ASSERT_EQ( image.pages.size(), 2u );
          EXPECT_EQ( *image.page( "a0h" ), bytes.substr( 0, 256 ) );
          EXPECT_EQ( *image.page( "a2h" ), bytes.substr( 256 ) );
@@ -164,23 +164,41 @@ TEST( ModuleImage, everyFormHoldsTheSameBytes ) {
 }
 
 TEST( ModuleImage, linearBytesAreSharedOutToPages ) {
+   using Layout = std::vector<std::pair<std::string, std::size_t>>;
+   Layout const cmis{ { "lower", 128 }, { "00h", 128 }, { "01h", 128 },
+                      { "02h", 128 },   { "10h", 128 }, { "11h", 128 } };
    struct {
       std::size_t size;
-      std::vector<std::pair<std::string, std::size_t>> pages;
+      char identifier;
+      XcvrType family;
+      Layout pages;
    } const cases[] = {
-      { 96, { { "a0h", 96 } } },
-      { 127, { { "a0h", 127 } } },
-      { 256, { { "a0h", 256 } } },
-      { 384, { { "a0h", 256 }, { "a2h", 128 } } },
-      { 513, { { "a0h", 256 }, { "a2h", 256 }, { "01h", 1 } } },
-      { 768, { { "a0h", 256 }, { "a2h", 256 }, { "01h", 128 }, { "02h", 128 } } },
+      { 96, 0x03, XcvrType::sfpPlus, { { "a0h", 96 } } },
+      { 127, 0x03, XcvrType::sfpPlus, { { "a0h", 127 } } },
+      { 256, 0x0b, XcvrType::sfpPlus, { { "a0h", 256 } } },
+      { 384, 0x03, XcvrType::sfpPlus, { { "a0h", 256 }, { "a2h", 128 } } },
+      { 513, 0x03, XcvrType::sfpPlus, { { "a0h", 256 }, { "a2h", 256 }, { "01h", 1 } } },
+      { 768,
+        0x03,
+        XcvrType::sfpPlus,
+        { { "a0h", 256 }, { "a2h", 256 }, { "01h", 128 }, { "02h", 128 } } },
+      { 128, 0x0c, XcvrType::qsfpPlus, { { "lower", 128 } } },
+      { 256, 0x0d, XcvrType::qsfpPlus, { { "lower", 128 }, { "00h", 128 } } },
+      { 640,
+        0x11,
+        XcvrType::qsfpPlus,
+        { { "lower", 128 }, { "00h", 128 }, { "01h", 128 }, { "02h", 128 }, { "03h", 128 } } },
+      { 768, 0x18, XcvrType::qsfpDd, cmis },
+      { 768, 0x1e, XcvrType::qsfpDd, cmis },
+      { 768, 0x19, XcvrType::osfp, cmis },
    };
-   for ( auto const & [size, pages] : cases ) {
+   for ( auto const & [size, identifier, family, pages] : cases ) {
       SCOPED_TRACE( size );
-      std::string bytes = memory( 1024 ).substr( 0, size );
-      ModuleImage const image = parseImage( "f", bytes, ImageFamily::automatic );
+      std::string const bytes = identifier + memory( 1024 ).substr( 1, size - 1 );
+      ModuleImage const image = parseImage( "f", bytes, anyFamily );
+      EXPECT_EQ( image.family, family );
       // In the order of the layout, each with the bytes that follow those of the page before.
-      std::vector<std::pair<std::string, std::size_t>> found;
+      Layout found;
       std::string joined;
       for ( auto const & [label, page] : image.pages ) {
          found.emplace_back( label, page.size() );
@@ -189,8 +207,11 @@ TEST( ModuleImage, linearBytesAreSharedOutToPages ) {
       EXPECT_EQ( found, pages );
       EXPECT_EQ( joined, bytes );
    }
-   std::string const largest = memory( 512 + 255 * 128 );
-   EXPECT_EQ( parseImage( "f", largest, ImageFamily::automatic ).page( "ffh" )->size(), 128u );
+   std::string largest = memory( 512 + 255 * 128 );
+   EXPECT_EQ( parseImage( "f", largest, anyFamily ).page( "ffh" )->size(), 128u );
+   largest[0] = 0x11;
+   EXPECT_EQ( *parseImage( "f", largest.substr( 0, 257 * 128 ), anyFamily ).page( "20h" ),
+              largest.substr( 33 * 128, 128 ) );
 }
 
 TEST( ModuleImage, labelledImageKeepsEveryPageAsWritten ) {
@@ -202,8 +223,8 @@ TEST( ModuleImage, labelledImageKeepsEveryPageAsWritten ) {
                             "63:0405\n"
                             "[a2h]\n\t0000: ff\n"
                             "[02h]\n01\n[00h]\n02\n[FFh]\n03\n";
-   ModuleImage const image = parseImage( "f", text, ImageFamily::automatic );
-   EXPECT_EQ( image.family, ImageFamily::sfp );
+   ModuleImage const image = parseImage( "f", text, anyFamily );
+   EXPECT_EQ( image.family, XcvrType::sfpPlus );
    EXPECT_EQ( image.page( "a0h" )->substr( 96 ), "\1\2\3\4\5" );
    EXPECT_EQ( *image.page( "a2h" ), "\xff" );
    EXPECT_EQ( *image.page( "02h" ), "\1" );
@@ -211,20 +232,44 @@ TEST( ModuleImage, labelledImageKeepsEveryPageAsWritten ) {
    EXPECT_EQ( *image.page( "ffh" ), "\3" );
    EXPECT_EQ( image.page( "03h" ), nullptr );
 
-   ModuleImage const again = parseImage( "f", labelledForm( image ), ImageFamily::automatic );
+   ModuleImage const again = parseImage( "f", labelledForm( image ), anyFamily );
    EXPECT_EQ( again.pages, image.pages );
 }
 
 TEST( ModuleImage, familyIsSeenOrSaid ) {
-   std::string dwdm = memory( 512 );
-   dwdm[0] = 0x0b;
-   EXPECT_EQ( parseImage( "f", dwdm, ImageFamily::automatic ).family, ImageFamily::sfp );
-   // Labels and what the user says come before the identifier.
-   std::string other = memory( 512 );
-   other[0] = 0x11;
-   EXPECT_EQ( parseImage( "f", labelled( other ), ImageFamily::automatic ).family,
-              ImageFamily::sfp );
-   EXPECT_EQ( *parseImage( "f", other, ImageFamily::sfp ).page( "a0h" ), other.substr( 0, 256 ) );
+   std::string const half = plainHex( memory( 256 ).substr( 1, 127 ), "", " " );
+   struct {
+      std::string content;
+      XcvrType said;
+      XcvrType family;
+   } const cases[] = {
+      // Labels and what the user says come before the identifier.
+      { labelled( '\x11' + memory( 512 ).substr( 1 ) ), anyFamily, XcvrType::sfpPlus },
+      { '\x11' + memory( 512 ).substr( 1 ), XcvrType::sfpPlus, XcvrType::sfpPlus },
+      { "[lower]\n11 " + half, XcvrType::osfp, XcvrType::osfp },
+      // A page a0h behind a lower one, and the first upper page alone.
+      { "[lower]\n1e " + half + "[A0h]\n01\n", anyFamily, XcvrType::qsfpDd },
+      { "[03h]\n00\n[00h]\n0d " + half, anyFamily, XcvrType::qsfpPlus },
+      { "[00h]\n19 " + half, anyFamily, XcvrType::osfp },
+      // Modules of another kind have the same identifier.
+      { "[A000h]\n00 01\n[8000h]\n11 " + half, anyFamily, XcvrType::cfp2 },
+      { '\x11' + memory( 512 ).substr( 1 ), XcvrType::cfp2, XcvrType::cfp2 },
+   };
+   for ( auto const & [content, said, family] : cases )
+      EXPECT_EQ( parseImage( "f", content, said ).family, family ) << content.substr( 0, 20 );
+}
+
+TEST( ModuleImage, aPageWithoutABankIsThatOfBank0 ) {
+   ModuleImage const image =
+      parseImage( "f",
+                  "[lower]\n18 " + plainHex( memory( 256 ).substr( 1, 127 ), "", " " ) +
+                     "[11h.10]\n0a\n[11h.2]\n02\n[11h.0]\n00\n[10h]\nff\n",
+                  anyFamily );
+   std::vector<std::string> labels;
+   for ( auto const & [label, page] : image.pages )
+      labels.push_back( label );
+   EXPECT_EQ( labels, ( std::vector<std::string>{ "lower", "10h", "11h", "11h.2", "11h.10" } ) );
+   EXPECT_EQ( *image.page( "11h.10" ), "\n" );
 }
 
 /// The message of the refusal; empty if the input is accepted.
@@ -260,22 +305,35 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
       { std::string( 512, '\0' ), "identifier 00h", "(byte 0)" },
       { std::string( ( 1 << 20 ) + 1, '\3' ), "too large", "(more than 1048576 bytes)" },
       // Other modules, and too much or too little of one.
-      { withIdentifier( 0x11 ),
-        "identifier 11h (QSFP28 or later) is not one that this version decodes", "--family sfp" },
+      { withIdentifier( 0x0e ), "identifier 0eh (CXP) is not one that this version decodes",
+        "with --family" },
       { withIdentifier( 0x22 ), "22h (ELSFP with CMIS) is", "(byte 0)" },
       { withIdentifier( 0x23 ), "identifier 23h is not that of any module", "(byte 0)" },
-      { "[lower]\n18\n[00h]\n18\n", "identifier 18h (QSFP-DD) is", "(byte 0)" },
+      { "[lower]\n22\n[00h]\n18\n", "22h (ELSFP with CMIS) is", "(byte 0)" },
+      { "[lower]\n11\n[11h.1]\n18\n", "[11h.1] is no page of this family, qsfp", "(line 3)" },
+      { "[lower]\n18\n[11h]\n18\n[11h.0]\n", "a second section [11h]", "(line 5)" },
       { "[lower]\n03\n", "[lower] is no page of this family, sfp", "(line 1)" },
       { "[lower]\n03\n" + a0h, "[lower] is no page of", "(line 1); remove" },
-      { a0h + "[02h]\n01\n[8000h]\n01\n[11h.0]\n01\n", "[8000h] is no page of",
+      { a0h + "[02h]\n01\n[8000h]\n01\n[11h.1]\n01\n", "[8000h] is no page of",
         "(line 5); remove" },
       { a0h + "[11h.255]\n01\n", "[11h.255] is no page of", "(line 3); remove" },
-      { "[8000h]\n0e\n", "do not show which kind of module", "(first is [8000h])" },
+      { "[03h]\n0e\n", "do not show which kind of module", "(first is [03h])" },
+      { "[7fffh]\n0e\n", "header that names no page", "(line 1)" },
+      { "[8000h]\n0e\n", "too short to identify", "(1 byte of page 8000h)" },
+      { "[8000h]\n0e\n[8080h]\n" + plainHex( memory( 256 ).substr( 0, 129 ), "", "" ),
+        "[8080h] has more than its 128 bytes", "(line 4)" },
+      { "[lower]\n11\n[a0h]\n" + plainHex( memory( 256 ).substr( 0, 129 ), "", "" ),
+        "[a0h] has more than its 128 bytes", "(line 3)" },
       { "\3", "too short to identify", "(1 byte of page a0h)" },
-      { bytes.substr( 0, 95 ), "too short", "(95 bytes of page a0h); give at least the first 96" },
+      { bytes.substr( 0, 95 ), "too short",
+        "(95 bytes of page a0h); give at least the first 96 bytes of page a0h" },
       { "[a0h]\n03 04\n", "too short", "(2 bytes of page a0h)" },
       { "[a2h]\n03\n", "too short", "(0 bytes of page a0h)" },
       { memory( 33153 ), "too long", "(33153 bytes, at most 33152)" },
+      { '\x18' + memory( 768 ), "too long for an image of this family, qsfp-dd", "at most 768)" },
+      { '\x11' + memory( 256 ).substr( 0, 126 ), "too short to identify the module",
+        "(127 bytes of page lower, 0 bytes of page 00h); give at least the first 128 bytes of page "
+        "lower or 64 bytes of page 00h" },
       // Damaged dumps.
       { xxdText.substr( 0, 68 * 3 - 20 ), "a hex digit is missing", "(line 3, column 46)" },
       { plainHex( bytes, "", "" ) + "0", "a hex digit is missing", "(line 2, column 1)" },
@@ -315,9 +373,8 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
         "[02h] has more than its 128 bytes", "(line 4)" },
    };
    for ( auto const & it : cases )
-      EXPECT_THAT(
-         refusal( [&] { return parseImage( "x.bin", it.content, ImageFamily::automatic ); } ),
-         AllOf( StartsWith( "x.bin: " ), HasSubstr( it.what ), HasSubstr( it.where ) ) )
+      EXPECT_THAT( refusal( [&] { return parseImage( "x.bin", it.content, anyFamily ); } ),
+                   AllOf( StartsWith( "x.bin: " ), HasSubstr( it.what ), HasSubstr( it.where ) ) )
          << it.content.substr( 0, 200 );
 }
 
@@ -330,7 +387,7 @@ TEST( ModuleImage, dumpCutAnywhereIsShorterOrRefused ) {
       for ( std::size_t size = 0; size < text.size(); size += 7 ) { // meets every part of a line
          ModuleImage image;
          try {
-            image = parseImage( "f", text.substr( 0, size ), ImageFamily::automatic );
+            image = parseImage( "f", text.substr( 0, size ), anyFamily );
          } catch ( ImageError const & ) {
             continue;
          }
@@ -355,7 +412,7 @@ class ModuleImageFile : public ::testing::Test {
       std::ofstream( path, std::ios::binary ) << content;
    }
    static std::string readRefusal( std::string const & path ) {
-      return refusal( [&] { return readImage( path, ImageFamily::automatic ); } );
+      return refusal( [&] { return readImage( path, anyFamily ); } );
    }
 
    std::filesystem::path folder_;
@@ -364,13 +421,13 @@ class ModuleImageFile : public ::testing::Test {
 TEST_F( ModuleImageFile, isReadFromFilesAndPipes ) {
    std::string const bytes = memory( 512 );
    write( path( "image.bin" ), bytes );
-   ModuleImage const image = readImage( path( "image.bin" ), ImageFamily::automatic );
+   ModuleImage const image = readImage( path( "image.bin" ), anyFamily );
    EXPECT_EQ( image.file, path( "image.bin" ) );
    EXPECT_EQ( *image.page( "a2h" ), bytes.substr( 256 ) );
 
    ASSERT_EQ( ::mkfifo( path( "pipe" ).c_str(), 0600 ), 0 );
    std::thread writer( [&] { write( path( "pipe" ), dump( xxd, bytes ) ); } );
-   ModuleImage const piped = readImage( path( "pipe" ), ImageFamily::automatic );
+   ModuleImage const piped = readImage( path( "pipe" ), anyFamily );
    writer.join();
    EXPECT_EQ( piped.pages, image.pages );
 }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -18,6 +19,13 @@ inline std::string contentOf( std::filesystem::path const & path ) {
    std::ostringstream content;
    content << std::ifstream( path, std::ios::binary ).rdbuf();
    return content.str();
+}
+
+/// The one fact with that label, of what `show` printed.
+inline std::string fact( std::string const & out, std::string const & label ) {
+   std::smatch found;
+   std::regex const line( "   " + label + " +: (.*(?:\n {10,}.*)*)" );
+   return std::regex_search( out, found, line ) ? found[1].str() : "(no " + label + ")";
 }
 
 /// What one run of the program came to.

@@ -52,8 +52,9 @@ void PageDump::line( std::size_t at, std::string_view bytes, std::string_view na
 }
 
 void PageDump::field( MemoryField const & field, std::string const & name ) {
+   std::size_t const beyond = std::max( name.size(), nameWidth ) - nameWidth;
    std::vector<std::string> const values =
-      wrapped( fieldText( bytes_, field ), lineWidth - valueAt );
+      wrapped( fieldText( bytes_, field ), lineWidth - valueAt - beyond );
    std::string_view const bytes = bytes_.substr( field.at, field.width );
    std::size_t const byteLines = ( bytes.size() + bytesPerLine - 1 ) / bytesPerLine;
    for ( std::size_t i = 0; i < std::max( byteLines, values.size() ); ++i ) {

@@ -26,7 +26,8 @@ Sentences ofForeignIdentifier( Module const & module ) {
 Sentences ofUnknownMediaType( Module const & module ) {
    // Of another family's module the rules here know nothing.
    bool const isOfFamily = familyHasIdentifier( module.image().family, module.identifier() );
-   if ( !isOfFamily || module.status().mediaType() != Xcvr::xcvrUnknown ) {
+   if ( !isOfFamily || !module.isIdentified() ||
+        module.status().mediaType() != Xcvr::xcvrUnknown ) {
       return {};
    }
    std::string_view const name = codeName( identifierNames, module.identifier() );

@@ -95,6 +95,19 @@ inline constexpr CodeName connectorNames[] = {
    { 0x28, "MPO 1x16" },
 };
 
+/// SFF-8024, encodings as SFF-8636 numbers them.
+inline constexpr CodeName qsfpEncodingNames[] = {
+   { 0x00, "unspecified" },
+   { 0x01, "8B/10B" },
+   { 0x02, "4B/5B" },
+   { 0x03, "NRZ" },
+   { 0x04, "SONET scrambled" },
+   { 0x05, "64B/66B" },
+   { 0x06, "Manchester" },
+   { 0x07, "256B/257B" },
+   { 0x08, "PAM4" },
+};
+
 /// SFF-8024, encodings as SFF-8472 numbers them.
 inline constexpr CodeName encodingNames[] = {
    { 0x00, "unspecified" },
@@ -205,28 +218,110 @@ inline constexpr CodeName bitrateNominalNames[] = {
    { 0xff, "see bitrateHigh" },
 };
 
+/// SFF-8636, likewise.
+inline constexpr CodeName qsfpBitrateNominalNames[] = {
+   { 0xff, "see bitrateExtended" },
+};
+
+/// SFF-8636, the revision that a module complies with.
+inline constexpr CodeName qsfpRevisionNames[] = {
+   { 0x00, "unspecified" },
+   { 0x01, "SFF-8436 up to 4.8" },
+   { 0x02, "SFF-8436 up to 4.8, but for some bytes" },
+   { 0x03, "SFF-8636 1.3" },
+   { 0x04, "SFF-8636 1.4" },
+   { 0x05, "SFF-8636 1.5" },
+   { 0x06, "SFF-8636 2.0" },
+   { 0x07, "SFF-8636 2.5 to 2.7" },
+   { 0x08, "SFF-8636 2.8 to 2.10" },
+};
+
+/// SFF-8636, power classes 1 to 7 in two pairs of bits.
+inline constexpr CodeName powerClassNames[] = {
+   { 0x00, "power class 1" },
+   { 0x40, "power class 2" },
+   { 0x80, "power class 3" },
+   { 0xc0, "power class 4" },
+   { 0xc1, "power class 5" },
+   { 0xc2, "power class 6" },
+   { 0xc3, "power class 7" },
+};
+
+/// SFF-8636, transmitter technologies.
+inline constexpr CodeName technologyNames[] = {
+   { 0x00, "850 nm VCSEL" },
+   { 0x10, "1310 nm VCSEL" },
+   { 0x20, "1550 nm VCSEL" },
+   { 0x30, "1310 nm FP" },
+   { 0x40, "1310 nm DFB" },
+   { 0x50, "1550 nm DFB" },
+   { 0x60, "1310 nm EML" },
+   { 0x70, "1550 nm EML" },
+   { 0x80, "other technology" },
+   { 0x90, "1490 nm DFB" },
+   { 0xa0, "copper, unequalized" },
+   { 0xb0, "copper, passive equalized" },
+   { 0xc0, "copper, active near and far end" },
+   { 0xd0, "copper, active far end" },
+   { 0xe0, "copper, active near end" },
+   { 0xf0, "copper, linear active" },
+};
+
+/// SFF-8636, power in the low power mode.
+inline constexpr CodeName lowPowerNames[] = {
+   { 0x10, "low power up to 1 W" },
+   { 0x20, "low power up to 0.75 W" },
+   { 0x30, "low power up to 0.5 W" },
+};
+
+/// SFF-8636, the lowest supply voltage.
+inline constexpr CodeName minVoltageNames[] = {
+   { 0x00, "3.3 V" },
+   { 0x01, "2.5 V" },
+   { 0x02, "1.8 V" },
+};
+
 struct CodeNames {
    std::string_view field; // its name in the field table
    std::span<CodeName const> names;
+   std::string_view page = {}; // of the field, where families number a field differently
 };
 
 /// The fields that hold a code, if only instead of some numbers.
 inline constexpr CodeNames codeNames[] = {
    { "identifier", identifierNames },
+   { "lowerIdentifier", identifierNames },
    { "extIdentifier", extIdentifierNames },
    { "connector", connectorNames },
-   { "encoding", encodingNames },
-   { "bitrateNominal", bitrateNominalNames },
+   { "encoding", encodingNames, "a0h" },
+   { "encoding", qsfpEncodingNames, "00h" },
+   { "bitrateNominal", bitrateNominalNames, "a0h" },
+   { "bitrateNominal", qsfpBitrateNominalNames, "00h" },
    { "rateIdentifier", rateIdentifierNames },
    { "complianceExtended", complianceExtendedNames },
    { "revision", revisionNames },
+   { "revisionCompliance", qsfpRevisionNames },
+};
+
+/// A code among the bits of a field.
+struct BitCode {
+   std::string_view field;
+   std::uint8_t mask;
+   std::span<CodeName const> names; // of what the mask leaves
+};
+
+inline constexpr BitCode bitCodes[] = {
+   { "identifierExtended", 0xc3, powerClassNames },
+   { "deviceTech", 0xf0, technologyNames },
+   { "lowerProperties", 0xf0, lowPowerNames },
+   { "lowerProperties", 0x07, minVoltageNames },
 };
 // clang-format on
 
 /// The names for the codes in a field; none for a field that holds no code.
-constexpr std::span<CodeName const> codeNamesOf( std::string_view field ) {
+constexpr std::span<CodeName const> codeNamesOf( std::string_view field, std::string_view page ) {
    for ( CodeNames const & row : codeNames ) {
-      if ( row.field == field ) {
+      if ( row.field == field && ( row.page.empty() || row.page == page ) ) {
          return row.names;
       }
    }

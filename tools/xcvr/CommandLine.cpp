@@ -49,7 +49,7 @@ constexpr Command commands[] = {
 struct Arguments {
    Command const * command = nullptr; // null: media-types
    std::vector<std::string> files;
-   ImageFamily family = ImageFamily::automatic;
+   XcvrType family = anyFamily;
    bool json = false;
 };
 
@@ -84,14 +84,15 @@ void describeJson( CLI::App & command, Arguments & arguments ) {
 
 void describeArguments( CLI::App & app, Arguments & arguments ) {
    app.name( "xcvr" );
-   app.description( "Decodes the management memory of pluggable transceivers (SFP, SFP+, SFP28)." );
+   app.description( "Decodes the management memory of pluggable transceivers (SFP, SFP+, SFP28,\n"
+                    "QSFP, QSFP+, QSFP28)." );
    app.set_version_flag( "--version", "xcvr " XCVR_VERSION, "Print the version and exit" );
    app.set_help_flag( "-h,--help", "Print this help and exit" );
    app.require_subcommand( 1 );
    app.footer(
       "FILE is a binary image (ethtool -m DEV raw on), a hex dump (ethtool -m DEV hex on,\n"
-      "hexdump -C, xxd, i2cdump, plain hex) or a labelled image ([a0h] and [a2h] above\n"
-      "hex bytes); - is standard input.\n\n"
+      "hexdump -C, xxd, i2cdump, plain hex) or a labelled image ([a0h], [lower], [00h]\n"
+      "above hex bytes); - is standard input.\n\n"
       "Example:\n  xcvr show module.bin\n\n"
       "Exit code: 0 done, 1 done and check has findings, 2 wrong usage, 3 an input could not\n"
       "be read or the results not written. See xcvr COMMAND --help and man xcvr." );

@@ -18,7 +18,7 @@ std::string shown( std::string_view padded ) {
 void addCode( Report & report, MemoryField const & field, std::string const & label,
               std::uint8_t code ) {
    std::string const member( field.name );
-   std::string const name( codeName( codeNamesOf( field.name ), code ) );
+   std::string const name( codeName( codeNamesOf( field.name, field.page ), code ) );
    report.push_back(
       { .member = member, .value = code, .label = label, .text = codeText( field, code ) } );
    report.push_back( { .member = member + "Name", .value = name.empty() ? Json() : Json( name ) } );
@@ -63,9 +63,17 @@ struct Word {
 };
 
 constexpr Word words[] = {
-   { "tx", "Tx" },        { "rx", "Rx" },        { "los", "LOS" },
-   { "lol", "LOL" },      { "cdr", "CDR" },      { "hi", "high" },
-   { "lo", "low" },       { "eq", "equalizer" }, { "temp", "temperature" },
+   { "tx", "Tx" },
+   { "rx", "Rx" },
+   { "los", "LOS" },
+   { "lol", "LOL" },
+   { "cdr", "CDR" },
+   { "hi", "high" },
+   { "tc", "TC" },
+   { "lp", "LP" },
+   { "lo", "low" },
+   { "eq", "equalizer" },
+   { "temp", "temperature" },
    { "warn", "warning" },
 };
 

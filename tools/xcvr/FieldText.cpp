@@ -39,7 +39,7 @@ std::string numberText( double number, double scale, std::string_view unit ) {
 }
 
 std::string codeText( MemoryField const & field, std::uint8_t code ) {
-   std::string_view const name = codeName( codeNamesOf( field.name ), code );
+   std::string_view const name = codeName( codeNamesOf( field.name, field.page ), code );
    return fmt::format( "0x{:02x}{}", code, name.empty() ? "" : fmt::format( " ({})", name ) );
 }
 
@@ -54,7 +54,16 @@ std::string hexBytes( std::string_view bytes, std::string_view separator ) {
 
 std::vector<std::string> setBits( PageView page, MemoryField const & field ) {
    std::vector<std::string> names;
-   std::uint64_t const value = page.unsignedBe( field.at, field.width );
+   std::uint64_t value = page.unsignedBe( field.at, field.width );
+   for ( BitCode const & code : bitCodes ) {
+      auto const masked = static_cast<std::uint8_t>( value & code.mask );
+      std::string_view const name =
+         code.field == field.name ? codeName( code.names, masked ) : std::string_view();
+      if ( !name.empty() ) {
+         names.emplace_back( name );
+         value &= ~std::uint64_t{ code.mask };
+      }
+   }
    for ( unsigned bit = field.width * 8u; bit-- > 0; ) {
       if ( value >> bit & 1 ) {
          auto const named = std::ranges::find( field.bits, bit, &Xcvr::MemoryBit::bit );
@@ -84,7 +93,7 @@ std::string fieldText( PageView page, MemoryField const & field ) {
       break;
    }
    // Of a number, which has a unit, only some codes may have a name.
-   std::span<CodeName const> const names = codeNamesOf( field.name );
+   std::span<CodeName const> const names = codeNamesOf( field.name, field.page );
    std::uint8_t const code = page.u8( field.at );
    bool const isCode = field.unit.empty() ? !names.empty() : !codeName( names, code ).empty();
    return isCode ? codeText( field, code ) : scaledText( page, field );

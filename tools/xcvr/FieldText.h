@@ -19,7 +19,8 @@ namespace XcvrTool {
 /// Bytes in hex with a separator between them.
 [[nodiscard]] std::string hexBytes( std::string_view bytes, std::string_view separator );
 
-/// The names of the set bits of a field; "bit 9" for one that has none.
+/// What the bits of a field say: the names of the codes among them, then of those that are set;
+/// "bit 9" for one that has none.
 [[nodiscard]] std::vector<std::string> setBits( Xcvr::PageView page,
                                                 Xcvr::MemoryField const & field );
 

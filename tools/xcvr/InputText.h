@@ -18,7 +18,7 @@ class InputProblem : public std::runtime_error {
 /// The next step for an input that looks like nothing that can be read.
 inline constexpr char acceptedForms[] =
    "give a binary image, a hex dump (ethtool -m DEV hex on, hexdump -C, xxd, i2cdump, plain hex) "
-   "or a labelled image ([a0h] above hex bytes); text has to be ASCII or UTF-8";
+   "or a labelled image ([a0h] or [lower] above hex bytes); text has to be ASCII or UTF-8";
 
 /// One line of a text without its line end; the first one has number 1.
 struct Line {

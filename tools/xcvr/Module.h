@@ -81,6 +81,8 @@ class Module {
 
    // `check`
 
+   /// The image holds what the media type is told from.
+   [[nodiscard]] virtual bool isIdentified() const { return true; }
    /// SFF-8024.
    [[nodiscard]] virtual std::uint8_t identifier() const = 0;
    /// The module says that it has monitors. (Whether the image has them, the status knows.)
@@ -100,7 +102,11 @@ class Module {
    ModuleImage image_;
 };
 
-/// The module in an image whose family is known.
+/// The names of the families that are decoded, and the one of that name.
+[[nodiscard]] std::vector<std::string> familyNames();
+[[nodiscard]] XcvrType familyOfName( std::string_view name );
+
+/// The module in an image. Throws ImageError if its family is not decoded.
 [[nodiscard]] std::unique_ptr<Module> moduleOf( ModuleImage image );
 
 } // namespace XcvrTool

@@ -6,13 +6,14 @@
 #include "tools/xcvr/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <span>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -25,28 +26,77 @@ using namespace std::string_view_literals;
 
 /// Far more than any dump of a module needs; what is longer is something else.
 constexpr std::size_t inputLimit = std::size_t{ 1 } << 20;
-constexpr std::size_t deviceSize = 256; // also a register table's
-constexpr std::size_t halfSize = 128;   // the lower memory's and an upper page's
+constexpr std::size_t halfSize = 128; // of most pages: lines of a dump end where one does
 constexpr unsigned lastUpperPage = 0xff;
 
-struct FixedPage {
+/// What a label names.
+enum class PageKind {
+   none,
+   device,    // "a0h", "a2h": all that a device of an SFP shows
+   lower,     // "lower": the half of the memory that is always visible
+   upper,     // "11h": one of the pages that appear in the other half
+   banked,    // "11h.1": the same of another bank than 0
+   byteTable, // "8000h": a table of registers of one byte
+   wordTable, // "a000h": of registers of two bytes, the higher one first
+};
+
+/// The size of a page of each kind.
+constexpr std::size_t pageSizes[] = { 0, 256, 128, 128, 128, 128, 256 };
+
+/// A part of the memory that is enough to tell what the module is.
+struct Identification {
    std::string_view label;
    std::size_t size;
 };
 
 /// What the reader of images has to know of a family.
 struct Family {
-   ImageFamily family;
-   std::string_view name;          // as the user writes it
-   std::string_view identifiers;   // values of byte 0
-   std::array<FixedPage, 2> pages; // the linear layout; the first page identifies the module
-   unsigned firstUpperPage;        // number of the upper page behind them; up to FFh follow
-   std::size_t identificationSize; // bytes of the first page that an image has to have
+   XcvrType type;
+   std::string_view name;        // as the user writes it
+   std::string_view identifiers; // values of byte 0
+   /// Byte 0 tells the family. CFP modules number themselves, with numbers that others have too.
+   bool hasCommonIdentifier;
+   std::span<PageKind const> kinds;         // of the pages that its modules have
+   std::span<std::string_view const> pages; // the linear layout
+   /// Number of the upper page behind these, from which on all follow; none: the layout ends.
+   std::optional<unsigned> firstUpperPage;
+   std::span<Identification const> identification; // one of them an image has to have
 };
 
+using enum PageKind;
+
+constexpr PageKind sfpKinds[] = { device, upper };
+constexpr PageKind qsfpKinds[] = { lower, upper };
+constexpr PageKind cmisKinds[] = { lower, upper, banked };
+constexpr PageKind cfpKinds[] = { byteTable, wordTable };
+
+constexpr std::string_view sfpPages[] = { "a0h", "a2h" };
+constexpr std::string_view qsfpPages[] = { "lower" };
+// Of the many pages the drivers give those that every module with paged memory has.
+constexpr std::string_view cmisPages[] = { "lower", "00h", "01h", "02h", "10h", "11h" };
+constexpr std::string_view cfpPages[] = { "8000h", "8080h", "8100h", "8180h" };
+
+// The base and extended ID fields of SFF-8472 end at A0h:95, the base ID fields of SFF-8636 at 191,
+// and what CMIS sums up on page 00h at 222.
+constexpr Identification sfpIdentification[] = { { "a0h", 96 } };
+constexpr Identification qsfpIdentification[] = { { "lower", 128 }, { "00h", 64 } };
+constexpr Identification cmisIdentification[] = { { "lower", 128 }, { "00h", 95 } };
+constexpr Identification cfpIdentification[] = { { "8000h", 128 } };
+
 constexpr Family families[] = {
-   // The base and extended ID fields of SFF-8472 end at A0h:95.
-   { ImageFamily::sfp, "sfp", "\x03\x0b"sv, { { { "a0h", 256 }, { "a2h", 256 } } }, 1, 96 },
+   { XcvrType::sfpPlus, "sfp", "\x03\x0b"sv, true, sfpKinds, sfpPages, 1, sfpIdentification },
+   { XcvrType::qsfpPlus, "qsfp", "\x0c\x0d\x11"sv, true, qsfpKinds, qsfpPages, 0,
+     qsfpIdentification },
+   { XcvrType::qsfpDd,
+     "qsfp-dd",
+     "\x18\x1e"sv,
+     true,
+     cmisKinds,
+     cmisPages,
+     {},
+     cmisIdentification },
+   { XcvrType::osfp, "osfp", "\x19"sv, true, cmisKinds, cmisPages, {}, cmisIdentification },
+   { XcvrType::cfp2, "cfp2", "\x11\x14\x19"sv, false, cfpKinds, cfpPages, {}, cfpIdentification },
 };
 
 std::string countText( std::size_t count ) {
@@ -55,35 +105,81 @@ std::string countText( std::size_t count ) {
 
 Family const & familyOfIdentifier( char identifier ) {
    for ( Family const & family : families )
-      if ( family.identifiers.find( identifier ) != std::string_view::npos )
+      if ( family.hasCommonIdentifier &&
+           family.identifiers.find( identifier ) != std::string_view::npos )
          return family;
    auto const number = static_cast<std::uint8_t>( identifier );
    std::string const text = "identifier " + hexText( number, 2 ) + "h";
    std::string const name( codeName( identifierNames, number ) );
    if ( number != 0 && !name.empty() ) // 0 is "unknown": of a module or of anything else
       throw InputProblem( text + " (" + name + ") is not one that this version decodes", "byte 0",
-                          "give an image of an SFP, or --family sfp to read it as one" );
+                          "say with --family which kind of module to read it as" );
    throw InputProblem( "no module image: " + text + " is not that of any module", "byte 0",
                        std::string( acceptedForms ) + "; --family sfp reads it all the same" );
 }
 
+Family const & familyRow( XcvrType type ) {
+   return *std::ranges::find( families, type, &Family::type );
+}
+
 using Pages = decltype( ModuleImage::pages );
+
+bool isBank( std::string_view text ) {
+   std::uint8_t bank = 0;
+   auto const [end, error] = std::from_chars( text.data(), text.data() + text.size(), bank );
+   bool const hasLeadingZero = text.size() > 1 && text.starts_with( '0' );
+   return error == std::errc{} && end == text.data() + text.size() && !hasLeadingZero;
+}
+
+/// What a label, in lower case, names.
+PageKind kindOf( std::string_view label ) {
+   if ( label == "a0h" || label == "a2h" )
+      return device;
+   if ( label == "lower" )
+      return lower;
+   std::size_t const digits =
+      std::min( label.find_first_not_of( "0123456789abcdef" ), label.size() );
+   std::string_view const unit = label.substr( digits );
+   if ( digits == 2 && unit == "h" )
+      return upper;
+   if ( digits == 2 && unit.starts_with( "h." ) && isBank( unit.substr( 2 ) ) )
+      return banked;
+   if ( digits == 4 && unit == "h" && label >= "8000h" )
+      return label < "9000h" ? byteTable : wordTable;
+   return none;
+}
+
+constexpr std::size_t sizeOf( PageKind kind ) {
+   return pageSizes[static_cast<std::size_t>( kind )];
+}
+
+/// The size that a page has in modules of a family; 0 if they have no such page.
+std::size_t pageSize( Family const & family, std::string_view label ) {
+   auto const isOfFamily = [&]( PageKind kind ) {
+      return std::ranges::find( family.kinds, kind ) != family.kinds.end();
+   };
+   PageKind kind = kindOf( label );
+   if ( kind == device && !isOfFamily( device ) )
+      kind = upper; // where there is only one device, A0h numbers a page
+   return isOfFamily( kind ) ? sizeOf( kind ) : 0;
+}
 
 Family const & familyOfSections( Pages const & pages ) {
    // Families that have a lower memory differ in its first byte; a0h is an upper page there.
-   if ( auto const lower = pages.find( "lower" ); lower != pages.end() )
-      return familyOfIdentifier( lower->second.front() );
-   for ( Family const & family : families )
-      for ( FixedPage const & page : family.pages )
-         if ( pages.contains( page.label ) )
-            return family;
+   if ( auto const page = pages.find( "lower" ); page != pages.end() )
+      return familyOfIdentifier( page->second.front() );
+   for ( std::string_view const label : sfpPages )
+      if ( pages.contains( label ) )
+         return familyRow( XcvrType::sfpPlus );
+   // Their first upper page begins with the same byte.
+   if ( auto const page = pages.find( "00h" ); page != pages.end() )
+      return familyOfIdentifier( page->second.front() );
+   if ( kindOf( pages.begin()->first ) == byteTable )
+      return familyRow( XcvrType::cfp2 );
    throw InputProblem( "the sections do not show which kind of module this is",
                        "first is [" + pages.begin()->first + "]",
-                       "this version decodes SFP modules, which have [a0h] and [a2h]" );
-}
-
-Family const & familyRow( ImageFamily family ) {
-   return *std::ranges::find( families, family, &Family::family );
+                       "give [a0h] of an SFP, [lower] or [00h] of a QSFP or later, [8000h] of a "
+                       "CFP, or say the kind with --family" );
 }
 
 /// Shares the bytes of a binary image or a hex dump out to the family's pages.
@@ -95,10 +191,12 @@ Pages linearPages( Family const & family, std::string_view bytes ) {
          pages.emplace( label, bytes.substr( 0, size ) );
       bytes.remove_prefix( std::min( size, bytes.size() ) );
    };
-   for ( FixedPage const & page : family.pages )
-      take( page.label, page.size );
-   for ( unsigned number = family.firstUpperPage; number <= lastUpperPage; ++number )
-      take( hexText( number, 2 ) + "h", halfSize );
+   for ( std::string_view const label : family.pages )
+      take( label, pageSize( family, label ) );
+   // The upper pages A0h and A2h of an SFP have labels that name its devices: they are left out.
+   for ( unsigned number = family.firstUpperPage.value_or( lastUpperPage + 1 );
+         number <= lastUpperPage; ++number )
+      take( hexText( number, 2 ) + "h", sizeOf( upper ) );
    if ( !bytes.empty() )
       throw InputProblem( "too long for an image of this family, " + std::string( family.name ),
                           countText( whole ) + ", at most " +
@@ -107,40 +205,14 @@ Pages linearPages( Family const & family, std::string_view bytes ) {
    return pages;
 }
 
-/// Whether modules of a family have a page: one of the fixed ones, or an upper page. No family so
-/// far has banks or register tables.
-bool hasPage( Family const & family, std::string_view label ) {
-   bool const isUpperPage = label.size() == 3; // "02h"; with a bank, or of a table, it is longer
-   return isUpperPage ||
-          std::ranges::find( family.pages, label, &FixedPage::label ) != family.pages.end();
-}
-
-bool isBank( std::string_view text ) {
-   std::uint8_t bank = 0;
-   auto const [end, error] = std::from_chars( text.data(), text.data() + text.size(), bank );
-   bool const hasLeadingZero = text.size() > 1 && text.starts_with( '0' );
-   return error == std::errc{} && end == text.data() + text.size() && !hasLeadingZero;
-}
-
-/// The size of the page that a label names: "a0h" and "a2h" (devices of an SFP), "lower", "11h",
-/// "11h.0" (upper pages, with a bank), "8000h" (register table). 0 for any other label.
-std::size_t pageSize( std::string_view label ) {
-   if ( label == "a0h" || label == "a2h" )
-      return deviceSize;
-   if ( label == "lower" )
-      return halfSize;
-   std::size_t const digits = label.find_first_not_of( "0123456789abcdef" );
-   std::string_view const unit = label.substr( std::min( digits, label.size() ) );
-   if ( digits == 4 && unit == "h" )
-      return deviceSize;
-   bool const isUpperPage =
-      unit == "h" || ( unit.starts_with( "h." ) && isBank( unit.substr( 2 ) ) );
-   return digits == 2 && isUpperPage ? halfSize : 0;
-}
-
 /// The number of the last line of some bytes if it looks cut; else 0.
 std::size_t cutLineOf( LineWidths const & widths, std::size_t size ) {
    return size % halfSize != 0 ? widths.shortLine() : 0;
+}
+
+InputProblem tooManyBytes( std::string const & label, std::size_t size, Line const & line ) {
+   return { "[" + label + "] has more than its " + countText( size ), lineText( line ),
+            "remove what is too much" };
 }
 
 /// Reads a labelled image line by line.
@@ -149,7 +221,7 @@ class LabelledReader {
    void read( Line const & line );
    void end() const { checkSectionHasBytes(); }
    [[nodiscard]] Pages const & pages() const { return pages_; }
-   /// Refuses sections that modules of the family do not have.
+   /// Refuses sections that modules of the family do not have, or that are smaller there.
    void checkSectionsFit( Family const & family ) const;
    /// Whether the last section ends within a line; the number of that line, else 0.
    [[nodiscard]] std::size_t cutLine() const {
@@ -185,9 +257,8 @@ void LabelledReader::read( Line const & line ) {
       throw InputProblem( "the text ends inside a line: its offset is not complete",
                           lineText( line ), "the image looks cut: make it again" );
    lastLineHasOffset_ = hasOffset;
-   if ( std::size_t const size = pageSize( label ); bytes.size() > size )
-      throw InputProblem( "[" + label + "] has more than its " + countText( size ),
-                          lineText( line ), "remove what is too much" );
+   if ( std::size_t const size = sizeOf( kindOf( label ) ); bytes.size() > size )
+      throw tooManyBytes( label, size, line );
 }
 
 void LabelledReader::sectionIs( Line const & line, std::string_view header ) {
@@ -197,10 +268,13 @@ void LabelledReader::sectionIs( Line const & line, std::string_view header ) {
    std::ranges::transform( label, label.begin(), []( char c ) {
       return c >= 'A' && c <= 'Z' ? static_cast<char>( c - 'A' + 'a' ) : c;
    } );
-   if ( pageSize( label ) == 0 )
+   if ( kindOf( label ) == none )
       throw InputProblem( "a section header that names no page", lineText( line ),
                           "name [a0h] or [a2h], [lower], an upper page [02h], one with a bank "
                           "[11h.0], or a register table [8000h]" );
+   // A page without a bank is that of bank 0: they are one.
+   if ( label.ends_with( ".0" ) )
+      label.resize( label.size() - 2 );
    auto const [section, isNew] = pages_.try_emplace( label );
    if ( !isNew )
       throw InputProblem( "a second section [" + label + "]", lineText( line ),
@@ -218,11 +292,15 @@ void LabelledReader::checkSectionHasBytes() const {
 }
 
 void LabelledReader::checkSectionsFit( Family const & family ) const {
-   for ( auto const & [label, line] : headers_ )
-      if ( !hasPage( family, label ) )
+   for ( auto const & [label, line] : headers_ ) {
+      std::size_t const size = pageSize( family, label );
+      if ( size == 0 )
          throw InputProblem( "[" + label + "] is no page of this family, " +
                                 std::string( family.name ),
                              lineText( line ), "remove the section" );
+      if ( pages_.find( label )->second.size() > size )
+         throw tooManyBytes( label, size, line );
+   }
 }
 
 LabelledReader readLabelled( std::string_view text ) {
@@ -262,14 +340,19 @@ ImageForm formOf( std::string_view content ) {
 }
 
 void checkIdentification( Family const & family, Pages const & pages ) {
-   FixedPage const & first = family.pages.front();
-   auto const page = pages.find( first.label );
-   std::size_t const size = page == pages.end() ? 0 : page->second.size();
-   if ( size < family.identificationSize )
-      throw InputProblem( "too short to identify the module",
-                          countText( size ) + " of page " + std::string( first.label ),
-                          "give at least the first " + countText( family.identificationSize ) +
-                             " of it" );
+   std::string needed;
+   std::string found;
+   for ( auto const & [label, size] : family.identification ) {
+      auto const page = pages.find( label );
+      std::size_t const there = page == pages.end() ? 0 : page->second.size();
+      if ( there >= size )
+         return;
+      std::string const ofPage = " of page " + std::string( label );
+      found += ( found.empty() ? "" : ", " ) + countText( there ) + ofPage;
+      needed += ( needed.empty() ? "" : " or " ) + countText( size ) + ofPage;
+   }
+   throw InputProblem( "too short to identify the module", found,
+                       "give at least the first " + needed );
 }
 
 void readPages( ModuleImage & image, std::string_view content ) {
@@ -277,7 +360,7 @@ void readPages( ModuleImage & image, std::string_view content ) {
       throw InputProblem( "too large for a module image", "more than " + countText( inputLimit ),
                           acceptedForms );
    image.form = formOf( content );
-   bool const isAutomatic = image.family == ImageFamily::automatic;
+   bool const isAutomatic = image.family == anyFamily;
    std::string_view const text = withoutByteOrderMark( content );
    Family const * family = nullptr;
    std::size_t cutLine = 0;
@@ -299,7 +382,7 @@ void readPages( ModuleImage & image, std::string_view content ) {
       image.pages = linearPages( *family, bytes );
    }
    checkIdentification( *family, image.pages );
-   image.family = family->family;
+   image.family = family->type;
    if ( cutLine != 0 )
       image.warnings.push_back( "the last line with bytes is shorter than those before (line " +
                                 std::to_string( cutLine ) +
@@ -330,31 +413,23 @@ std::string contentOf( std::string const & path ) {
 
 } // namespace
 
-std::string_view familyName( ImageFamily family ) {
+std::string_view familyName( XcvrType family ) {
    return familyRow( family ).name;
 }
 
-std::vector<std::string> familyNames() {
-   std::vector<std::string> names;
-   for ( Family const & family : families )
-      names.emplace_back( family.name );
-   return names;
-}
-
-ImageFamily familyOfName( std::string_view name ) {
-   return std::ranges::find( families, name, &Family::name )->family;
-}
-
-bool familyHasIdentifier( ImageFamily family, std::uint8_t identifier ) {
+bool familyHasIdentifier( XcvrType family, std::uint8_t identifier ) {
    return familyRow( family ).identifiers.find( static_cast<char>( identifier ) ) !=
           std::string_view::npos;
 }
 
 bool PageOrder::operator()( std::string_view left, std::string_view right ) const {
-   auto const isNumbered = []( std::string_view label ) {
-      return label != "lower" && label != "a0h" && label != "a2h";
+   auto const place = []( std::string_view label ) {
+      PageKind const kind = kindOf( label );
+      bool const isNumbered = kind != lower && kind != device;
+      // Of two banks the one whose number has fewer digits comes first.
+      return std::tuple( isNumbered, label.substr( 0, label.find( '.' ) ), label.size(), label );
    };
-   return std::tuple( isNumbered( left ), left ) < std::tuple( isNumbered( right ), right );
+   return place( left ) < place( right );
 }
 
 ImageError::ImageError( std::string_view file, std::string const & problem )
@@ -365,7 +440,7 @@ std::string const * ModuleImage::page( std::string_view label ) const {
    return found == pages.end() ? nullptr : &found->second;
 }
 
-ModuleImage readImage( std::string const & path, ImageFamily family ) {
+ModuleImage readImage( std::string const & path, XcvrType family ) {
    std::string const name = path == "-" ? "<stdin>" : path;
    std::string content;
    try {
@@ -376,7 +451,7 @@ ModuleImage readImage( std::string const & path, ImageFamily family ) {
    return parseImage( name, content, family );
 }
 
-ModuleImage parseImage( std::string name, std::string_view content, ImageFamily family ) {
+ModuleImage parseImage( std::string name, std::string_view content, XcvrType family ) {
    ModuleImage image;
    image.file = std::move( name );
    image.family = family;

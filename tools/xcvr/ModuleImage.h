@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Xcvr/XcvrTypes.h>
+
 #include <cstdint>
 #include <map>
 #include <stdexcept>
@@ -12,17 +14,17 @@ namespace XcvrTool {
 /// How an input holds the module memory.
 enum class ImageForm { binary, hexDump, labelled };
 
-/// Which kind of module an image is of. `automatic` asks the reader to find out; a ModuleImage has
-/// a real one.
-enum class ImageFamily { automatic, sfp };
+/// Which kind of module an image is of. QSFP-DD and OSFP stand for all modules with CMIS.
+using Xcvr::XcvrType;
 
-/// The name of a family as users write it, those of all real ones, and the one of that name.
-[[nodiscard]] std::string_view familyName( ImageFamily family );
-[[nodiscard]] std::vector<std::string> familyNames();
-[[nodiscard]] ImageFamily familyOfName( std::string_view name );
+/// Asks the reader to find out; a ModuleImage has a real one.
+inline constexpr XcvrType anyFamily = XcvrType::unknown;
+
+/// The name of a family, one that has images, as users write it.
+[[nodiscard]] std::string_view familyName( XcvrType family );
 
 /// Whether byte 0 of a family's modules can have that value.
-[[nodiscard]] bool familyHasIdentifier( ImageFamily family, std::uint8_t identifier );
+[[nodiscard]] bool familyHasIdentifier( XcvrType family, std::uint8_t identifier );
 
 /// The order of pages: what a module always shows ("lower", "a0h", "a2h") comes before numbered
 /// pages.
@@ -36,11 +38,12 @@ struct ModuleImage {
    /// The file's name, as it is; "<stdin>" for the standard input.
    std::string file;
    ImageForm form = ImageForm::binary;
-   ImageFamily family = ImageFamily::automatic;
+   XcvrType family = anyFamily;
    /// The bytes of each page by its label, as they are in the input: from 1 to 256 of a device
-   /// ("a0h", "a2h") or a register table ("8000h"), from 1 to 128 of the lower memory ("lower") or
-   /// an upper page ("02h", with a bank "11h.0"). The upper pages of an SFP are those of its A2h;
-   /// "a2h" itself holds whatever page was selected.
+   /// ("a0h", "a2h"), from 1 to 128 of the lower memory ("lower") or an upper page ("02h", of
+   /// another bank than 0 "11h.1"), and of a register table ("8000h") from 1 to 128 or, where its
+   /// registers have two bytes, 256. The upper pages of an SFP are those of its A2h; "a2h" itself
+   /// holds whatever page was selected.
    std::map<std::string, std::string, PageOrder> pages;
 
    /// What looks odd about an input that can be used all the same, one line each.
@@ -59,13 +62,15 @@ class ImageError : public std::runtime_error {
 /// Reads the image in a file, or in the standard input if the path is "-". Works for pipes and
 /// devices too, and reads at most 1 MiB, whatever the size. A named pipe is waited for until it has
 /// a writer, as every program does. Throws ImageError.
-ModuleImage readImage( std::string const & path, ImageFamily family );
+ModuleImage readImage( std::string const & path, XcvrType family );
 
 /// Finds the image in `content`, the whole of an input named `name`. Its form shows in the content:
 ///
 /// - Bytes that are no text are a binary image in the linear layout of the kernel's EEPROM drivers.
 ///   For an SFP: A0h (256 bytes), A2h (256 bytes), then the upper pages of A2h from 01h on
-///   (128 bytes each).
+///   (128 bytes each). For a QSFP: the lower memory, then the upper pages from 00h on. With CMIS:
+///   the lower memory, then the upper pages 00h, 01h, 02h, 10h and 11h. For a CFP: the tables
+///   8000h, 8080h, 8100h and 8180h.
 /// - Text that begins with a section header, but for comments and blank lines, is a labelled image:
 ///   sections of hex bytes, each line with its offset in front or not, and "#" comments.
 ///
@@ -75,12 +80,14 @@ ModuleImage readImage( std::string const & path, ImageFamily family );
 ///       …
 /// - Other text is a hex dump (see hexDumpBytes) in the linear layout.
 ///
-/// An image may end early, but not before the identification is complete (96 bytes of A0h). With
-/// the family `automatic` the identifier byte or the labels decide; any other is taken as said. A
-/// section that the family cannot have is refused. Lines with addresses of which the last one is
-/// shorter than those before, where no page ends, look cut: there is a warning.
+/// An image may end early, and lack pages, but has to tell what the module is: by 96 bytes of A0h,
+/// 128 of the lower memory or of 8000h, or the first half of upper page 00h. With `anyFamily` the
+/// identifier byte or the labels decide (a CFP is known by its labels only); any other is taken as
+/// said. A section that the family cannot have is refused. A page without a bank is that of bank 0.
+/// Lines with addresses of which the last one is shorter than those before, where no page ends, look
+/// cut: there is a warning.
 /// Throws ImageError.
-ModuleImage parseImage( std::string name, std::string_view content, ImageFamily family );
+ModuleImage parseImage( std::string name, std::string_view content, XcvrType family );
 
 /// The image as labelled text, which parses back to the same pages.
 std::string labelledForm( ModuleImage const & image );

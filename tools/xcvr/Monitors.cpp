@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace XcvrTool {
 
@@ -50,6 +52,31 @@ constexpr Monitor monitors[] = {
      } },
 };
 
+/// In the order of EnhancedDomMonitor.
+constexpr Monitor enhancedMonitors[] = {
+   { "SNR", "dB", 2 },
+   { "Residual ISI", "ps/nm", 2 },
+   { "PAM4 transitions", "dB", 2 },
+   { "Pre-FEC BER", "", scientific },
+   { "Uncorrected BER", "", scientific },
+   { "TEC current", "mA", 1 },
+   { "Laser freq. error", "MHz", 0 },
+   { "Laser temp. error", "°C", 2 },
+};
+
+/// Of all lanes together.
+struct Aggregate {
+   Monitor monitor;
+   double ( Xcvr::DomAggPower::*value )() const;
+};
+
+constexpr Aggregate aggregates[] = {
+   { { "Sum of Tx power", "dBm", 2, false, nullptr, &DomCapabilities::aggTxPower },
+     &Xcvr::DomAggPower::aggTxPower },
+   { { "Sum of Rx power", "dBm", 2, false, nullptr, &DomCapabilities::aggRxPower },
+     &Xcvr::DomAggPower::aggRxPower },
+};
+
 constexpr Limits noLimits{ unreadable, unreadable, unreadable, unreadable };
 
 Limits limitsIn( XcvrNewStatus const & status, Monitor const & monitor ) {
@@ -85,13 +112,17 @@ Place Reading::place() const {
 }
 
 std::string limitText( Monitor const & monitor, double limit ) {
+   if ( monitor.decimals == scientific ) {
+      return fmt::format( "{:.2e}", limit );
+   }
    std::string const text = fmt::format( "{:.{}f}", limit, monitor.decimals );
    bool const isZero = text.find_first_not_of( "-0." ) == std::string::npos;
    return isZero && text.starts_with( '-' ) ? text.substr( 1 ) : text;
 }
 
 std::string Reading::valueText() const {
-   std::string const text = fmt::format( "{} {}", limitText( *monitor, value ), monitor->unit );
+   std::string const text = fmt::format( "{}{}{}", limitText( *monitor, value ),
+                                         monitor->unit.empty() ? "" : " ", monitor->unit );
    if ( monitor->unit != "dBm" ) {
       return text;
    }
@@ -103,6 +134,64 @@ std::string Reading::valueText() const {
 
 unsigned lanesOf( XcvrNewStatus const & status ) {
    return std::max<unsigned>( status.capabilities().maxChannels(), 1 );
+}
+
+namespace {
+
+void addAggregates( std::vector<Reading> & readings, XcvrNewStatus const & status ) {
+   DomCapabilities const capabilities = status.domCapabilities();
+   Xcvr::DomAggPower const power = status.domAggPower();
+   for ( auto const & [monitor, value] : aggregates ) {
+      if ( lanesOf( status ) > 1 && status.domInfoValid( Xcvr::LaneId() ) &&
+           ( capabilities.*monitor.implemented )() ) {
+         readings.push_back(
+            { &monitor, std::string( monitor.label ), ( power.*value )(), noLimits } );
+      }
+   }
+}
+
+Limits limitsOfSensor( XcvrNewStatus const & status, std::uint32_t index ) {
+   Xcvr::EnhancedDomThreshold const limits = status.enhancedDomThreshold( index );
+   return status.enhancedDomThresholdValid( index )
+             ? Limits{ limits.lowAlarm(), limits.lowWarn(), limits.highWarn(), limits.highAlarm() }
+             : noLimits;
+}
+
+/// Where the enhanced monitors measure, in their order.
+std::vector<Xcvr::SensorCategory> sensorCategories( XcvrNewStatus const & status ) {
+   using Categories = Xcvr::EnhancedDomSensorCategory;
+   Categories const categories = status.enhancedDomSensorCategory();
+   std::vector<Xcvr::SensorCategory> all;
+   Categories::velFields( [&]( auto const &, auto field ) { all.push_back( categories.*field ); } );
+   return all;
+}
+
+} // namespace
+
+std::vector<EnhancedSensor> enhancedSensorsOf( XcvrNewStatus const & status ) {
+   std::vector<Xcvr::SensorCategory> const categories = sensorCategories( status );
+   std::vector<EnhancedSensor> sensors;
+   for ( std::size_t i = 0; i < std::size( enhancedMonitors ); ++i ) {
+      bool const isOfLane = categories[i] == Xcvr::SensorCategory::laneSensor;
+      auto const id = static_cast<Xcvr::EnhancedDomMonitor>( i );
+      for ( unsigned lane = 0; lane < ( isOfLane ? lanesOf( status ) : 1 ); ++lane ) {
+         std::uint32_t const index =
+            Xcvr::enhancedDomIndex( id, static_cast<std::uint8_t>( lane ) );
+         bool const isRead = status.enhancedDomValuesValid( index );
+         if ( isRead || status.enhancedDomThresholdValid( index ) ) {
+            Monitor const & monitor = enhancedMonitors[i];
+            sensors.push_back(
+               { id,
+                 isOfLane ? std::optional<unsigned>( lane ) : std::optional<unsigned>(),
+                 { &monitor,
+                   isOfLane ? laneLabel( monitor, lane, lanesOf( status ) )
+                            : std::string( monitor.label ),
+                   isRead ? status.enhancedDomValue( index ) : unreadable,
+                   limitsOfSensor( status, index ) } } );
+         }
+      }
+   }
+   return sensors;
 }
 
 std::vector<Reading> readingsOf( XcvrNewStatus const & status ) {
@@ -125,6 +214,12 @@ std::vector<Reading> readingsOf( XcvrNewStatus const & status ) {
          }
       }
    }
+   addAggregates( readings, status );
+   for ( EnhancedSensor & sensor : enhancedSensorsOf( status ) ) {
+      if ( sensor.reading.value != unreadable ) {
+         readings.push_back( std::move( sensor.reading ) );
+      }
+   }
    return readings;
 }
 
@@ -134,6 +229,12 @@ std::vector<Reading> limitsOf( XcvrNewStatus const & status ) {
       Limits const limits = limitsIn( status, monitor );
       if ( limits.areKnown() ) {
          all.push_back( { &monitor, std::string( monitor.label ), unreadable, limits } );
+      }
+   }
+   for ( EnhancedSensor const & sensor : enhancedSensorsOf( status ) ) {
+      if ( sensor.reading.limits.areKnown() ) {
+         all.push_back( sensor.reading );
+         all.back().value = unreadable;
       }
    }
    return all;

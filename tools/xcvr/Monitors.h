@@ -4,6 +4,7 @@
 
 #include <Xcvr/XcvrStatus.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,15 +23,18 @@ struct Limits {
 /// Where a value stands. Unknown: there are no limits, or they leave no room between them.
 enum class Place { unknown, lowAlarm, lowWarning, normal, highWarning, highAlarm };
 
-/// One monitored quantity of a module.
+/// As the decimals of a ratio that spans many powers of ten.
+inline constexpr int scientific = -1;
+
+/// One monitored quantity of a module. The functions are those of the quantities of DomInfo.
 struct Monitor {
    std::string_view label;
    std::string_view unit;
    int decimals;
-   bool perLane;
-   double ( Xcvr::DomInfo::*value )() const;
-   bool ( Xcvr::DomCapabilities::*implemented )() const;
-   Limits ( *limits )( Xcvr::DomThreshold const & threshold );
+   bool perLane = false;
+   double ( Xcvr::DomInfo::*value )() const = nullptr;
+   bool ( Xcvr::DomCapabilities::*implemented )() const = nullptr;
+   Limits ( *limits )( Xcvr::DomThreshold const & threshold ) = nullptr;
 };
 
 /// One value of it.
@@ -44,6 +48,16 @@ struct Reading {
    /// With the unit; optical power in mW and in dBm.
    [[nodiscard]] std::string valueText() const;
 };
+
+/// Where a module has an enhanced monitor: on a lane or, without one, for all of the module.
+struct EnhancedSensor {
+   Xcvr::EnhancedDomMonitor monitor;
+   std::optional<unsigned> lane;
+   Reading reading; // the value minus infinity if it was not read
+};
+
+/// The enhanced monitors that a module gives, or whose limits it gives, by monitor and lane.
+[[nodiscard]] std::vector<EnhancedSensor> enhancedSensorsOf( Xcvr::XcvrNewStatus const & status );
 
 /// The number of lanes that have monitors of their own, counted from 0: at least one.
 [[nodiscard]] unsigned lanesOf( Xcvr::XcvrNewStatus const & status );

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <limits>
+#include <map>
 #include <optional>
 
 namespace XcvrTool {
@@ -156,6 +157,29 @@ void addChecksums( Report & report, std::vector<Checksum> const & checksums ) {
    report.push_back( { .member = "checksums", .value = all } );
 }
 
+namespace {
+
+/// An object for each sensor, under the name of its monitor.
+void addEnhancedMonitors( Report & report, XcvrNewStatus const & status ) {
+   std::map<Xcvr::EnhancedDomMonitor, unsigned> counts;
+   for ( auto const & [monitor, lane, reading] : enhancedSensorsOf( status ) ) {
+      std::string const member =
+         fmt::format( "enhancedDom/{}/{}/", stringValue( monitor ).view(), counts[monitor]++ );
+      std::string const unit( reading.monitor->unit );
+      auto const add = [&]( char const * name, double number ) {
+         report.push_back( { .member = member + name, .value = jsonOf( number ), .unit = unit } );
+      };
+      report.push_back( { .member = member + "lane", .value = lane ? Json( *lane ) : Json() } );
+      add( "value", reading.value );
+      add( "highAlarm", reading.limits.highAlarm );
+      add( "lowAlarm", reading.limits.lowAlarm );
+      add( "highWarn", reading.limits.highWarn );
+      add( "lowWarn", reading.limits.lowWarn );
+   }
+}
+
+} // namespace
+
 void addMonitors( Report & report, XcvrNewStatus const & status ) {
    constexpr double unreadable = -std::numeric_limits<double>::infinity();
    for ( unsigned lane = 0; lane < lanesOf( status ); ++lane ) {
@@ -163,6 +187,12 @@ void addMonitors( Report & report, XcvrNewStatus const & status ) {
       info.updateTimeIs( unreadable ); // the image does not say when it was read
       addValue( report, fmt::format( "domInfo/{}", lane ), info );
    }
+   if ( lanesOf( status ) > 1 ) {
+      Xcvr::DomAggPower power = status.domAggPower();
+      power.updateTimeIs( unreadable );
+      addValue( report, "domAggPower", power );
+   }
+   addEnhancedMonitors( report, status );
    report.push_back( { .member = "domThresholdValid", .value = status.domThresholdValid() } );
    // Thresholds that were not read would be those of a memory of zeros.
    Xcvr::DomThreshold threshold = status.domThreshold();
