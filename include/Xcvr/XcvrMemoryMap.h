@@ -186,8 +186,11 @@ template <typename PageOf>
                                      std::span<MemoryCondition const> conditions,
                                      PageOf const & pageOf ) {
    for ( MemoryCondition const & condition : conditions ) {
+      if ( !condition.covers( field ) ) {
+         continue; // nearly all of them, so the field asked is looked up behind this
+      }
       MemoryField const & asked = fields[memoryFieldIndex( fields, condition.field )];
-      if ( condition.covers( field ) && !memoryConditionMet( condition, asked, pageOf( asked ) ) ) {
+      if ( !memoryConditionMet( condition, asked, pageOf( asked ) ) ) {
          return false;
       }
    }
