@@ -135,7 +135,7 @@ class Page {
       if ( size_ == whole ) [[likely]] {
          std::memcpy( bytes_, bytes.data(), whole );
       } else {
-         std::memcpy( bytes_, bytes.data(), size_ );
+         std::copy_n( bytes.begin(), size_, bytes_ );
          std::memset( bytes_ + size_, 0, whole - size_ );
       }
       std::memset( bytes_ + whole, 0, sizeof bytes_ - whole );

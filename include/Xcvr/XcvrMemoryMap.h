@@ -187,7 +187,7 @@ template <typename PageOf>
                                      PageOf const & pageOf ) {
    for ( MemoryCondition const & condition : conditions ) {
       if ( !condition.covers( field ) ) {
-         continue;
+         continue; // nearly all of them, so the field asked is looked up behind this
       }
       MemoryField const & asked = fields[memoryFieldIndex( fields, condition.field )];
       if ( !memoryConditionMet( condition, asked, pageOf( asked ) ) ) {

@@ -376,7 +376,7 @@ TEST( CmisParserTest, EveryLaneFlagHasItsByte ) {
       image.byte( "11h", 135 - 128 + i, uint8_t( 0x81 + 4 * i ) );
    }
    for ( unsigned advertised :
-         { 0x0000, 0x0100, 0x0200, 0x0400, 0x0800, 0x0002, 0x0004, 0x0f06 } ) {
+         { 0x0000u, 0x0100u, 0x0200u, 0x0400u, 0x0800u, 0x0002u, 0x0004u, 0x0f06u } ) {
       for ( bool force : { false, true } ) {
          CmisModule const module( image.raw( "implFlagsAdvertisement", advertised ) );
          module.parse( force );
