@@ -115,10 +115,11 @@ bool CfpMsaMisIdEepromContents::isLinearOf( std::string_view serialNumberStart,
    }
    // The name as 7-bit characters in lower case, wherever the maker stands in it.
    std::string_view const name = view( access( "vendorName" ) );
-   return std::ranges::search( name, maker, []( char inName, char wanted ) {
-             int const c = inName & 0x7f;
-             return ( c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c ) == wanted;
-          } ).begin() != name.end();
+   auto const same = []( char inName, char wanted ) {
+      int const c = inName & 0x7f;
+      return ( c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c ) == wanted;
+   };
+   return std::search( name.begin(), name.end(), maker.begin(), maker.end(), same ) != name.end();
 }
 
 bool CfpMsaMisIdEepromContents::isOclaroLinear() const {

@@ -217,11 +217,14 @@ bool monitorsValid( Cfp2NewStatus const & status, PageView identity, LaneId lane
 template <Place place, typename Decode>
 [[gnu::always_inline]] inline double monitor( Contents const & contents, bool supported,
                                               Decode const & decode, uint8_t lane = 0 ) {
+   static_assert( place.field.width == 16 );
    CfpMsaMisMemoryTable const * table = contents.table( place.table );
-   FieldDescriptor field = place.field;
-   field.address = static_cast<uint16_t>( field.address + lane );
-   return supported && table && table->holds( field ) ? decode( getU16FromTable( field, table ) )
-                                                      : unreadable;
+   if ( !supported || !table ) {
+      return unreadable;
+   }
+   std::optional<uint16_t> const raw =
+      table->word( static_cast<uint16_t>( place.field.address + lane ) );
+   return raw ? decode( *raw ) : unreadable;
 }
 
 double temperature( uint16_t raw ) {
@@ -274,8 +277,10 @@ DomInfo monitors( Contents const & c, PageView identity, uint8_t lane, Vel::Seco
 
 /// What a module's kind, known when running, is for `work.operator()< module >()`.
 template <typename Work>
-auto forModule( Contents const & contents, Work const & work ) {
-   switch ( cfpModulesOf( contents.identifier() ) ) {
+auto forModule( PageView identity, Work const & work ) {
+   auto const identifier =
+      static_cast<CfpMsaMisIdentifier>( identityField( identity, access( "identifier" ) ) );
+   switch ( cfpModulesOf( identifier ) ) {
    case cfpxModules:
       return work.template operator()<cfpxModules>();
    case dcoModules:
@@ -299,7 +304,7 @@ DomInfo Cfp2NewStatus::domInfo( LaneId lane ) const {
    if ( !monitorsValid( *this, identity, lane ) ) {
       return unreadableDomInfo( 0 );
    }
-   return forModule( c, [&]<CfpModules module>() {
+   return forModule( identity, [&]<CfpModules module>() {
       return monitors<module>( c, identity, lane.value(), lastDomUpdateTime() );
    } );
 }
@@ -319,7 +324,7 @@ DomAggPower Cfp2NewStatus::domAggPower() const {
       };
       return addFourPower( of( first ), of( first + 4u ), of( first + 8u ), of( first + 12u ) );
    };
-   return forModule( c, [&]<CfpModules module>() {
+   return forModule( identity, [&]<CfpModules module>() {
       auto const tx = [&]( uint8_t first ) {
          return sum( [&]( uint8_t lane ) { return txPower<module>( c, hasTx, lane ); }, first );
       };

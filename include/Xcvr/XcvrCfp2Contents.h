@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -36,6 +37,20 @@ class XCVR_API CfpMsaMisMemoryTable : public Vel::Entity {
    [[nodiscard]] uint16_t byteOf( uint16_t address ) const {
       return static_cast<uint16_t>( registerWidth() == 16 ? distance( address ) * 2
                                                           : distance( address ) );
+   }
+   /// A whole register of two bytes, silently: nothing when the contents do not hold it.
+   [[nodiscard, gnu::always_inline]] std::optional<uint16_t> word( uint16_t address ) const {
+      std::string_view const bytes = contents().view();
+      size_t const at = byteOf( address );
+      if ( at + 1 >= bytes.size() ) [[unlikely]] {
+         return std::nullopt;
+      }
+      if ( registerWidth() != 16 ) [[unlikely]] {
+         return PageView( bytes ).u16be( static_cast<uint32_t>( at ) );
+      }
+      uint16_t number;
+      std::memcpy( &number, bytes.data() + at, sizeof number );
+      return number;
    }
    /// The contents from a register on, as bytes.
    [[nodiscard]] PageView bytesFrom( uint16_t address ) const {
