@@ -12,45 +12,56 @@ using Contents = CfpMsaMisIdEepromContents;
 
 Vel::TraceHandle trace( "XcvrCfp2" );
 
+/// What the rules ask of a module, most of it read once.
+struct Subject {
+   explicit Subject( Contents const * module )
+      : contents( module ), identifier( module->identifier() ),
+        code( module->ethernetApplicationCode() ) {}
+
+   Contents const * contents;
+   CfpMsaMisIdentifier identifier;
+   CfpMsaMisEthAppCode code;
+};
+
 // Each predicate says one thing about the module; what an earlier rule has settled is not asked again.
 
 /// Known by vendor and part number, compared whole with their padding, whatever else it says.
-bool isManufacturingModule( Contents const * module ) {
-   return module->view( access( "vendorName" ) ) == "MULTILANE SAL   " &&
-          module->view( access( "vendorPn" ) ) == "ML4030-DCO-2    ";
+bool isManufacturingModule( Subject const & module ) {
+   return module.contents->view( access( "vendorName" ) ) == "MULTILANE SAL   " &&
+          module.contents->view( access( "vendorPn" ) ) == "ML4030-DCO-2    ";
 }
-bool isNotCfp2( Contents const * module ) {
-   CfpMsaMisIdentifier const identifier = module->identifier();
-   return identifier != identifierCfp2 && identifier != identifierCfpx &&
-          identifier != identifierCfp2Dco;
+bool isNotCfp2( Subject const & module ) {
+   return module.identifier != identifierCfp2 && module.identifier != identifierCfpx &&
+          module.identifier != identifierCfp2Dco;
 }
 template <CfpMsaMisEthAppCode code>
-bool hasCode( Contents const * module ) {
-   return module->ethernetApplicationCode() == code;
+bool hasCode( Subject const & module ) {
+   return module.code == code;
 }
-bool isSr10( Contents const * module ) {
-   return hasCode<ethAppCode100GBaseSr10>( module ) && module->mmfFiberLengthMax() < 30;
+bool isSr10( Subject const & module ) {
+   return hasCode<ethAppCode100GBaseSr10>( module ) && module.contents->mmfFiberLengthMax() < 30;
 }
-bool isDco( Contents const * module ) {
-   return module->identifier() == identifierCfp2Dco;
+bool isDco( Subject const & module ) {
+   return module.identifier == identifierCfp2Dco;
 }
-bool isCoherentDco( Contents const * module ) {
+bool isCoherentDco( Subject const & module ) {
    return hasCode<ethAppCode100GDwdmCoherent>( module ) && isDco( module );
 }
 template <uint8_t driverType>
-bool isCoherent( Contents const * module ) {
-   return hasCode<ethAppCode100GDwdmCoherent>( module ) && module->txRfDriverType() == driverType;
+bool isCoherent( Subject const & module ) {
+   return hasCode<ethAppCode100GDwdmCoherent>( module ) &&
+          module.contents->txRfDriverType() == driverType;
 }
-bool hasOtherCode( Contents const * module ) {
+bool hasOtherCode( Subject const & module ) {
    return !hasCode<ethAppCodeUndefined>( module );
 }
-bool always( Contents const * ) {
+bool always( Subject const & ) {
    return true;
 }
 
 struct CfpMediaTypeRule {
    std::string_view why;
-   bool ( *matches )( Contents const * );
+   bool ( *matches )( Subject const & );
    MediaType mediaType;
 };
 
@@ -78,12 +89,12 @@ std::span<MediaTypeRule const> cfpMediaTypeRules() {
 
 MediaType CfpMsaMisIdEepromContents::mediaType() const {
    VEL_TRACE_SCOPE( trace );
-   return firstMatch<rules>( this ).mediaType;
+   return firstMatch<rules>( Subject( this ) ).mediaType;
 }
 
 MediaTypeDecision CfpMsaMisIdEepromContents::mediaTypeDecision() const {
    VEL_TRACE_SCOPE( trace );
-   return Xcvr::mediaTypeDecision<rules>( firstMatch<rules>( this ) );
+   return Xcvr::mediaTypeDecision<rules>( firstMatch<rules>( Subject( this ) ) );
 }
 
 } // namespace Xcvr

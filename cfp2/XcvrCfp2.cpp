@@ -57,13 +57,9 @@ Vel::Ptr<CfpMsaMisMemoryTable> CfpMsaMisIdEepromContents::memoryIs( CfpMsaMisTab
 bool CfpMsaMisIdEepromContents::holds( Access const & access, uint8_t lane ) const {
    Place const place = access.placeIn( cfpModulesOf( identifier() ) );
    CfpMsaMisMemoryTable const * found = table( place.table );
-   if ( place.modules == noCfpModules || !found ) {
-      return false;
-   }
-   size_t const at = found->byteOf( static_cast<uint16_t>( place.field.address + lane ) );
-   // Of a word both bytes, of a text or byte at least the first.
-   return at + ( place.field.width == 16 || found->registerWidth() == 16 ) <
-          found->contents().size();
+   FieldDescriptor field = place.field;
+   field.address = static_cast<uint16_t>( field.address + lane );
+   return place.modules != noCfpModules && found && found->holds( field );
 }
 
 std::string_view CfpMsaMisIdEepromContents::view( Access const & access ) const {
@@ -74,9 +70,12 @@ std::string_view CfpMsaMisIdEepromContents::view( Access const & access ) const 
 
 Vel::String CfpMsaMisIdEepromContents::vendorRev() const {
    char const revision[] = { static_cast<char>( u8( access( "vendorRevFirst" ) ) ),
-                             static_cast<char>( u8( access( "vendorRevSecond" ) ) ), '\0' };
-   // A module that says nothing is of the first revision.
-   return revision[0] == '\0' && revision[1] == '\0' ? "01" : revision;
+                             static_cast<char>( u8( access( "vendorRevSecond" ) ) ) };
+   if ( revision[0] == '\0' ) {
+      // A module that says nothing is of the first revision.
+      return revision[1] == '\0' ? "01" : "";
+   }
+   return { revision, revision[1] == '\0' ? 1u : 2u };
 }
 
 namespace {
@@ -116,10 +115,11 @@ bool CfpMsaMisIdEepromContents::isLinearOf( std::string_view serialNumberStart,
    }
    // The name as 7-bit characters in lower case, wherever the maker stands in it.
    std::string_view const name = view( access( "vendorName" ) );
-   return std::ranges::search( name, maker, []( char inName, char wanted ) {
-             int const c = inName & 0x7f;
-             return ( c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c ) == wanted;
-          } ).begin() != name.end();
+   auto const same = []( char inName, char wanted ) {
+      int const c = inName & 0x7f;
+      return ( c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c ) == wanted;
+   };
+   return std::search( name.begin(), name.end(), maker.begin(), maker.end(), same ) != name.end();
 }
 
 bool CfpMsaMisIdEepromContents::isOclaroLinear() const {

@@ -1,4 +1,5 @@
 #include "core/DiagOverride.h"
+#include "core/DomCodes.h"
 #include "core/DomNeutral.h"
 #include "core/ThresholdOverride.h"
 #include "core/Tuning.h"
@@ -24,9 +25,13 @@ VEL_ENTITY_DEFINE( Cfp2DcoNewStatus, cfp2DcoNewStatusFactory )
 namespace {
 
 using CfpTable::access;
+using CfpTable::Access;
+using CfpTable::Place;
 using Contents = CfpMsaMisIdEepromContents;
 
 Vel::TraceHandle trace( "XcvrCfp2" );
+
+constexpr uint16_t cfpIdentity = access( "identifier" ).places[0].field.address;
 
 /// The tables of a slot that has none.
 Vel::Ptr<Contents const> const noTables( new Contents( "noTables" ) );
@@ -39,12 +44,26 @@ Contents const & contentsInEffect( Cfp2NewStatus const & status ) {
    return contents ? *contents : *noTables;
 }
 
+/// The registers of table 8000h, at their low bytes; what is not there reads as 0, as it does through
+/// the accessors.
+PageView identityOf( Contents const & contents ) {
+   CfpMsaMisMemoryTable const * table = contents.table( table8000 );
+   return table ? table->bytesFrom( cfpIdentity ) : std::string_view();
+}
+/// A register of a byte in it.
+[[gnu::always_inline]] inline uint8_t identityField( PageView identity, Access const & access ) {
+   FieldDescriptor const field = access.places[0].field;
+   return static_cast<uint8_t>( identity.u8( field.address - uint32_t{ cfpIdentity } ) >>
+                                   field.offset &
+                                ( ( 1u << field.width ) - 1 ) );
+}
+
 bool isCoherent( MediaType type ) {
    return type == xcvr100GDwdmCoherent || type == xcvr100GDwdmCoherentE || type == xcvr100GDwdmDco;
 }
 
 /// A count of lanes in four bits, of which 0 means 16; none of a module whose count was not read.
-uint8_t laneCount( Contents const & contents, uint8_t count ) {
+[[gnu::always_inline]] inline uint8_t laneCount( Contents const & contents, uint8_t count ) {
    return count == 0 && contents.holds( access( "networkLanes" ) ) ? Contents::lanes : count;
 }
 
@@ -180,131 +199,216 @@ Units::Decibels Cfp2NewStatus::electricalPathAttenuation() const {
 
 namespace {
 
-/// The powers of a CFPx are in tables of their own, in 0.01 dBm.
-double txPower( Contents const & c, uint8_t lane ) {
-   if ( !c.txPowerSupported() ) {
-      return unreadable;
-   }
-   if ( c.isIn( cfpxModules ) ) {
-      return c.holds( access( "txPowerCfpx" ), lane )
-                ? Contents::decodePowerCfpx( static_cast<int16_t>( c.txPowerCfpx( lane ) ) )
-                : unreadable;
-   }
-   return c.holds( access( "txPower" ), lane ) ? Contents::decodePower( c.txPower( lane ) )
-                                               : unreadable;
+uint8_t networkLanesOf( PageView identity ) {
+   uint8_t const count = identityField( identity, access( "networkLanes" ) );
+   constexpr uint32_t at =
+      access( "networkLanes" ).places[0].field.address - uint32_t{ cfpIdentity };
+   return count == 0 && identity.has( at, 1 ) ? Contents::lanes : count;
 }
 
-double rxPower( Contents const & c, uint8_t lane ) {
-   if ( !c.rxPowerSupported() ) {
+bool monitorsValid( Cfp2NewStatus const & status, PageView identity, LaneId lane ) {
+   return status.presence() == xcvrPresent &&
+          status.lastDomUpdateTime() > status.lastPresenceChange() &&
+          lane.value() < networkLanesOf( identity );
+}
+
+/// A monitor of a lane; minus infinity unless the module has it and its register was read. Where that
+/// lies is known while compiling, for it is on the hottest path of the family.
+template <Place place, typename Decode>
+[[gnu::always_inline]] inline double monitor( Contents const & contents, bool supported,
+                                              Decode const & decode, uint8_t lane = 0 ) {
+   static_assert( place.field.width == 16 );
+   CfpMsaMisMemoryTable const * table = contents.table( place.table );
+   if ( !supported || !table ) {
       return unreadable;
    }
-   if ( c.isIn( cfpxModules ) ) {
-      return c.holds( access( "rxPowerCfpx" ), lane )
-                ? Contents::decodePowerCfpx( static_cast<int16_t>( c.rxPowerCfpx( lane ) ) )
-                : unreadable;
+   std::optional<uint16_t> const raw =
+      table->word( static_cast<uint16_t>( place.field.address + lane ) );
+   return raw ? decode( *raw ) : unreadable;
+}
+
+double temperature( uint16_t raw ) {
+   return Contents::decodeTemperature( static_cast<int16_t>( raw ) );
+}
+double powerCfpx( uint16_t raw ) {
+   return Contents::decodePowerCfpx( static_cast<int16_t>( raw ) );
+}
+/// As Contents::decodePower has it, inlined.
+double power( uint16_t raw ) {
+   return DomCodes::power( raw );
+}
+
+/// The powers of a CFPx are in tables of their own, in 0.01 dBm.
+template <CfpModules module>
+[[gnu::always_inline]] inline double txPower( Contents const & c, bool supported, uint8_t lane ) {
+   return module == cfpxModules
+             ? monitor<access( "txPowerCfpx" ).placeIn( module )>( c, supported, powerCfpx, lane )
+             : monitor<access( "txPower" ).placeIn( module )>( c, supported, power, lane );
+}
+template <CfpModules module>
+[[gnu::always_inline]] inline double rxPower( Contents const & c, bool supported, uint8_t lane ) {
+   return module == cfpxModules
+             ? monitor<access( "rxPowerCfpx" ).placeIn( module )>( c, supported, powerCfpx, lane )
+             : monitor<access( "rxPower" ).placeIn( module )>( c, supported, power, lane );
+}
+
+template <CfpModules module>
+DomInfo monitors( Contents const & c, PageView identity, uint8_t lane, Vel::Seconds updateTime ) {
+   auto const has = [identity]( Access const & flag ) {
+      return identityField( identity, flag ) != 0;
+   };
+   auto const voltage = []( uint16_t raw ) {
+      return module == cfp2Modules ? raw * 0.0001 : raw * 0.001; // as decodeDomVoltage has it
+   };
+   // In the unit of a CFP2 whatever the module, unlike the thresholds: intended.
+   auto const txBias = []( uint16_t raw ) { return Contents::decodeTxBias( raw ); };
+   return { updateTime,
+            domCalibrationInternal,
+            monitor<access( "temperature" ).placeIn( module )>( c, has( access( "tempSupported" ) ),
+                                                                temperature ),
+            monitor<access( "voltage" ).placeIn( module )>( c, has( access( "voltageSupported" ) ),
+                                                            voltage ),
+            monitor<access( "txBias" ).placeIn( module )>( c, has( access( "txBiasSupported" ) ),
+                                                           txBias, lane ),
+            txPower<module>( c, has( access( "txPowerSupported" ) ), lane ),
+            rxPower<module>( c, has( access( "rxPowerSupported" ) ), lane ),
+            unreadable };
+}
+
+/// What a module's kind, known when running, is for `work.operator()< module >()`.
+template <typename Work>
+auto forModule( PageView identity, Work const & work ) {
+   auto const identifier =
+      static_cast<CfpMsaMisIdentifier>( identityField( identity, access( "identifier" ) ) );
+   switch ( cfpModulesOf( identifier ) ) {
+   case cfpxModules:
+      return work.template operator()<cfpxModules>();
+   case dcoModules:
+      return work.template operator()<dcoModules>();
+   default:
+      return work.template operator()<cfp2Modules>();
    }
-   return c.holds( access( "rxPower" ), lane ) ? Contents::decodePower( c.rxPower( lane ) )
-                                               : unreadable;
 }
 
 } // namespace
 
 bool Cfp2NewStatus::domInfoValid( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
-   return presence() == xcvrPresent && lastDomUpdateTime() > lastPresenceChange() &&
-          lane.value() < networkLanes();
+   return monitorsValid( *this, identityOf( contentsInEffect( *this ) ), lane );
 }
 
 DomInfo Cfp2NewStatus::domInfo( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( lane ) ) {
+   Contents const & c = contentsInEffect( *this );
+   PageView const identity = identityOf( c );
+   if ( !monitorsValid( *this, identity, lane ) ) {
       return unreadableDomInfo( 0 );
    }
-   Contents const & c = contentsInEffect( *this );
-   uint8_t const n = lane.value();
-   return { lastDomUpdateTime(), domCalibrationInternal,
-            c.tempSupported() && c.holds( access( "temperature" ) )
-               ? Contents::decodeTemperature( static_cast<int16_t>( c.temperature( n ) ) )
-               : unreadable,
-            c.voltageSupported() && c.holds( access( "voltage" ) )
-               ? c.decodeDomVoltage( c.voltage() )
-               : unreadable,
-            // In the unit of a CFP2 whatever the module, unlike the thresholds: intended.
-            c.txBiasSupported() && c.holds( access( "txBias" ), n )
-               ? Contents::decodeTxBias( c.txBias( n ) )
-               : unreadable,
-            txPower( c, n ), rxPower( c, n ), unreadable };
+   return forModule( identity, [&]<CfpModules module>() {
+      return monitors<module>( c, identity, lane.value(), lastDomUpdateTime() );
+   } );
 }
 
 DomAggPower Cfp2NewStatus::domAggPower() const {
    VEL_TRACE_SCOPE( trace );
-   if ( !domInfoValid( LaneId() ) ) {
+   Contents const & c = contentsInEffect( *this );
+   PageView const identity = identityOf( c );
+   if ( !monitorsValid( *this, identity, LaneId() ) ) {
       return { 0, domCalibrationUnknown, unreadable, unreadable };
    }
-   Contents const & c = contentsInEffect( *this );
-   uint8_t const count = networkLanes();
+   bool const hasTx = c.txPowerSupported(), hasRx = c.rxPowerSupported();
    // Four numbers, each the sum of every fourth lane.
-   auto const sum = [&c, count]( double ( *power )( Contents const &, uint8_t ), uint8_t first ) {
+   auto const sum = [count = networkLanesOf( identity )]( auto const & lanePower, uint8_t first ) {
       auto const of = [&]( unsigned lane ) {
-         return lane < count ? power( c, static_cast<uint8_t>( lane ) ) : unreadable;
+         return lane < count ? lanePower( static_cast<uint8_t>( lane ) ) : unreadable;
       };
       return addFourPower( of( first ), of( first + 4u ), of( first + 8u ), of( first + 12u ) );
    };
-   return aggQsfpCfp2Power( sum( txPower, 0 ), sum( txPower, 1 ), sum( txPower, 2 ),
-                            sum( txPower, 3 ), sum( rxPower, 0 ), sum( rxPower, 1 ),
-                            sum( rxPower, 2 ), sum( rxPower, 3 ), c.txPowerSupported(),
-                            c.rxPowerSupported(), lastDomUpdateTime() );
+   return forModule( identity, [&]<CfpModules module>() {
+      auto const tx = [&]( uint8_t first ) {
+         return sum( [&]( uint8_t lane ) { return txPower<module>( c, hasTx, lane ); }, first );
+      };
+      auto const rx = [&]( uint8_t first ) {
+         return sum( [&]( uint8_t lane ) { return rxPower<module>( c, hasRx, lane ); }, first );
+      };
+      return aggQsfpCfp2Power( tx( 0 ), tx( 1 ), tx( 2 ), tx( 3 ), rx( 0 ), rx( 1 ), rx( 2 ),
+                               rx( 3 ), hasTx, hasRx, lastDomUpdateTime() );
+   } );
 }
+
+namespace {
+
+constexpr uint16_t thresholdsStart = access( "tempHighAlarm" ).places[0].field.address;
+constexpr size_t thresholdsLength =
+   access( "rxPowerLowAlarm" ).places[0].field.address + 2u - thresholdsStart;
+
+/// The threshold registers, of constant length so that reading them needs no checks; empty unless their
+/// table is one of bytes and holds all of them.
+PageView thresholdRegisters( Contents const & contents ) {
+   CfpMsaMisMemoryTable const * table = contents.table( table8080 );
+   if ( !table || table->registerWidth() == 16 ) {
+      return std::string_view();
+   }
+   PageView const bytes = table->bytesFrom( thresholdsStart );
+   return bytes.has( 0, thresholdsLength ) ? bytes.first( thresholdsLength ) : std::string_view();
+}
+
+} // namespace
 
 bool Cfp2NewStatus::domThresholdValid() const {
    VEL_TRACE_SCOPE( trace );
    // The thresholds are constants of the module, which the agent reads with the identification
    // tables: idEepromValid says that this was done.
    return presence() == xcvrPresent && lastDomThresholdsUpdateTime() > 0 && idEepromValid() &&
-          contentsInEffect( *this ).holds( access( "rxPowerLowAlarm" ) );
+          !thresholdRegisters( contentsInEffect( *this ) ).empty();
 }
 
 DomThreshold Cfp2NewStatus::domThreshold() const {
    VEL_TRACE_SCOPE( trace );
    Contents const & c = contentsInEffect( *this );
-   if ( !c.holds( access( "rxPowerLowAlarm" ) ) ) {
+   PageView const all = thresholdRegisters( c );
+   if ( all.empty() ) {
       return unreadableDomThreshold();
    }
+   PageView const page = all.first( thresholdsLength );
    bool const cfpx = c.isIn( cfpxAndDcoModules );
-   auto const temperature = []( uint16_t raw ) {
-      return Contents::decodeTemperature( static_cast<int16_t>( raw ) );
+   auto const word = [page]( Access const & limit ) {
+      return page.u16be( limit.places[0].field.address - uint32_t{ thresholdsStart } );
    };
+   auto const celsius = [&]( Access const & limit ) { return temperature( word( limit ) ); };
    // Of every module, although a CFPx and a CFP2-DCO have the monitor in other units: intended.
-   auto const voltage = []( uint16_t raw ) { return Contents::decodeVoltage( raw ); };
-   auto const txBias = [cfpx]( uint16_t raw ) {
-      return cfpx ? Contents::decodeTxBiasCfpx( raw ) : Contents::decodeTxBias( raw );
+   auto const voltage = [&]( Access const & limit ) {
+      return Contents::decodeVoltage( word( limit ) );
    };
-   auto const txLimit = [cfpx]( uint16_t raw ) {
-      return cfpx ? Contents::decodePowerCfpx( static_cast<int16_t>( raw ) )
-                  : Contents::decodePower( raw );
+   auto const txBias = [&]( Access const & limit ) {
+      return cfpx ? Contents::decodeTxBiasCfpx( word( limit ) )
+                  : Contents::decodeTxBias( word( limit ) );
+   };
+   auto const txLimit = [&]( Access const & limit ) {
+      return cfpx ? powerCfpx( word( limit ) ) : power( word( limit ) );
    };
    // In 0.1 µW even where the monitor is in 0.01 dBm: intended.
-   auto const rxLimit = []( uint16_t raw ) { return Contents::decodePower( raw ); };
-   return { temperature( c.tempHighAlarm() ),
-            temperature( c.tempLowAlarm() ),
-            temperature( c.tempHighWarn() ),
-            temperature( c.tempLowWarn() ),
-            voltage( c.voltageHighAlarm() ),
-            voltage( c.voltageLowAlarm() ),
-            voltage( c.voltageHighWarn() ),
-            voltage( c.voltageLowWarn() ),
-            txBias( c.txBiasHighAlarm() ),
-            txBias( c.txBiasLowAlarm() ),
-            txBias( c.txBiasHighWarn() ),
-            txBias( c.txBiasLowWarn() ),
-            txLimit( c.txPowerHighAlarm() ),
-            txLimit( c.txPowerLowAlarm() ),
-            txLimit( c.txPowerHighWarn() ),
-            txLimit( c.txPowerLowWarn() ),
-            rxLimit( c.rxPowerHighAlarm() ),
-            rxLimit( c.rxPowerLowAlarm() ),
-            rxLimit( c.rxPowerHighWarn() ),
-            rxLimit( c.rxPowerLowWarn() ),
+   auto const rxLimit = [&]( Access const & limit ) { return power( word( limit ) ); };
+   return { celsius( access( "tempHighAlarm" ) ),
+            celsius( access( "tempLowAlarm" ) ),
+            celsius( access( "tempHighWarn" ) ),
+            celsius( access( "tempLowWarn" ) ),
+            voltage( access( "voltageHighAlarm" ) ),
+            voltage( access( "voltageLowAlarm" ) ),
+            voltage( access( "voltageHighWarn" ) ),
+            voltage( access( "voltageLowWarn" ) ),
+            txBias( access( "txBiasHighAlarm" ) ),
+            txBias( access( "txBiasLowAlarm" ) ),
+            txBias( access( "txBiasHighWarn" ) ),
+            txBias( access( "txBiasLowWarn" ) ),
+            txLimit( access( "txPowerHighAlarm" ) ),
+            txLimit( access( "txPowerLowAlarm" ) ),
+            txLimit( access( "txPowerHighWarn" ) ),
+            txLimit( access( "txPowerLowWarn" ) ),
+            rxLimit( access( "rxPowerHighAlarm" ) ),
+            rxLimit( access( "rxPowerLowAlarm" ) ),
+            rxLimit( access( "rxPowerHighWarn" ) ),
+            rxLimit( access( "rxPowerLowWarn" ) ),
             unreadable,
             unreadable,
             unreadable,

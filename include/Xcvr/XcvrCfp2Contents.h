@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -36,6 +37,31 @@ class XCVR_API CfpMsaMisMemoryTable : public Vel::Entity {
    [[nodiscard]] uint16_t byteOf( uint16_t address ) const {
       return static_cast<uint16_t>( registerWidth() == 16 ? distance( address ) * 2
                                                           : distance( address ) );
+   }
+   /// A whole register of two bytes, silently: nothing when the contents do not hold it.
+   [[nodiscard, gnu::always_inline]] std::optional<uint16_t> word( uint16_t address ) const {
+      std::string_view const bytes = contents().view();
+      size_t const at = byteOf( address );
+      if ( at + 1 >= bytes.size() ) [[unlikely]] {
+         return std::nullopt;
+      }
+      if ( registerWidth() != 16 ) [[unlikely]] {
+         return PageView( bytes ).u16be( static_cast<uint32_t>( at ) );
+      }
+      uint16_t number;
+      std::memcpy( &number, bytes.data() + at, sizeof number );
+      return number;
+   }
+   /// The contents from a register on, as bytes.
+   [[nodiscard]] PageView bytesFrom( uint16_t address ) const {
+      std::string_view const bytes = contents().view();
+      size_t const at = distance( address );
+      return at < bytes.size() ? bytes.substr( at ) : std::string_view();
+   }
+   /// Whether the contents hold a byte or word of a register.
+   [[nodiscard]] bool holds( FieldDescriptor field ) const {
+      bool const word = field.width == 16 || registerWidth() == 16;
+      return size_t{ byteOf( field.address ) } + word < contents().size();
    }
    /// The characters of a text field, as getStringFromU8Table says, in place.
    [[nodiscard]] std::string_view text( FieldDescriptor field ) const {
@@ -80,8 +106,8 @@ XCVR_API Vel::Ptr<CfpMsaMisMemoryTable> cfpMsaMisMemoryTableFactory( CfpMsaMisTa
 
 /// A field of up to sixteen bits. In a table of bytes only a whole word, the high byte first; at the
 /// table's last byte its low byte is 0.
-[[nodiscard]] inline uint16_t getU16FromTable( FieldDescriptor field,
-                                               CfpMsaMisMemoryTable const * table ) {
+[[nodiscard, gnu::always_inline]] inline uint16_t
+getU16FromTable( FieldDescriptor field, CfpMsaMisMemoryTable const * table ) {
    if ( !table ) [[unlikely]] {
       traceCfpUnreadable( __func__, "no table" );
       return 0;
@@ -373,7 +399,7 @@ class XCVR_API CfpMsaMisIdEepromContents : public Vel::Entity {
    /// The characters of a text, in place.
    std::string_view view( CfpTable::Access const & access ) const;
    /// A 16-bit register of all lanes of its row; traced under its name when the module lacks it.
-   uint16_t u16( CfpTable::Access const & access, uint8_t lane = 0 ) const {
+   [[gnu::always_inline]] uint16_t u16( CfpTable::Access const & access, uint8_t lane = 0 ) const {
       return read<uint16_t>( access, lane, []( FieldDescriptor field, auto const * table ) {
          return getU16FromTable( field, table );
       } );
@@ -395,7 +421,7 @@ class XCVR_API CfpMsaMisIdEepromContents : public Vel::Entity {
       place.field.address = static_cast<uint16_t>( place.field.address + lane );
       return get( place.field, table( place.table ) );
    }
-   uint8_t u8( Access const & access ) const {
+   [[gnu::always_inline]] uint8_t u8( Access const & access ) const {
       return read<uint8_t>( access, 0, []( FieldDescriptor field, auto const * table ) {
          return getU8FromTable( field, table );
       } );
@@ -403,8 +429,14 @@ class XCVR_API CfpMsaMisIdEepromContents : public Vel::Entity {
    uint16_t ofLane( Access const & access, uint8_t lane ) const {
       return lane < lanes ? u16( access, lane ) : uint16_t( 0 );
    }
-   Vel::String text( Access const & access ) const {
-      return getStringFromU8Table( access.places[0].field, table( access.places[0].table ) );
+   /// Inlined always, so that the copy is one of constant width.
+   [[gnu::always_inline]] Vel::String text( Access const & access ) const {
+      FieldDescriptor const field = access.places[0].field;
+      CfpMsaMisMemoryTable const * found = table( access.places[0].table );
+      if ( found && found->registerWidth() != 16 ) [[likely]] {
+         return found->bytesFrom( field.address ).text( 0, field.width / 8u );
+      }
+      return getStringFromU8Table( field, found );
    }
    static uint32_t ghz( uint16_t thz, uint16_t fraction ) {
       return thz * 1000u + static_cast<uint32_t>( fraction * 0.05 );

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -78,7 +79,8 @@ class SlotMap {
    }
    template <typename Slots>
    static auto walk( Slots & slots, std::size_t at = 0 ) {
-      return Iterator( slots.data() + at, slots.data() + slots.size() );
+      using E = std::remove_reference_t<decltype( *slots.data() )>;
+      return Iterator<E>( slots.data() + at, slots.data() + slots.size() );
    }
 
    std::vector<Entry> slots_;
