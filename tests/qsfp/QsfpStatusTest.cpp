@@ -91,7 +91,7 @@ Sff8436IdEepromContents withBit( QsfpImageBuilder const & image, bool lower, uns
                                  unsigned bit ) {
    Sff8436IdEepromContents contents = image.contents();
    Vel::String page = lower ? contents.eepromPage00LowerData() : contents.eepromPage03UpperData();
-   page.byteIs( at, static_cast<uint8_t>( page[at] ^ 1u << bit ) );
+   page.byteIs( at, static_cast<uint8_t>( page[at] ^ 1 << bit ) );
    lower ? contents.eepromPage00LowerDataIs( page ) : contents.eepromPage03UpperDataIs( page );
    return contents;
 }
