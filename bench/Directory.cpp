@@ -87,7 +87,7 @@ Figure const figures[] = {
      { { "model", eraseAndInsert<Directory<0>> },
        { "unordered_map", eraseAndInsert<UnorderedMap> } } },
    { "directory/1-observer",
-     { 0.5, 0 },
+     { {}, 0 },
      { { "model", eraseAndInsert<Directory<1>> },
        { "unordered_map", eraseAndInsert<UnorderedMap> } } },
 };
