@@ -422,9 +422,9 @@ TEST( SessionHostileTest, whatNoPeerWouldSendEndsTheSessionAndNothingElse ) {
       { "a mode that is none", hello + message( 1, one + text + text + "\x02" ) },
       { "a number once more", hello + message( 1, one + text + text + std::string( 1, '\0' ) ) +
                                  message( 1, one + text + text + std::string( 1, '\0' ) ) },
-      { "a log for a mount that reads", hello +
-                                           message( 1, one + text + text + std::string( 1, '\0' ) ) +
-                                           message( 6, one + "VEL\x01" ) },
+      { "a log for a mount that reads",
+        hello + message( 1, one + text + text + std::string( 1, '\0' ) ) +
+           message( 6, one + "VEL\x01" ) },
    };
    for ( auto const & test : cases ) {
       EntityManager server;
