@@ -609,11 +609,15 @@ class Ref : public NotifieeBase {
 // not the collection as a whole.
 
 #define VEL_MARKS_Plain_( name, onName, ... )                                                      \
-   void onName() override { this->velMark( name##Attr ); }
+   void onName() override {                                                                        \
+      this->velMark( name##Attr );                                                                 \
+   }
 #define VEL_MARKS_Constant_( ... )
 #define VEL_MARKS_Counter_ VEL_MARKS_Plain_
 #define VEL_MARKS_Values_( name, onName, Key, ... )                                                \
-   void onName( Vel::In<Key> velKey ) override { this->velMarkKey( name##Attr, velKey ); }         \
+   void onName( Vel::In<Key> velKey ) override {                                                   \
+      this->velMarkKey( name##Attr, velKey );                                                      \
+   }                                                                                               \
    void onName() override {}
 #define VEL_MARKS_OrderedValues_ VEL_MARKS_Values_
 #define VEL_MARKS_Records_( name, onName, ... )                                                    \
@@ -623,7 +627,9 @@ class Ref : public NotifieeBase {
 #define VEL_MARKS_Pointers_( name, onName, ... ) VEL_MARKS_Values_( name, onName, Vel::Name )
 #define VEL_MARKS_Entries_ VEL_MARKS_Pointers_
 #define VEL_MARKS_Child_( name, onName, ... )                                                      \
-   void onName() override { this->velMarkChild( name##Attr ); }
+   void onName() override {                                                                        \
+      this->velMarkChild( name##Attr );                                                            \
+   }
 #define VEL_MARKS_Reference_ VEL_MARKS_Plain_
 #define VEL_MARKS_Derived_( ... )
 
