@@ -12,7 +12,6 @@ namespace {
 
 constexpr uint32_t logHeader = 0x56454c01; // "VEL" and the version of the layout
 constexpr uint32_t anyVersion = 0xffffff00;
-constexpr std::size_t headerSize = sizeof logHeader;
 constexpr std::size_t recordHead = sizeof( uint16_t ) + sizeof( uint32_t );
 constexpr uint16_t pathRecord = 0;  // names the entity of the records that follow
 constexpr std::size_t deepest = 64; // steps in a path
