@@ -54,6 +54,12 @@ Vel::Ptr<CfpMsaMisMemoryTable> CfpMsaMisIdEepromContents::memoryIs( CfpMsaMisTab
    return made;
 }
 
+Vel::Ptr<CfpMsaMisMemoryTable> CfpMsaMisIdEepromContents::memoryIs( CfpMsaMisTableId tableId ) {
+   Vel::Ptr<CfpMsaMisMemoryTable> const there = memory( tableId );
+   return there ? there
+                : memoryIs( tableId, cfpFirstAddress( tableId ), cfpRegisterWidth( tableId ) );
+}
+
 bool CfpMsaMisIdEepromContents::holds( Access const & access, uint8_t lane ) const {
    Place const place = access.placeIn( cfpModulesOf( identifier() ) );
    CfpMsaMisMemoryTable const * found = table( place.table );

@@ -83,12 +83,7 @@ void Cfp2NewStatus::idEepromContentsIs( uint8_t page, Vel::String const & bytes 
       VEL_TRACE( trace, 8, "no such table" );
       return;
    }
-   Vel::Ptr<Contents> const contents = actualIdEepromContentsIs();
-   Vel::Ptr<CfpMsaMisMemoryTable> table = contents->memory( id );
-   if ( !table ) {
-      table = contents->memoryIs( id, cfpFirstAddress( id ), cfpRegisterWidth( id ) );
-   }
-   table->contentsIs( bytes );
+   actualIdEepromContentsIs()->memoryIs( id )->contentsIs( bytes );
 }
 
 void Cfp2NewStatus::updateLastValidTime( Vel::Seconds time ) {

@@ -179,6 +179,8 @@ class XCVR_API CfpMsaMisIdEepromContents : public Vel::Entity {
    /// none of a table.
    Vel::Ptr<CfpMsaMisMemoryTable> memoryIs( CfpMsaMisTableId tableId, uint16_t firstAddress,
                                             uint8_t registerWidth );
+   /// The table, made with the first address and the register width of its kind if it is not there.
+   Vel::Ptr<CfpMsaMisMemoryTable> memoryIs( CfpMsaMisTableId tableId );
    /// The table, without counting it; null when it is not there.
    [[nodiscard]] CfpMsaMisMemoryTable const * table( CfpMsaMisTableId tableId ) const {
       return memory_.get( tableId );

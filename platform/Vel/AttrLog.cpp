@@ -20,6 +20,10 @@ void NboAttrLog::grow( std::size_t count ) {
    capacity_ = capacity;
 }
 
+void NboAttrLog::numberIs( std::size_t at, uint32_t number ) {
+   Internal::encode( bytes_.get() + at, number );
+}
+
 namespace Internal {
 
 void LogCursor::fail( LogCursor in, std::string_view problem ) {

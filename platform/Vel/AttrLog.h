@@ -50,6 +50,9 @@ class VEL_API NboAttrLog {
    /// Empties the log; its memory stays for the next record.
    void clear() { size_ = position_ = 0; }
 
+   /// For the codec: the bytes from `size` on are dropped; the four at `at` become `number`.
+   void sizeIs( std::size_t size ) { size_ = size; }
+   void numberIs( std::size_t at, uint32_t number );
    /// For the codec: the place of the next read.
    [[nodiscard]] Internal::LogCursor cursor() const;
    /// For the codec: room for `count` more bytes, which are part of the log from now on.

@@ -132,6 +132,14 @@ struct LogCursor {
    }
    /// Called when all fields of a value have been taken.
    void taken() const {}
+   /// The next T, nothing of which is claimed yet.
+   template <typename T>
+   [[gnu::always_inline]] T next() {
+      claim( leastSize<T> );
+      return take<T>();
+   }
+   // By value: a cursor whose address is known elsewhere would have to live in memory.
+   [[noreturn, gnu::cold]] VEL_API static void fail( LogCursor in, std::string_view problem );
 
  private:
    template <typename T>
@@ -167,11 +175,9 @@ struct LogCursor {
       }
       return map;
    }
-   // By value: a cursor whose address is known elsewhere would have to live in memory.
    [[noreturn, gnu::cold]] VEL_API static void truncated( LogCursor in, std::size_t needed );
    [[noreturn, gnu::cold]] VEL_API static void noCode( LogCursor in, EnumModel const & model,
                                                        uint32_t code );
-   [[noreturn, gnu::cold]] VEL_API static void fail( LogCursor in, std::string_view problem );
 };
 
 /// Reads the next T of a log, which stands behind it when it is taken.

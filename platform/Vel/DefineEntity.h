@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Vel/AttrTravel.h>
 #include <Vel/Define.h>
 #include <Vel/Entity.h>
 
@@ -53,11 +54,10 @@ Ptr<Entity const> childNamed( T const & owned, Name const & name ) {
 /// Collects the rows of entity type T into its attribute table.
 template <typename T, std::size_t N>
 struct AttrTableBuilder {
-   template <AttrKind kind, typename Key, typename Type, typename Getter>
-   constexpr void attribute( char const * name, Getter ) {
-      constexpr bool owns = kind == AttrKind::children || kind == AttrKind::orderedChildren ||
-                            kind == AttrKind::instances || kind == AttrKind::entries ||
-                            kind == AttrKind::child;
+   template <AttrKind kind, typename Key, typename Type, typename Getter, typename Setter,
+             typename Deleter>
+   constexpr void attribute( char const * name, Getter, Setter, Deleter ) {
+      constexpr bool owns = owning( kind );
       AttrInfo & row = table[count++];
       row.name = name;
       row.kind = kind;
@@ -68,6 +68,9 @@ struct AttrTableBuilder {
       row.text = []( Entity const & e ) {
          return String( attrText( Getter{}( static_cast<T const &>( e ) ) ) );
       };
+      if constexpr ( kind != AttrKind::derived ) {
+         row.travel = &attrTravel<Travel<T, kind, Key, Type, Getter, Setter, Deleter>>;
+      }
       if constexpr ( owns ) {
          row.child = []( Entity const & e, Name const & childName ) -> Ptr<Entity const> {
             return childNamed( Getter{}( static_cast<T const &>( e ) ), childName );
@@ -105,9 +108,14 @@ inline constexpr Ptr<Entity> ( *entityFactory<factory> )( Name ) =
       return velTypeModel();                                                                       \
    }                                                                                               \
    Vel::EntityModel const & T::velTypeModel() {                                                    \
-      static Vel::EntityModel const model{                                                         \
-         Vel::typeName<T>(), &VelBase::velTypeModel(), Vel::Internal::attributeTable<T>.data(),    \
-         Vel::Internal::attributeTable<T>.size(), Vel::Internal::entityFactory<__VA_ARGS__> };     \
+      static Vel::EntityModel const model{ Vel::typeName<T>(),                                     \
+                                           &VelBase::velTypeModel(),                               \
+                                           Vel::Internal::attributeTable<T>.data(),                \
+                                           Vel::Internal::attributeTable<T>.size(),                \
+                                           Vel::Internal::entityFactory<__VA_ARGS__>,              \
+                                           T::velLevel,                                            \
+                                           VelBase::velAttrEnd,                                    \
+                                           Vel::Internal::newAdaptor<T> };                         \
       return model;                                                                                \
    }                                                                                               \
    static Vel::TypeRegistration const VEL_UNIQUE_( velRegistered )( T::velTypeModel() );

@@ -56,6 +56,8 @@ class DenseMap {
       V second;
    };
 
+   /// Whether writing the key is allowed.
+   [[nodiscard]] static bool hasPlace( K const & key ) { return velDensePlace( key ) < places; }
    [[nodiscard]] bool contains( K const & key ) const { return find( key ) != nullptr; }
    [[nodiscard]] V at( K const & key ) const {
       V const * found = find( key );
@@ -116,6 +118,8 @@ class DenseFlags {
       bool second;
    };
 
+   /// Whether writing the key is allowed.
+   [[nodiscard]] static bool hasPlace( K const & key ) { return velDensePlace( key ) < places; }
    [[nodiscard]] bool contains( K const & key ) const {
       std::size_t const place = velDensePlace( key );
       return place < places && held_ >> place & 1;
@@ -181,6 +185,10 @@ class DenseNibbles {
       uint8_t second;
    };
 
+   /// Whether writing the key is allowed.
+   [[nodiscard]] static bool hasPlace( K const & key ) { return velDensePlace( key ) < places; }
+   /// Whether writing the number is allowed.
+   [[nodiscard]] static bool hasRoomFor( uint8_t value ) { return value < 16; }
    [[nodiscard]] bool contains( K const & key ) const {
       std::size_t const place = velDensePlace( key );
       return place < places && held_ >> place & 1;

@@ -188,8 +188,9 @@ EntityModel const & Entity::velTypeModel() {
       reflected<&itself>( "entity", "Vel::Entity" ), // that of the empty path
    };
    static_assert( std::size( attributes ) == velAttrEnd );
-   static constexpr EntityModel model{ "Vel::Entity", nullptr, attributes, std::size( attributes ),
-                                       nullptr };
+   static constexpr EntityModel model{
+      "Vel::Entity", nullptr, attributes, std::size( attributes ),
+      nullptr,       0,       0,          Internal::newAdaptor<Entity> };
    return model;
 }
 

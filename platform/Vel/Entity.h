@@ -16,6 +16,10 @@ namespace Vel {
 
 template <typename Held>
 class Owned;
+class FlowIn;
+class FlowOut;
+class NboAttrLog;
+class NboAttrLogSa;
 
 template <typename K, typename V>
 using OrderedMap = std::map<K, V>;
@@ -26,6 +30,7 @@ class VEL_API Entity : public PtrInterface {
  public:
    class NotifieeConst;
    class Notifiee;
+   using VelNboAttrLogSa = NboAttrLogSa;
    // Every attribute has a number: those of the base first, then its own in order.
    enum : uint16_t {
       nameAttr,
@@ -59,9 +64,28 @@ class VEL_API Entity : public PtrInterface {
    /// done before it is put anywhere: collections hold it under the name that it had then.
    void nameIsFromBackup( Name name ) { name_ = std::move( name ); }
 
+   /// Copies the entity, whatever its type, and all that it owns to another process: an adaptor that
+   /// observes it and writes its full image, and then every change, to the attribute logs that
+   /// `flowOut` hands out. For as long as the adaptor lives; see <Vel/Flow.h>. A `tag` tells the logs
+   /// of several adaptors of one flow apart.
+   [[nodiscard]] static Ptr<NboAttrLogSa> velNboAttrLogSaIs( Ptr<Entity const> const & entity,
+                                                             Ptr<FlowOut> const & flowOut,
+                                                             uint32_t tag = 0 );
+   /// Applies such a log to this replica, whose observers are told as of local writes. Throws
+   /// AttrLogException for a log that is corrupt, with the replica as after the last whole record;
+   /// a full image repairs it. With a `FlowIn`, names of entities that are not there yet are kept.
+   void doHandleAttrDeserialization( NboAttrLog & log );
+   void doHandleAttrDeserialization( NboAttrLog & log, FlowIn & flowIn );
+
    /// The entity's type with its attributes, for reflection.
    [[nodiscard]] virtual EntityModel const & velModel() const;
    [[nodiscard]] static EntityModel const & velTypeModel();
+
+   // What the attribute log needs of a type: how many types it derives from, and an observer that
+   // marks every attribute that changes; `Root` has the operations for that.
+   static constexpr uint16_t velLevel = 0;
+   template <typename Root>
+   class VelMarks : public Root {};
 
  protected:
    /// The handlers of one collection: for one entry and for the collection as a whole.
@@ -321,7 +345,8 @@ class Ref : public NotifieeBase {
 ///    ( OrderedChildren, … )                the same, iterated in the order of the keys
 ///    ( Instances, foo, onFoo, Key, Child ) as OrderedChildren, the key an enumeration, but fooIs is
 ///                                          written by hand: for a child that is made of more than
-///                                          its key, and replaced by velInstanceIs
+///                                          its key, and replaced by velInstanceIs. fooIs( key ) makes
+///                                          one for a replica, which then gets its constants
 ///    ( Pointers, foo, onFoo, T )           fooIs( ptr ) holds an entity that lives elsewhere under
 ///                                          its own name, null is fatal; else as Values by Name
 ///    ( Entries, foo, onFoo, T )            the same, but the entity becomes a child
@@ -358,12 +383,18 @@ class Ref : public NotifieeBase {
    [[nodiscard]] Vel::EntityModel const & velModel() const override;                               \
    [[nodiscard]] static Vel::EntityModel const & velTypeModel();                                   \
    using VelBase = Base;                                                                           \
+   static constexpr uint16_t velLevel = Base::velLevel + 1;                                        \
+   template <typename Root>                                                                        \
+   class VelMarks : public Base::template VelMarks<Root> {                                         \
+    public:                                                                                        \
+      VEL_FOR_EACH( VEL_ENTITY_MARKS_, __VA_ARGS__ )                                               \
+   };                                                                                              \
    class NotifieeConst : public Vel::NotifieeOf<T const, Base::NotifieeConst> {                    \
     public:                                                                                        \
       VEL_FOR_EACH( VEL_ENTITY_HANDLERS_, __VA_ARGS__ )                                            \
    };                                                                                              \
    class Notifiee : public Vel::NotifieeOf<T, NotifieeConst> {};                                   \
-   /* Calls `visit.attribute< kind, Key, Type >( name, getter )` for every row. */                 \
+   /* Calls `visit.attribute< kind, Key, Type >( name, get, set, del )` for every row. */          \
    template <typename Visitor>                                                                     \
    static constexpr void velAttributes( [[maybe_unused]] Visitor && visit ) {                      \
       VEL_FOR_EACH( VEL_ENTITY_ROW_, __VA_ARGS__ )                                                 \
@@ -377,6 +408,7 @@ class Ref : public NotifieeBase {
 #define VEL_ENTITY_MEMBERS_( Kind, ... ) VEL_MEMBERS_##Kind##_( __VA_ARGS__ )
 #define VEL_ENTITY_HANDLERS_( Kind, ... ) VEL_HANDLERS_##Kind##_( __VA_ARGS__ )
 #define VEL_ENTITY_ROW_( Kind, ... ) VEL_ROW_##Kind##_( __VA_ARGS__ )
+#define VEL_ENTITY_MARKS_( Kind, ... ) VEL_MARKS_##Kind##_( __VA_ARGS__ )
 
 // What an attribute of each kind declares in its entity.
 
@@ -400,7 +432,10 @@ class Ref : public NotifieeBase {
 
 #define VEL_MEMBERS_Constant_( name, ... )                                                         \
  private:                                                                                          \
-   __VA_ARGS__ const name##_{};                                                                    \
+   __VA_ARGS__ name##_{};                                                                          \
+   void name##IsFromImage( Vel::In<__VA_ARGS__> velNew ) { /* only in a replica */                 \
+      name##_ = velNew;                                                                            \
+   }                                                                                               \
                                                                                                    \
  public:                                                                                           \
    [[nodiscard]] Vel::In<__VA_ARGS__> name() const {                                               \
@@ -616,31 +651,72 @@ class Ref : public NotifieeBase {
 #define VEL_HANDLERS_Reference_ VEL_HANDLERS_Plain_
 #define VEL_HANDLERS_Derived_( ... )
 
-// The rows of the attribute table.
+// How a change of each kind is marked for the attribute log. The entries of a collection are marked,
+// not the collection as a whole.
 
-#define VEL_ROW_( kind, Key, name, getter, ... )                                                   \
+#define VEL_MARKS_Plain_( name, onName, ... )                                                      \
+   void onName() override {                                                                        \
+      this->velMark( name##Attr );                                                                 \
+   }
+#define VEL_MARKS_Constant_( ... )
+#define VEL_MARKS_Counter_ VEL_MARKS_Plain_
+#define VEL_MARKS_Values_( name, onName, Key, ... )                                                \
+   void onName( Vel::In<Key> velKey ) override {                                                   \
+      this->velMarkKey( name##Attr, velKey );                                                      \
+   }                                                                                               \
+   void onName() override {}
+#define VEL_MARKS_OrderedValues_ VEL_MARKS_Values_
+#define VEL_MARKS_Records_( name, onName, ... )                                                    \
+   VEL_MARKS_Values_( name, onName, __VA_ARGS__::key_type )
+#define VEL_MARKS_DenseValues_ VEL_MARKS_Records_
+#define VEL_MARKS_Children_ VEL_MARKS_Values_
+#define VEL_MARKS_Instances_ VEL_MARKS_Values_
+#define VEL_MARKS_OrderedChildren_ VEL_MARKS_Values_
+#define VEL_MARKS_Pointers_( name, onName, ... ) VEL_MARKS_Values_( name, onName, Vel::Name )
+#define VEL_MARKS_Entries_ VEL_MARKS_Pointers_
+#define VEL_MARKS_Child_( name, onName, ... )                                                      \
+   void onName() override {                                                                        \
+      this->velMarkChild( name##Attr );                                                            \
+   }
+#define VEL_MARKS_Reference_ VEL_MARKS_Plain_
+#define VEL_MARKS_Derived_( ... )
+
+// The rows of the attribute table. A getter, a setter and a deleter can be called where the attribute
+// has what they call.
+
+#define VEL_ROW_( kind, Key, name, getter, setter, deleter, ... )                                  \
    visit.template attribute<Vel::AttrKind::kind, Key, __VA_ARGS__>(                                \
-      #name, []( auto const & velSelf ) -> decltype( auto ) { return velSelf.getter(); } );
-#define VEL_ROW_Plain_( name, onName, ... ) VEL_ROW_( plain, void, name, name, __VA_ARGS__ )
-#define VEL_ROW_Constant_( name, ... ) VEL_ROW_( constant, void, name, name, __VA_ARGS__ )
-#define VEL_ROW_Counter_( name, onName, ... ) VEL_ROW_( counter, void, name, name, __VA_ARGS__ )
-#define VEL_ROW_Values_( name, onName, Key, ... )                                                  \
-   VEL_ROW_( values, Key, name, name##Map, __VA_ARGS__ )
+      #name, []( auto const & velSelf ) -> decltype( auto ) { return velSelf.getter(); },          \
+      []( auto & velSelf, auto const &... velNew ) -> decltype( velSelf.setter( velNew... ) ) {    \
+         return velSelf.setter( velNew... );                                                       \
+      },                                                                                           \
+      []( auto & velSelf, auto const &... velKey ) -> decltype( velSelf.deleter( velKey... ) ) {   \
+         return velSelf.deleter( velKey... );                                                      \
+      } );
+#define VEL_KEYED_ROW_( kind, Key, name, ... )                                                     \
+   VEL_ROW_( kind, Key, name, name##Map, name##Is, name##Del, __VA_ARGS__ )
+#define VEL_SINGLE_ROW_( kind, name, ... )                                                         \
+   VEL_ROW_( kind, void, name, name, name##Is, name##Del, __VA_ARGS__ )
+#define VEL_ROW_Plain_( name, onName, ... ) VEL_SINGLE_ROW_( plain, name, __VA_ARGS__ )
+#define VEL_ROW_Constant_( name, ... )                                                             \
+   VEL_ROW_( constant, void, name, name, name##IsFromImage, name##Del, __VA_ARGS__ )
+#define VEL_ROW_Counter_( name, onName, ... ) VEL_SINGLE_ROW_( counter, name, __VA_ARGS__ )
+#define VEL_ROW_Values_( name, onName, Key, ... ) VEL_KEYED_ROW_( values, Key, name, __VA_ARGS__ )
 #define VEL_ROW_OrderedValues_( name, onName, Key, ... )                                           \
-   VEL_ROW_( orderedValues, Key, name, name##Map, __VA_ARGS__ )
+   VEL_KEYED_ROW_( orderedValues, Key, name, __VA_ARGS__ )
 #define VEL_ROW_Records_( name, onName, ... )                                                      \
-   VEL_ROW_( values, __VA_ARGS__::key_type, name, name##Map, __VA_ARGS__::mapped_type )
+   VEL_KEYED_ROW_( values, __VA_ARGS__::key_type, name, __VA_ARGS__::mapped_type )
 #define VEL_ROW_DenseValues_ VEL_ROW_Records_
 #define VEL_ROW_Children_( name, onName, Key, ... )                                                \
-   VEL_ROW_( children, Key, name, name##Map, __VA_ARGS__ )
+   VEL_KEYED_ROW_( children, Key, name, __VA_ARGS__ )
 #define VEL_ROW_OrderedChildren_( name, onName, Key, ... )                                         \
-   VEL_ROW_( orderedChildren, Key, name, name##Map, __VA_ARGS__ )
+   VEL_KEYED_ROW_( orderedChildren, Key, name, __VA_ARGS__ )
 #define VEL_ROW_Instances_( name, onName, Key, ... )                                               \
-   VEL_ROW_( instances, Key, name, name##Map, __VA_ARGS__ )
+   VEL_KEYED_ROW_( instances, Key, name, __VA_ARGS__ )
 #define VEL_ROW_Pointers_( name, onName, ... )                                                     \
-   VEL_ROW_( pointers, Vel::Name, name, name##Map, __VA_ARGS__ )
+   VEL_KEYED_ROW_( pointers, Vel::Name, name, __VA_ARGS__ )
 #define VEL_ROW_Entries_( name, onName, ... )                                                      \
-   VEL_ROW_( entries, Vel::Name, name, name##Map, __VA_ARGS__ )
-#define VEL_ROW_Child_( name, onName, ... ) VEL_ROW_( child, void, name, name, __VA_ARGS__ )
-#define VEL_ROW_Reference_( name, onName, ... ) VEL_ROW_( reference, void, name, name, __VA_ARGS__ )
-#define VEL_ROW_Derived_( name, ... ) VEL_ROW_( derived, void, name, name, __VA_ARGS__ )
+   VEL_KEYED_ROW_( entries, Vel::Name, name, __VA_ARGS__ )
+#define VEL_ROW_Child_( name, onName, ... ) VEL_SINGLE_ROW_( child, name, __VA_ARGS__ )
+#define VEL_ROW_Reference_( name, onName, ... ) VEL_SINGLE_ROW_( reference, name, __VA_ARGS__ )
+#define VEL_ROW_Derived_( name, ... ) VEL_SINGLE_ROW_( derived, name, __VA_ARGS__ )

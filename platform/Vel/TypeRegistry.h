@@ -10,6 +10,9 @@
 namespace Vel {
 
 class Entity;
+class FlowOut;
+class NboAttrLogSa;
+struct AttrTravel;
 
 /// A field of a value type.
 struct FieldModel {
@@ -54,6 +57,8 @@ struct AttrInfo {
    String ( *text )( Entity const & entity );
    /// The child of that name that the attribute owns; the function is null where it owns none.
    Ptr<Entity const> ( *child )( Entity const & entity, Name const & name );
+   /// How it is copied to another process; null for what is not.
+   AttrTravel const * travel = nullptr;
 };
 
 /// What the framework knows of an entity type.
@@ -63,6 +68,10 @@ struct EntityModel {
    AttrInfo const * attributes; // its own, numbered after those of its base
    std::size_t count;
    Ptr<Entity> ( *factory )( Name name ); // null when a name alone does not make one
+   uint16_t level = 0;                    // how many types it derives from
+   uint16_t first = 0;                    // number of the first attribute
+   /// Makes an adaptor for entities of the type.
+   Ptr<NboAttrLogSa> ( *adaptor )( Entity const & entity, FlowOut & flow ) = nullptr;
 
    [[nodiscard]] AttrInfo const * begin() const { return attributes; }
    [[nodiscard]] AttrInfo const * end() const { return attributes + count; }

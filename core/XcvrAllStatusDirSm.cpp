@@ -1,0 +1,469 @@
+#include <Xcvr/XcvrAllStatusDirSm.h>
+
+#include <Vel/Assert.h>
+#include <Vel/DefineEntity.h>
+#include <Vel/Trace.h>
+
+#include <string>
+#include <vector>
+
+namespace Xcvr {
+
+VEL_ENTITY_DEFINE( XcvrAllStatusDirSingleton, xcvrAllStatusDirSingletonFactory )
+
+namespace {
+
+Vel::TraceHandle const trace( "XcvrAllStatusDirSm" );
+
+std::string note( std::string_view text, Vel::String const & name ) {
+   return std::string( text ) + std::string( name );
+}
+
+using Published = Vel::HashMap<Vel::Name, bool>;
+
+void publishedIs( Published & published, Vel::Name const & name, bool is ) {
+   auto const found = published.find( name );
+   if ( is && found == published.end() ) {
+      published.emplace( name, true );
+   } else if ( !is && found != published.end() ) {
+      published.erase( found );
+   }
+}
+
+/// What a handshake goes through: the directory may change under the hands of those that are told.
+std::vector<Vel::Ptr<Vel::Entity>> entriesOf( Vel::Dir const & dir ) {
+   std::vector<Vel::Ptr<Vel::Entity>> entries;
+   entries.reserve( dir.entryMap().size() );
+   for ( auto const & entry : dir.entryMap() ) {
+      entries.push_back( entry.second );
+   }
+   return entries;
+}
+
+Vel::Ptr<XcvrNewStatus const> statusOf( Vel::Ptr<Vel::Entity> const & entry ) {
+   Vel::Ptr<XcvrNewStatus> const xs = Vel::dynamicPtr<XcvrNewStatus>( entry );
+   VEL_ASSERT( xs );
+   return xs;
+}
+
+/// Calls an operation of a reactor for each entry of a directory that comes, goes or is replaced.
+template <typename Sm>
+class EntryObserver : public Vel::Dir::NotifieeConst {
+ public:
+   EntryObserver( Sm & sm, void ( Sm::*handle )( Vel::Name const & ) )
+      : sm_( sm ), handle_( handle ) {}
+   void onEntry( Vel::Name const & name ) override { ( sm_.*handle_ )( name ); }
+
+ private:
+   Sm & sm_;
+   void ( Sm::*handle_ )( Vel::Name const & );
+};
+
+/// Calls an operation of a reactor when the generation of an entity changes.
+template <typename T, typename Sm>
+class GenerationObserver : public T::NotifieeConst {
+ public:
+   GenerationObserver( Sm & sm, void ( Sm::*handle )() ) : sm_( sm ), handle_( handle ) {}
+   void onGenerationId() override { ( sm_.*handle_ )(); }
+
+ private:
+   Sm & sm_;
+   void ( Sm::*handle_ )();
+};
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// One slice
+
+struct SliceStatusSm::Observers {
+   explicit Observers( SliceStatusSm & sm )
+      : agentStatus( sm, &SliceStatusSm::handleAgentStatusGenId ),
+        sliceConfig( sm, &SliceStatusSm::handleAgentStatusGenId ),
+        xcvrStatusDir( sm, &SliceStatusSm::handleXcvrStatusDir ) {}
+   GenerationObserver<XcvrSliceStatus, SliceStatusSm> agentStatus;
+   GenerationObserver<AllConfigDir, SliceStatusSm> sliceConfig;
+   EntryObserver<SliceStatusSm> xcvrStatusDir;
+};
+
+SliceStatusSm::SliceStatusSm( AllStatusDirSm & top, Vel::String sliceId,
+                              Vel::Ptr<XcvrSliceStatus> agentStatus,
+                              Vel::Ptr<Vel::Dir> xcvrStatusDir,
+                              Vel::Ptr<AllNewStatusDir> allStatusDir )
+   : top_( &top ), sliceId_( std::move( sliceId ) ), agentStatus_( std::move( agentStatus ) ),
+     xcvrStatusDir_( std::move( xcvrStatusDir ) ), allStatusDir_( std::move( allStatusDir ) ),
+     observers_( std::make_unique<Observers>( *this ) ) {}
+
+SliceStatusSm::~SliceStatusSm() = default;
+
+void SliceStatusSm::sliceConfigIs( Vel::Ptr<AllConfigDir> const & config ) {
+   sliceConfig_ = config;
+   observers_->sliceConfig.notifierIs( config.get() );
+}
+
+void SliceStatusSm::sliceXcvrsIs( Vel::Name const & name, bool published ) {
+   publishedIs( sliceXcvrs_, name, published );
+}
+
+void SliceStatusSm::handleInitialized() {
+   VEL_TRACE_SCOPE( trace );
+   VEL_ASSERT( agentStatus() );
+   VEL_ASSERT( xcvrStatusDir() );
+   VEL_TRACE( trace, 8, note( "Creating xcvrStatus reactor for ", sliceId_ ) );
+   observers_->agentStatus.notifierIs( agentStatus_.get() );
+   observers_->xcvrStatusDir.notifierIs( xcvrStatusDir_.get() );
+   initializedIs( true );
+   handleAgentStatusGenId();
+}
+
+void SliceStatusSm::handleAgentStatusGenId() {
+   if ( !initialized_ || !top_ ) {
+      return;
+   }
+   VEL_TRACE_SCOPE( trace );
+   Vel::Ptr<SliceStatusSm> const self( this ); // those who are told may end the slice
+   uint64_t const handshake = ++handshakes_;
+   Vel::Ptr<Vel::Dir> const & configs = top_->sliceConfigDir();
+   sliceConfigIs( configs ? Vel::dynamicPtr<AllConfigDir>( configs->entry( sliceId_ ) ) : nullptr );
+   if ( !sliceConfig_ ) {
+      VEL_TRACE( trace, 8, std::string( sliceId_ ) + " no xcvrConfig" );
+   } else {
+      VEL_TRACE( trace, 8,
+                 std::string( sliceId_ ) + " xcGenId " +
+                    std::to_string( sliceConfig_->generationId() ) + " xsGenId " +
+                    std::to_string( agentStatus_->generationId() ) );
+   }
+   if ( !sliceConfig_ || sliceConfig_->generationId() != agentStatus_->generationId() ) {
+      withdraw( __func__ );
+      return;
+   }
+   for ( auto const & entry : entriesOf( *xcvrStatusDir_ ) ) {
+      auto const xs = statusOf( entry );
+      // A handshake within this one, or the end of the slice, has had the last word.
+      if ( handshake != handshakes_ ) {
+         return;
+      }
+      if ( xcvrStatusDir_->entry( xs->name() ) == entry ) {
+         sliceXcvrsIs( xs->name(), true );
+         VEL_TRACE( trace, 8, note( "Adding sliced xcvr ", xs->name() ) );
+         allStatusDir_->xcvrStatusIs( xs );
+      }
+   }
+}
+
+void SliceStatusSm::withdraw( char const * operation ) {
+   uint64_t const handshake = handshakes_;
+   while ( !sliceXcvrs_.empty() && handshake == handshakes_ ) {
+      Vel::Name const name = sliceXcvrs_.begin()->first;
+      sliceXcvrsIs( name, false );
+      if ( trace.passes( 8 ) ) {
+         trace.write( 8, __LINE__, operation, note( "Removing sliced xcvr ", name ) );
+      }
+      allStatusDir_->xcvrStatusDel( name );
+   }
+}
+
+void SliceStatusSm::handleXcvrStatusDir( Vel::Name const & name ) {
+   VEL_TRACE_SCOPE( trace );
+   auto const published = allStatusDir_->xcvrStatus( name );
+   if ( sliceXcvrs( name ) && !( xcvrStatusDir_->entry( name ).get() == published.get() ) ) {
+      sliceXcvrsIs( name, false );
+      VEL_TRACE( trace, 8, note( "Removing sliced xcvr ", name ) );
+      allStatusDir_->xcvrStatusDel( name );
+   }
+}
+
+void SliceStatusSm::close() {
+   Vel::Ptr<SliceStatusSm> const self( this );
+   top_ = nullptr;
+   ++handshakes_;
+   observers_ = std::make_unique<Observers>( *this ); // which observe nothing
+   withdraw( __func__ );
+   sliceXcvrsDelAll();
+}
+
+// ---------------------------------------------------------------------------------------------
+// All of them
+
+struct AllStatusDirSm::Observers {
+   explicit Observers( AllStatusDirSm & sm )
+      : fixedConfigDir( sm, &AllStatusDirSm::handleFixedStatusGenId ),
+        fixedAgentStatus( sm, &AllStatusDirSm::handleFixedStatusGenId ),
+        fixedStatusDir( sm, &AllStatusDirSm::handleFixedStatusDir ),
+        sliceStatusDir( sm, &AllStatusDirSm::handleSlice ),
+        agentStatusDir( sm, &AllStatusDirSm::handleSlice ),
+        baseConfigDir( sm, &AllStatusDirSm::handleBaseConfigDir ),
+        sliceConfigDir( sm, &AllStatusDirSm::handleEntryState ) {}
+   GenerationObserver<AllConfigDir, AllStatusDirSm> fixedConfigDir;
+   GenerationObserver<XcvrSliceStatus, AllStatusDirSm> fixedAgentStatus;
+   EntryObserver<AllStatusDirSm> fixedStatusDir;
+   EntryObserver<AllStatusDirSm> sliceStatusDir;
+   EntryObserver<AllStatusDirSm> agentStatusDir;
+   EntryObserver<AllStatusDirSm> baseConfigDir;
+   EntryObserver<AllStatusDirSm> sliceConfigDir;
+};
+
+AllStatusDirSm::AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStatusDir )
+   : in_( std::move( inputs ) ), allStatusDir_( std::move( allStatusDir ) ),
+     observers_( std::make_unique<Observers>( *this ) ) {
+   observers_->fixedConfigDir.notifierIs( in_.fixedConfigDir.get() );
+   observers_->fixedAgentStatus.notifierIs( in_.fixedAgentStatus.get() );
+   observers_->fixedStatusDir.notifierIs( in_.fixedStatusDir.get() );
+   observers_->sliceStatusDir.notifierIs( in_.sliceStatusDir.get() );
+   observers_->agentStatusDir.notifierIs( in_.agentStatusDir.get() );
+   observers_->baseConfigDir.notifierIs( in_.baseConfigDir.get() );
+}
+
+AllStatusDirSm::~AllStatusDirSm() {
+   sliceStatusSmDelAll();
+}
+
+void AllStatusDirSm::close() {
+   Vel::Ptr<AllStatusDirSm> const self( this );
+   initializedIs( false );
+   ++handshakes_;
+   observers_ = std::make_unique<Observers>( *this ); // which observe nothing
+   sliceStatusSmDelAll();
+   withdrawFixed( __func__ );
+}
+
+void AllStatusDirSm::handleInitialized() {
+   VEL_TRACE_SCOPE( trace );
+   handleFixedStatusGenId();
+   handleBaseConfigDir( "slice" );
+}
+
+void AllStatusDirSm::handleFixedStatusGenId() {
+   VEL_TRACE_SCOPE( trace );
+   Vel::Ptr<AllStatusDirSm> const self( this );
+   uint64_t const handshake = ++handshakes_;
+   if ( !in_.fixedConfigDir || !in_.fixedAgentStatus || !in_.fixedStatusDir ||
+        in_.fixedConfigDir->generationId() != in_.fixedAgentStatus->generationId() ) {
+      withdrawFixed( __func__ );
+      return;
+   }
+   for ( auto const & entry : entriesOf( *in_.fixedStatusDir ) ) {
+      auto const xs = statusOf( entry );
+      // A handshake within this one, or the end of the reactor, has had the last word.
+      if ( handshake != handshakes_ ) {
+         return;
+      }
+      if ( in_.fixedStatusDir->entry( xs->name() ) == entry ) {
+         publishedIs( fixedXcvrs_, xs->name(), true );
+         VEL_TRACE( trace, 8, note( "Adding fixed xcvr ", xs->name() ) );
+         allStatusDir_->xcvrStatusIs( xs );
+      }
+   }
+}
+
+void AllStatusDirSm::withdrawFixed( char const * operation ) {
+   uint64_t const handshake = handshakes_;
+   while ( !fixedXcvrs_.empty() && handshake == handshakes_ ) {
+      Vel::Name const name = fixedXcvrs_.begin()->first;
+      publishedIs( fixedXcvrs_, name, false );
+      if ( trace.passes( 8 ) ) {
+         trace.write( 8, __LINE__, operation, note( "Removing fixed xcvr ", name ) );
+      }
+      allStatusDir_->xcvrStatusDel( name );
+   }
+}
+
+void AllStatusDirSm::handleFixedStatusDir( Vel::Name const & name ) {
+   VEL_TRACE_SCOPE( trace );
+   auto const published = allStatusDir_->xcvrStatus( name );
+   if ( fixedXcvrs( name ) && !( in_.fixedStatusDir->entry( name ).get() == published.get() ) ) {
+      publishedIs( fixedXcvrs_, name, false );
+      VEL_TRACE( trace, 8, note( "Removing fixed xcvr ", name ) );
+      allStatusDir_->xcvrStatusDel( name );
+   }
+}
+
+Vel::Ptr<XcvrSliceStatus> AllStatusDirSm::agentStatusOf( Vel::String const & sliceId ) const {
+   return in_.agentStatusDir
+             ? Vel::dynamicPtr<XcvrSliceStatus>( in_.agentStatusDir->entry( sliceId ) )
+             : nullptr;
+}
+
+Vel::Ptr<Vel::Dir> AllStatusDirSm::statusDirOf( Vel::String const & sliceId ) const {
+   return in_.sliceStatusDir ? Vel::dynamicPtr<Vel::Dir>( in_.sliceStatusDir->entry( sliceId ) )
+                             : nullptr;
+}
+
+void AllStatusDirSm::handleNewSlice( Vel::String const & sliceId ) {
+   VEL_TRACE_SCOPE( trace );
+   auto const agentStatus = agentStatusOf( sliceId );
+   auto const statusDir = statusDirOf( sliceId );
+   if ( agentStatus && statusDir && !sliceStatusSm( sliceId ) ) {
+      sliceStatusSmIs( sliceId, agentStatus, statusDir );
+   }
+}
+
+void AllStatusDirSm::handleSlice( Vel::String const & sliceId ) {
+   VEL_TRACE_SCOPE( trace );
+   if ( auto const sm = sliceStatusSm( sliceId );
+        sm && !( sm->agentStatus() == agentStatusOf( sliceId ) &&
+                 sm->xcvrStatusDir() == statusDirOf( sliceId ) ) ) {
+      sliceStatusSmDel( sliceId );
+   }
+   handleNewSlice( sliceId );
+}
+
+void AllStatusDirSm::handleBaseConfigDir( Vel::Name const & name ) {
+   VEL_TRACE_SCOPE( trace );
+   if ( !( name == "slice" ) ) {
+      return;
+   }
+   Vel::Ptr<AllStatusDirSm> const self( this );
+   sliceConfigDirIs( in_.baseConfigDir
+                        ? Vel::dynamicPtr<Vel::Dir>( in_.baseConfigDir->entry( "slice" ) )
+                        : nullptr );
+   for ( auto const & entry : std::map( sliceStatusSm_ ) ) {
+      entry.second->handleAgentStatusGenId(); // of configuration that may be another one now
+   }
+   if ( in_.agentStatusDir ) {
+      for ( auto const & entry : entriesOf( *in_.agentStatusDir ) ) {
+         handleNewSlice( entry->name() );
+      }
+   }
+}
+
+void AllStatusDirSm::handleEntryState( Vel::String const & sliceId ) {
+   VEL_TRACE( trace, 8, note( "handleEntryState for ", sliceId ) );
+   if ( auto const sm = sliceStatusSm( sliceId ) ) {
+      sm->handleAgentStatusGenId();
+   }
+}
+
+void AllStatusDirSm::sliceConfigDirIs( Vel::Ptr<Vel::Dir> const & dir ) {
+   sliceConfigDir_ = dir;
+   observers_->sliceConfigDir.notifierIs( dir.get() );
+}
+
+Vel::Ptr<SliceStatusSm> AllStatusDirSm::sliceStatusSm( Vel::String const & sliceId ) const {
+   auto const found = sliceStatusSm_.find( sliceId );
+   return found != sliceStatusSm_.end() ? found->second : nullptr;
+}
+
+Vel::Ptr<SliceStatusSm>
+AllStatusDirSm::sliceStatusSmIs( Vel::String const & sliceId,
+                                 Vel::Ptr<XcvrSliceStatus> const & agentStatus,
+                                 Vel::Ptr<Vel::Dir> const & xcvrStatusDir ) {
+   auto & known = sliceStatusSm_[sliceId];
+   if ( !known ) {
+      known = new SliceStatusSm( *this, sliceId, agentStatus, xcvrStatusDir, allStatusDir_ );
+      Vel::Ptr<SliceStatusSm> const made = known;
+      made->handleInitialized(); // those who are told may delete it
+      return made;
+   }
+   return known;
+}
+
+void AllStatusDirSm::sliceStatusSmDel( Vel::String const & sliceId ) {
+   auto const found = sliceStatusSm_.find( sliceId );
+   if ( found != sliceStatusSm_.end() ) {
+      auto const gone = found->second;
+      sliceStatusSm_.erase( found );
+      gone->close();
+   }
+}
+
+void AllStatusDirSm::sliceStatusSmDelAll() {
+   while ( !sliceStatusSm_.empty() ) {
+      Vel::String const first = sliceStatusSm_.begin()->first;
+      sliceStatusSmDel( first );
+   }
+}
+
+void AllStatusDirSm::sliceStatusDirDel() {
+   observers_->sliceStatusDir.notifierIs( nullptr );
+   in_.sliceStatusDir = nullptr;
+   sliceStatusSmDelAll();
+}
+
+void AllStatusDirSm::agentStatusDirDel() {
+   observers_->agentStatusDir.notifierIs( nullptr );
+   in_.agentStatusDir = nullptr;
+   sliceStatusSmDelAll();
+}
+
+void AllStatusDirSm::baseConfigDirDel() {
+   observers_->baseConfigDir.notifierIs( nullptr );
+   in_.baseConfigDir = nullptr;
+   handleBaseConfigDir( "slice" );
+}
+
+void AllStatusDirSm::fixedStatusDirDel() {
+   observers_->fixedStatusDir.notifierIs( nullptr );
+   in_.fixedStatusDir = nullptr;
+   handleFixedStatusGenId();
+}
+
+void AllStatusDirSm::fixedConfigDirDel() {
+   observers_->fixedConfigDir.notifierIs( nullptr );
+   in_.fixedConfigDir = nullptr;
+   handleFixedStatusGenId();
+}
+
+void AllStatusDirSm::fixedAgentStatusDel() {
+   observers_->fixedAgentStatus.notifierIs( nullptr );
+   in_.fixedAgentStatus = nullptr;
+   handleFixedStatusGenId();
+}
+
+// ---------------------------------------------------------------------------------------------
+// The entry point
+
+XcvrAllStatusDirSingleton::XcvrAllStatusDirSingleton( Vel::Name name )
+   : Vel::Entity( std::move( name ) ) {}
+
+XcvrAllStatusDirSingleton::~XcvrAllStatusDirSingleton() {
+   if ( allStatusDirSm_ ) {
+      allStatusDirSm_->close();
+   }
+}
+
+Vel::Ptr<AllNewStatusDir> const & XcvrAllStatusDirSingleton::allStatusDir() const {
+   return allStatusDir_;
+}
+
+Vel::Ptr<AllNewStatusDir> XcvrAllStatusDirSingleton::allStatusDirIs( Vel::Name const & name ) {
+   if ( !allStatusDir_ ) {
+      allStatusDir_ = allNewStatusDirFactory( name );
+      velAdopt( *allStatusDir_, "allStatusDir", &allStatusDir_, Path::direct );
+   }
+   return allStatusDir_;
+}
+
+void XcvrAllStatusDirSingleton::doStartSm() {
+   VEL_TRACE_SCOPE( trace );
+   VEL_ASSERT( !allStatusDirSm() );
+   VEL_ASSERT( sliceStatusDir() );
+   VEL_ASSERT( fixedStatusDir() );
+   VEL_ASSERT( baseConfigDir() );
+   VEL_ASSERT( agentStatusDir() );
+   VEL_ASSERT( fixedConfigDir() );
+   VEL_ASSERT( fixedAgentStatus() );
+   allStatusDirSm_ = new AllStatusDirSm( { sliceStatusDir(), fixedStatusDir(), baseConfigDir(),
+                                           fixedConfigDir(), agentStatusDir(), fixedAgentStatus() },
+                                         allStatusDirIs( "xcvrAllStatusDir" ) );
+   Vel::Ptr<AllStatusDirSm> const started = allStatusDirSm_;
+   started->handleInitialized();
+   started->initializedIs( true );
+}
+
+#define INPUT_DEL( input )                                                                         \
+   void XcvrAllStatusDirSingleton::input##Del() {                                                  \
+      input##Is( nullptr );                                                                        \
+      if ( allStatusDirSm_ ) {                                                                     \
+         allStatusDirSm_->input##Del();                                                            \
+      }                                                                                            \
+   }
+INPUT_DEL( sliceStatusDir )
+INPUT_DEL( fixedStatusDir )
+INPUT_DEL( baseConfigDir )
+INPUT_DEL( fixedConfigDir )
+INPUT_DEL( agentStatusDir )
+INPUT_DEL( fixedAgentStatus )
+#undef INPUT_DEL
+
+} // namespace Xcvr

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <Statedb/Mount.h>
+#include <Vel/Dir.h>
+
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace Statedb {
+
+/// Follows the entity at a path below a directory: tells when it comes, goes, or becomes another one.
+class VEL_API PathWatch {
+ public:
+   PathWatch( Vel::Ptr<Vel::Dir> root, Vel::Name path, std::function<void()> then );
+   PathWatch( PathWatch const & ) = delete;
+   PathWatch & operator=( PathWatch const & ) = delete;
+   ~PathWatch();
+   [[nodiscard]] Vel::Ptr<Vel::Entity> const & entity() const { return entity_; }
+
+ private:
+   class Step;
+   void look();
+
+   Vel::Ptr<Vel::Dir> root_;
+   Vel::Name path_;
+   std::function<void()> then_;
+   Vel::Ptr<Vel::Entity> entity_;
+   std::vector<std::unique_ptr<Step>> steps_; // one a directory on the way
+};
+
+/// The state database of one process: a tree of directories, and the mounts of it.
+class VEL_API EntityManager {
+ public:
+   EntityManager();
+   ~EntityManager();
+   EntityManager( EntityManager const & ) = delete;
+   EntityManager & operator=( EntityManager const & ) = delete;
+
+   [[nodiscard]] Vel::Ptr<Vel::Dir> const & root() const { return root_; }
+   /// What is at a path; null when nothing is. The empty path is the root.
+   [[nodiscard]] Vel::Ptr<Vel::Entity> entity( Vel::Name const & path ) const;
+   /// Puts an entity at a path, whose last name must be the entity's own, and makes the directories
+   /// that lead there; false where something else is there or on the way.
+   bool entityIs( Vel::Name const & path, Vel::Ptr<Vel::Entity> const & entity );
+   /// Takes out what is at a path. The directories stay.
+   void entityDel( Vel::Name const & path );
+
+   /// Serves the mounts of a group from this tree, those that are there and those that come, while the
+   /// manager lives or until `mountGroupDel`.
+   void mountGroupIs( Vel::Ptr<MountGroup> const & group );
+   void mountGroupDel( Vel::Ptr<MountGroup> const & group );
+
+ private:
+   class Group;
+   class Served;
+   [[nodiscard]] bool writtenByAnother( Served const & mount ) const;
+
+   Vel::Ptr<Vel::Dir> root_;
+   std::vector<std::unique_ptr<Group>> groups_;
+};
+
+/// The last name of a path.
+[[nodiscard]] VEL_API Vel::Name lastName( Vel::Name const & path );
+/// Whether an entity is of a type or of one derived from it.
+[[nodiscard]] VEL_API bool isOfType( Vel::Entity const & entity, std::string_view typeName );
+
+} // namespace Statedb

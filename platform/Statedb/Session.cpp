@@ -1,0 +1,483 @@
+#include <Statedb/Session.h>
+#include <Vel/AttrTravel.h>
+#include <Vel/Define.h>
+
+#include <algorithm>
+
+// The stream is a sequence of frames: u32 length, u8 kind of message, and the rest of the length, which
+// for each kind is as follows. Fields are laid out as in an attribute log. A mount is known by the number
+// that its owner gave it, which goes up.
+//
+//    hello       u32 "SDB" and the version; the first message of each side
+//    mount       u32 number, text path, text type, u8 mode, and texts: the names that the filter lists
+//    unmount     u32 number
+//    state       u32 number, u32 state, text: the type of what is mounted
+//    image       u32 number: the whole image has been sent
+//    mountedLog  u32 number of the receiver's mount, log
+//    writtenLog  u32 number of the sender's mount, log
+namespace Statedb {
+
+namespace {
+
+constexpr uint32_t greeting = 0x53444201;
+constexpr std::size_t lengthSize = sizeof( uint32_t );
+constexpr std::size_t longestFrame = 64 * 1024 * 1024;
+constexpr std::size_t controlWaits = 64 * 1024;  // beyond it nothing more is read
+constexpr std::size_t controlMost = 1024 * 1024; // what an owner that reads all the same lets grow
+constexpr std::size_t mostMounts = 4096;
+constexpr std::ptrdiff_t deepestPath = 64;
+constexpr uint32_t ownLog = 0x80000000; // in the tag of an adaptor: of an own mount, for writing
+
+[[noreturn]] void refuse( std::string const & problem ) {
+   throw ProtocolException( "state database session: " + problem );
+}
+
+} // namespace
+
+ProtocolException::~ProtocolException() = default;
+
+// The peer's mounts
+
+/// A mount of the peer, served from this side's tree.
+class Session::Serving : public Mount::NotifieeConst {
+ public:
+   Serving( Session & session, uint32_t number, Vel::Ptr<Mount> const & mount )
+      : session_( session ), number_( number ), mount_( mount ),
+        group_( new MountGroup( "peer" ) ) {
+      made_ = mount->mode() == MountMode::write && !session_.manager_.entity( mount->name() );
+      group_->mountIs( mount );
+      session_.manager_.mountGroupIs( group_ );
+      notifierIs( mount );
+      update( true );
+   }
+   ~Serving() override {
+      notifierIs( nullptr );
+      adaptor_ = nullptr;
+      session_.manager_.mountGroupDel( group_ );
+      if ( made_ ) {
+         session_.manager_.entityDel( mount_->name() ); // it was there for this writer
+      }
+   }
+   void onState() override { update( true ); }
+   void onTarget() override { update( false ); }
+
+   void apply( std::string_view bytes ) {
+      Vel::Ptr<Vel::Entity> const target( mount_->target() );
+      if ( mount_->mode() != MountMode::write ) {
+         refuse( "a log for a mount that is not for writing" );
+      }
+      if ( target ) {
+         Vel::NboAttrLog log( bytes );
+         target->doHandleAttrDeserialization( log, in_ );
+      }
+   }
+   /// Once for each image.
+   [[nodiscard]] bool takeComplete() {
+      return adaptor_ && !std::exchange( imageTold_, imageTold_ || adaptor_->complete() ) &&
+             imageTold_;
+   }
+
+ private:
+   void update( bool stateChanged ) {
+      bool const mounted = mount_->state() == MountState::mounted;
+      Vel::Ptr<Vel::Entity> const target( mounted ? mount_->target() : nullptr );
+      if ( !stateChanged && ( target == served_ || !target ) ) {
+         return;
+      }
+      served_ = target.get();
+      adaptor_ = nullptr;
+      session_.message( Message::state, number_, mount_->state(),
+                        Vel::Name( target ? target->velModel().typeName : std::string_view() ) );
+      if ( target && mount_->mode() == MountMode::read ) {
+         imageTold_ = false;
+         adaptor_ =
+            Vel::NboAttrLogSa::attached( *target, session_.flow_, number_, mount_->filter().only );
+      }
+   }
+
+   Session & session_;
+   uint32_t number_;
+   Vel::Ptr<Mount> mount_;
+   Vel::Ptr<MountGroup> group_; // of this mount alone
+   bool made_;
+   Vel::Entity const * served_ = nullptr; // only to be compared with
+   Vel::Ptr<Vel::NboAttrLogSa> adaptor_;
+   bool imageTold_ = false;
+   Vel::FlowIn in_;
+};
+
+// The own mounts
+
+/// A mount of this side, which the peer serves.
+class Session::Mounted {
+ public:
+   Mounted( Session & session, uint32_t number, Vel::Ptr<Mount> const & served )
+      : mount( served ), session_( session ), number_( number ) {}
+   Mounted( Mounted const & ) = delete;
+   Mounted & operator=( Mounted const & ) = delete;
+   ~Mounted() { end( MountState::waiting ); }
+
+   void stateIs( MountState state, Vel::Name const & typeName ) {
+      end( state == MountState::mounted ? MountState::waiting : state );
+      if ( state != MountState::mounted ) {
+         return;
+      }
+      bool const writing = mount->mode() == MountMode::write;
+      entity_ = writing ? session_.manager_.entity( mount->name() ) : nullptr;
+      bool const there = static_cast<bool>( entity_ );
+      if ( !there ) {
+         entity_ = Vel::TypeRegistry::newEntity( typeName, lastName( mount->name() ) );
+      }
+      if ( !entity_ || !isOfType( *entity_, mount->typeName() ) ) {
+         end( entity_ ? MountState::wrongType : MountState::unknownType );
+      } else if ( writing && ( there || place() ) ) {
+         adaptor_ = Vel::NboAttrLogSa::attached( *entity_, session_.flow_, number_ | ownLog );
+         tell();
+      }
+   }
+   void apply( std::string_view bytes ) {
+      // A handler may end the mount.
+      if ( Vel::Ptr<Vel::Entity> const replica = adaptor_ ? nullptr : entity_ ) {
+         Vel::NboAttrLog log( bytes );
+         replica->doHandleAttrDeserialization( log, in_ );
+      }
+   }
+   void imageIs() {
+      if ( entity_ && !placed_ && !adaptor_ && place() ) {
+         tell();
+      }
+   }
+   void resolve() { in_.resolve(); }
+   [[nodiscard]] uint32_t number() const { return number_; }
+
+   Vel::Ptr<Mount> const mount;
+
+ private:
+   bool place() {
+      placed_ = session_.manager_.entityIs( mount->name(), entity_ );
+      if ( !placed_ ) {
+         end( MountState::taken );
+      }
+      return placed_;
+   }
+   void tell() {
+      auto const keep = mount;
+      auto const entity = entity_;
+      keep->targetIs( entity );
+      if ( entity_ == entity ) {
+         keep->stateIs( MountState::mounted );
+      }
+   }
+   /// What was mounted is no more: a replica goes from the tree.
+   void end( MountState state ) {
+      auto const entity = std::exchange( entity_, nullptr );
+      bool const replica = std::exchange( placed_, false ) && !adaptor_;
+      adaptor_ = nullptr;
+      mount->stateIs( state );
+      mount->targetIs( nullptr );
+      if ( replica && session_.manager_.entity( mount->name() ) == entity ) {
+         session_.manager_.entityDel( mount->name() );
+      }
+   }
+
+   Session & session_;
+   uint32_t number_;
+   Vel::Ptr<Vel::Entity> entity_; // the replica, or what is written
+   bool placed_ = false;          // in the tree, by this mount
+   Vel::Ptr<Vel::NboAttrLogSa> adaptor_;
+   Vel::FlowIn in_;
+};
+
+class Session::Group : public MountGroup::NotifieeConst {
+ public:
+   Group( Session & session, Vel::Ptr<MountGroup> const & group )
+      : session_( session ), group_( group ) {
+      notifierIs( group.get() );
+      for ( auto const & entry :
+            std::vector( group->mountMap().begin(), group->mountMap().end() ) ) {
+         onMount( entry.first );
+      }
+   }
+   void onMount( Vel::Name const & path ) override {
+      Vel::Ptr<Mount> const mount = group_->mount( path );
+      auto & known = mounts_[path];
+      auto const before = std::exchange( known, mount );
+      if ( before && !( before == mount ) ) {
+         session_.ownMountDel( before.get() );
+      }
+      if ( mount && !( before == mount ) ) {
+         session_.ownMountIs( mount );
+      }
+   }
+
+ private:
+   Session & session_;
+   Vel::Ptr<MountGroup> group_;
+   std::map<Vel::Name, Vel::Ptr<Mount>> mounts_;
+};
+
+void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
+   if ( mount->name().empty() ) {
+      mount->stateIs( MountState::taken ); // by this side's own root
+      return;
+   }
+   uint32_t const number = ++lastNumber_;
+   mounted_.emplace( number, std::make_shared<Mounted>( *this, number, mount ) );
+   message( Message::mount, number, mount->name(), mount->typeName(),
+            static_cast<uint8_t>( mount->mode() ), mount->filter().only );
+}
+
+void Session::ownMountDel( Mount const * mount ) {
+   auto const found = std::find_if( mounted_.begin(), mounted_.end(), [&]( auto const & entry ) {
+      return entry.second->mount == mount;
+   } );
+   if ( found != mounted_.end() ) {
+      message( Message::unmount, found->first );
+      auto const ended = std::move( found->second );
+      mounted_.erase( found );
+   }
+}
+
+void Session::mountGroupIs( Vel::Ptr<MountGroup> const & group ) {
+   groups_.push_back( std::make_unique<Group>( *this, group ) );
+}
+
+Session::Session( EntityManager & manager, PeerMayWrite mayWrite )
+   : manager_( manager ), mayWrite_( mayWrite ), flow_( new Vel::FlowOut ) {
+   message( Message::hello, greeting );
+}
+
+Session::~Session() {
+   groups_.clear();
+   while ( !mounted_.empty() ) {
+      auto const ended = std::move( mounted_.begin()->second );
+      mounted_.erase( mounted_.begin() );
+   }
+   serving_.clear();
+}
+
+std::shared_ptr<Session::Mounted> Session::mountedOf( uint32_t number ) const {
+   if ( number == 0 || number > lastNumber_ ) {
+      refuse( "a message for mount " + std::to_string( number ) + ", which there never was" );
+   }
+   auto const found = mounted_.find( number );
+   return found != mounted_.end() ? found->second : nullptr;
+}
+
+std::shared_ptr<Session::Serving> Session::servingOf( uint32_t number ) const {
+   if ( number == 0 || number > lastPeerNumber_ ) {
+      refuse( "a message for mount " + std::to_string( number ) + ", which there never was" );
+   }
+   auto const found = serving_.find( number );
+   return found != serving_.end() ? found->second : nullptr;
+}
+
+// Bytes out
+
+namespace {
+
+void writeField( Vel::NboAttrLog & log, std::vector<Vel::Name> const & names ) {
+   for ( Vel::Name const & name : names ) {
+      log.write( name );
+   }
+}
+template <typename T>
+void writeField( Vel::NboAttrLog & log, T const & field ) {
+   log.write( field );
+}
+void writeField( Vel::NboAttrLog & log, std::string_view bytes ) {
+   if ( !bytes.empty() ) {
+      std::memcpy( log.append( bytes.size() ), bytes.data(), bytes.size() );
+   }
+}
+
+/// Appends a message to what is to be sent.
+template <typename... Fields>
+void appendFrame( std::string & to, uint8_t kind, Fields const &... fields ) {
+   Vel::NboAttrLog log;
+   log.write( uint32_t( 0 ) );
+   log.write( kind );
+   ( writeField( log, fields ), ... );
+   log.numberIs( 0, static_cast<uint32_t>( log.bytes().size() - lengthSize ) );
+   to += log.bytes();
+}
+
+} // namespace
+
+template <typename... Fields>
+void Session::message( Message kind, Fields const &... fields ) {
+   appendFrame( control_, static_cast<uint8_t>( kind ), fields... );
+}
+
+bool Session::wantsToReceive() const {
+   return !over_ && control_.size() < controlWaits;
+}
+
+bool Session::wantsToSend() const {
+   return !over_ && ( sent_ < out_.size() || !control_.empty() || flow_->pending() );
+}
+
+std::size_t Session::waitingBytes() const {
+   return out_.size() - sent_ + control_.size() + flow_->waitingBytes();
+}
+
+std::string_view Session::toSend( std::size_t most ) {
+   while ( sent_ == out_.size() && wantsToSend() ) {
+      makeFrame();
+   }
+   return over_ ? std::string_view() : std::string_view( out_ ).substr( sent_, most );
+}
+
+void Session::sent( std::size_t count ) {
+   sent_ = std::min( sent_ + count, out_.size() );
+}
+
+void Session::makeFrame() {
+   sent_ = 0;
+   out_.clear();
+   if ( out_.capacity() > 1024 * 1024 ) {
+      out_.shrink_to_fit();
+   }
+   if ( !control_.empty() ) {
+      std::swap( out_, control_ );
+      return;
+   }
+   std::string_view const piece = flow_->piece();
+   if ( !piece.empty() ) {
+      bool const own = flow_->tag() & ownLog;
+      appendFrame( out_, static_cast<uint8_t>( own ? Message::writtenLog : Message::mountedLog ),
+                   flow_->tag() & ~ownLog, piece );
+   }
+   for ( auto const & [number, serving] : serving_ ) {
+      if ( serving->takeComplete() ) {
+         message( Message::image, number );
+      }
+   }
+}
+
+// Bytes in
+
+void Session::receive( std::string_view bytes ) {
+   if ( over_ ) {
+      refuse( "over since an earlier problem" );
+   }
+   in_ += bytes;
+   std::size_t at = 0;
+   try {
+      while ( in_.size() - at >= lengthSize ) {
+         Vel::NboAttrLog head( std::string_view( in_ ).substr( at, lengthSize ) );
+         std::size_t const length = head.read<uint32_t>();
+         if ( length == 0 || length > longestFrame ) {
+            refuse( "a message of " + std::to_string( length ) + " bytes" );
+         }
+         if ( in_.size() - at - lengthSize < length ) {
+            break;
+         }
+         std::string const frame = in_.substr( at + lengthSize, length );
+         at += lengthSize + length;
+         take( frame );
+         if ( control_.size() > controlMost ) {
+            refuse( "more questions than answers are taken" );
+         }
+      }
+   } catch ( Vel::AttrLogException const & problem ) {
+      over_ = true;
+      refuse( problem.what() );
+   } catch ( ProtocolException const & ) {
+      over_ = true;
+      throw;
+   }
+   in_.erase( 0, at );
+}
+
+void Session::take( std::string_view frame ) {
+   auto const kind = static_cast<Message>( frame[0] );
+   Vel::NboAttrLog body( frame.substr( 1 ) );
+   if ( !greeted_ ) {
+      if ( kind != Message::hello || body.read<uint32_t>() != greeting ) {
+         refuse( "the peer speaks something else" );
+      }
+      greeted_ = true;
+      return;
+   }
+   switch ( kind ) {
+   case Message::mount:
+      return takeMount( body );
+   case Message::unmount: {
+      uint32_t const number = body.read<uint32_t>();
+      auto const ended = servingOf( number );
+      serving_.erase( number );
+      return;
+   }
+   case Message::state:
+      return takeState( body );
+   case Message::image:
+      if ( auto const mounted = mountedOf( body.read<uint32_t>() ) ) {
+         mounted->imageIs();
+         // What it holds may be what others have waited for.
+         for ( auto const & other : std::map( mounted_ ) ) {
+            other.second->resolve();
+         }
+      }
+      return;
+   case Message::mountedLog:
+   case Message::writtenLog: {
+      uint32_t const number = body.read<uint32_t>();
+      return takeLog( kind, number, body.bytes().substr( body.position() ) );
+   }
+   default:
+      refuse( "a message of unknown kind " + std::to_string( frame[0] ) );
+   }
+}
+
+void Session::takeMount( Vel::NboAttrLog & body ) {
+   uint32_t const number = body.read<uint32_t>();
+   auto const path = body.read<Vel::Name>();
+   auto const typeName = body.read<Vel::Name>();
+   uint8_t const mode = body.read<uint8_t>();
+   MountFilter filter;
+   while ( body.position() < body.bytes().size() ) {
+      filter.only.push_back( body.read<Vel::Name>() );
+   }
+   if ( number <= lastPeerNumber_ || number >= ownLog ) {
+      refuse( "mount " + std::to_string( number ) + " once more" );
+   }
+   if ( mode > static_cast<uint8_t>( MountMode::write ) ) {
+      refuse( "a mode that is none" );
+   }
+   if ( serving_.size() == mostMounts ) {
+      refuse( "too many mounts" );
+   }
+   if ( std::count( path.begin(), path.end(), '/' ) >= deepestPath ) {
+      refuse( "a path of more than 64 names" );
+   }
+   lastPeerNumber_ = number;
+   if ( static_cast<MountMode>( mode ) == MountMode::write && mayWrite_ == PeerMayWrite::no ) {
+      message( Message::state, number, MountState::refused, Vel::Name() );
+      return;
+   }
+   Vel::Ptr<Mount> const mount(
+      new Mount( path, typeName, std::move( filter ), static_cast<MountMode>( mode ) ) );
+   serving_.emplace( number, std::make_shared<Serving>( *this, number, mount ) );
+}
+
+void Session::takeState( Vel::NboAttrLog & body ) {
+   auto const mounted = mountedOf( body.read<uint32_t>() );
+   auto const state = body.read<MountState>();
+   auto const typeName = body.read<Vel::Name>();
+   if ( mounted ) {
+      mounted->stateIs( state, typeName );
+   }
+}
+
+void Session::takeLog( Message kind, uint32_t number, std::string_view log ) {
+   if ( kind == Message::mountedLog ) {
+      if ( auto const mounted = mountedOf( number ) ) {
+         mounted->apply( log );
+      }
+   } else if ( auto const serving = servingOf( number ) ) {
+      serving->apply( log );
+   }
+}
+
+} // namespace Statedb

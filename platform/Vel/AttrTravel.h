@@ -1,0 +1,411 @@
+#pragma once
+
+#include <Vel/AttrLogCodec.h>
+#include <Vel/Entity.h>
+#include <Vel/Flow.h>
+
+#include <vector>
+
+/// How an attribute of each kind is copied to a replica, as docs/attribute-log.md lays it out. Included
+/// by the .cpp files that define model types.
+namespace Vel {
+
+/// The operations of one attribute, which its row of the attribute table points to. A key is handed
+/// around as the bytes that it takes in the log.
+struct AttrTravel {
+   bool owned; // it holds children
+   bool keyed; // it is a collection, or a single child
+
+   /// Of what has no keys: appends a whole record, and takes the body of one.
+   void ( *write )( Entity const & entity, uint16_t id, NboAttrLog & log );
+   /// Takes the body of a record and applies it; throws, with nothing applied, when it is corrupt.
+   void ( *apply )( Entity & entity, Internal::LogCursor body, FlowIn & flow );
+   /// Of a collection: appends key and value of an entry, if it is there; of all.
+   bool ( *writeEntry )( Entity const & entity, String const & key, NboAttrLog & log );
+   void ( *writeAll )( Entity const & entity, NboAttrLog & log );
+   /// Of an owned one: the child of that key, or null; a child of a replica, whose key is taken from the
+   /// log; the keys of all.
+   Entity const * ( *child )( Entity const & entity, String const & key );
+   Entity * ( *childAt )( Entity & entity, Internal::LogCursor & in );
+   std::vector<String> ( *keys )( Entity const & entity );
+   /// Of a pointer or reference: sets it to what a name has led to; false when that does not fit.
+   bool ( *settle )( Entity & entity, String const & key, Ptr<Entity> const & target );
+};
+
+namespace Internal {
+
+/// What the record of a collection says of the keys that it lists.
+enum class EntryOp : uint8_t { set, gone, all };
+
+constexpr bool owning( AttrKind kind ) {
+   return kind == AttrKind::children || kind == AttrKind::orderedChildren ||
+          kind == AttrKind::instances || kind == AttrKind::entries || kind == AttrKind::child;
+}
+
+template <typename K>
+String keyBytes( K const & key ) {
+   std::size_t const size = encodedSize( key );
+   uint8_t bytes[64];
+   if ( size <= sizeof bytes ) {
+      encode( bytes, key );
+      return { reinterpret_cast<char const *>( bytes ), size };
+   }
+   std::unique_ptr<uint8_t[]> const more( new uint8_t[size] );
+   encode( more.get(), key );
+   return { reinterpret_cast<char const *>( more.get() ), size };
+}
+template <typename K>
+K keyOfBytes( String const & bytes ) {
+   auto const * at = reinterpret_cast<uint8_t const *>( bytes.data() );
+   return LogCursor{ at, at, bytes.size() }.next<K>();
+}
+
+inline void finish( LogCursor const & body ) {
+   if ( body.spare != 0 ) [[unlikely]] {
+      LogCursor::fail( body, "more bytes than the value has" );
+   }
+}
+
+/// The head of a record whose body follows, and, once it has, its length.
+std::size_t VEL_API beginRecord( NboAttrLog & log, uint16_t id );
+void VEL_API endRecord( NboAttrLog & log, std::size_t begin );
+/// The entity's name, counted from the top of the tree, which it has to share with the holder of the
+/// pointer; false when it does not, and so has no name that could travel.
+bool VEL_API pathOf( Entity const & target, Entity const & holder, Name & path );
+
+/// The attribute of one row. `Get`, `Set` and `Del` are its captureless accessors.
+template <typename T, AttrKind attrKind, typename Key, typename Type, typename Get, typename Set,
+          typename Del>
+struct Travel {
+   static constexpr AttrKind kind = attrKind;
+   static constexpr bool single = std::is_void_v<Key>;
+   static constexpr bool pointing = kind == AttrKind::pointers || kind == AttrKind::reference;
+   using Held = std::remove_cvref_t<decltype( Get{}( std::declval<T const &>() ) )>;
+
+   static T & self( Entity & entity ) { return static_cast<T &>( entity ); }
+   static T const & self( Entity const & entity ) { return static_cast<T const &>( entity ); }
+   static decltype( auto ) held( Entity const & entity ) { return Get{}( self( entity ) ); }
+
+   // What has no keys.
+
+   static void write( Entity const & entity, uint16_t id, NboAttrLog & log ) {
+      if constexpr ( kind == AttrKind::reference ) {
+         std::size_t const begin = beginRecord( log, id );
+         Entity const * target = held( entity );
+         Name path;
+         bool const there = target && pathOf( *target, entity, path );
+         log.write( there );
+         if ( there ) {
+            log.write( path );
+         }
+         endRecord( log, begin );
+      } else {
+         Type const & value = held( entity );
+         std::size_t const size = encodedSize( value );
+         uint8_t * to = log.append( sizeof id + sizeof( uint32_t ) + size );
+         to = encode( to, id );
+         to = encode( to, static_cast<uint32_t>( size ) );
+         encode( to, value );
+      }
+   }
+   static void applySingle( Entity & entity, LogCursor body, FlowIn & flow ) {
+      if constexpr ( kind == AttrKind::reference ) {
+         bool const there = body.next<bool>();
+         Name const path = there ? body.next<Name>() : Name();
+         finish( body );
+         flow.dropWaiting( entity, row(), Name() );
+         if ( !there || !flow.point( entity, row(), Name(), path ) ) {
+            Set{}( self( entity ), nullptr );
+         }
+      } else {
+         Type const value = body.next<Type>();
+         finish( body );
+         Set{}( self( entity ), value );
+      }
+   }
+
+   // Collections. The value that follows a key: of children none, of entries their type's name, of
+   // pointers the path of what they point to.
+
+   using EntryValue =
+      std::conditional_t<kind == AttrKind::entries || kind == AttrKind::pointers, Name, Type>;
+   static constexpr bool valued = !owning( kind ) || kind == AttrKind::entries;
+
+   template <typename K, typename V>
+   static bool appendEntry( [[maybe_unused]] Entity const & entity, K const & key, V const & value,
+                            NboAttrLog & log ) {
+      if constexpr ( kind == AttrKind::pointers ) {
+         Name path;
+         if ( !pathOf( *value, entity, path ) ) {
+            return false;
+         }
+         log.write( key );
+         log.write( path );
+      } else {
+         log.write( key );
+         if constexpr ( kind == AttrKind::entries ) {
+            log.write( Name( value->velModel().typeName ) );
+         } else if constexpr ( valued ) {
+            log.write( value );
+         }
+      }
+      return true;
+   }
+   static bool writeEntry( Entity const & entity, String const & keyInBytes, NboAttrLog & log ) {
+      if constexpr ( kind == AttrKind::child ) {
+         return held( entity ).get() != nullptr;
+      } else {
+         Key const key = keyOfBytes<Key>( keyInBytes );
+         Held const & map = held( entity );
+         if constexpr ( requires { map.at( key ), map.contains( key ); } ) {
+            return map.contains( key ) && appendEntry( entity, key, map.at( key ), log );
+         } else {
+            auto const found = map.find( key );
+            return found != map.end() && appendEntry( entity, key, found->second, log );
+         }
+      }
+   }
+   static void writeAll( Entity const & entity, NboAttrLog & log ) {
+      for ( auto const & entry : held( entity ) ) {
+         appendEntry( entity, entry.first, entry.second, log );
+      }
+   }
+   static Entity const * child( Entity const & entity, String const & keyInBytes ) {
+      if constexpr ( kind == AttrKind::child ) {
+         return held( entity ).get();
+      } else {
+         return childOf( entity, keyOfBytes<Key>( keyInBytes ) );
+      }
+   }
+   static Entity * childAt( Entity & entity, LogCursor & in ) {
+      if constexpr ( kind == AttrKind::child ) {
+         return const_cast<Type *>( held( entity ).get() );
+      } else {
+         return const_cast<Type *>( childOf( entity, in.next<Key>() ) );
+      }
+   }
+   template <typename K>
+   static Type const * childOf( Entity const & entity, K const & key ) {
+      auto const & map = held( entity );
+      auto const found = map.find( key );
+      return found != map.end() ? found->second.get() : nullptr;
+   }
+   static std::vector<String> keys( Entity const & entity ) {
+      std::vector<String> all;
+      if constexpr ( kind == AttrKind::child ) {
+         if ( held( entity ).get() ) {
+            all.push_back( String() );
+         }
+      } else {
+         for ( auto const & entry : held( entity ) ) {
+            all.push_back( keyBytes( entry.first ) );
+         }
+      }
+      return all;
+   }
+
+   static EntryOp takeOp( LogCursor & body ) {
+      LogCursor const atOp = body;
+      uint8_t const op = body.next<uint8_t>();
+      if ( op > static_cast<uint8_t>( EntryOp::all ) ) {
+         LogCursor::fail( atOp, "no such operation on a collection" );
+      }
+      return static_cast<EntryOp>( op );
+   }
+   static void applyChild( Entity & entity, LogCursor body, FlowIn & flow ) {
+      EntryOp const op = takeOp( body );
+      finish( body );
+      if ( op == EntryOp::gone ) {
+         Del{}( self( entity ) );
+      } else {
+         Set{}( self( entity ) );
+         flow.madeIs();
+      }
+   }
+   static void applyEntries( Entity & entity, LogCursor body, FlowIn & flow ) {
+      EntryOp const op = takeOp( body );
+      check( op, body ); // first, so that a corrupt record changes nothing
+      if ( op == EntryOp::all ) {
+         keepOnly( entity, body );
+      }
+      while ( body.spare != 0 ) {
+         Key const key = body.next<Key>();
+         if constexpr ( pointing ) {
+            flow.dropWaiting( entity, row(), key );
+         }
+         if ( op == EntryOp::gone ) {
+            Del{}( self( entity ), key );
+         } else if constexpr ( valued ) {
+            setEntry( entity, key, body.next<EntryValue>(), flow );
+         } else {
+            Set{}( self( entity ), key );
+            flow.madeIs();
+         }
+      }
+   }
+   static void check( EntryOp op, LogCursor body ) {
+      while ( body.spare != 0 ) {
+         [[maybe_unused]] LogCursor const atKey = body;
+         [[maybe_unused]] Key const key = body.next<Key>();
+         if constexpr ( requires { Held::hasPlace( key ); } ) {
+            if ( !Held::hasPlace( key ) ) {
+               LogCursor::fail( atKey, "a key that has no place" );
+            }
+         }
+         if constexpr ( valued ) {
+            if ( op != EntryOp::gone ) {
+               [[maybe_unused]] LogCursor const atValue = body;
+               [[maybe_unused]] EntryValue const value = body.next<EntryValue>();
+               if constexpr ( requires { Held::hasRoomFor( value ); } ) {
+                  if ( !Held::hasRoomFor( value ) ) {
+                     LogCursor::fail( atValue, "a number out of range" );
+                  }
+               }
+            }
+         }
+      }
+   }
+   /// Deletes every entry whose key the body does not list.
+   static void keepOnly( Entity & entity, LogCursor body ) {
+      HashMap<String, bool> listed;
+      while ( body.spare != 0 ) {
+         String const key = keyBytes( body.next<Key>() );
+         if constexpr ( valued ) {
+            static_cast<void>( body.next<EntryValue>() );
+         }
+         if ( listed.find( key ) == listed.end() ) {
+            listed.emplace( key, true );
+         }
+      }
+      std::vector<Key> left;
+      for ( auto const & entry : std::as_const( held( entity ) ) ) {
+         if ( listed.find( keyBytes( entry.first ) ) == listed.end() ) {
+            left.push_back( entry.first );
+         }
+      }
+      for ( Key const & key : left ) {
+         Del{}( self( entity ), key );
+      }
+   }
+   template <typename K, typename V>
+   static void setEntry( Entity & entity, K const & key, V const & value,
+                         [[maybe_unused]] FlowIn & flow ) {
+      if constexpr ( kind == AttrKind::entries ) {
+         Type const * const there = childOf( entity, key );
+         if ( there && there->velModel().typeName == value ) {
+            return;
+         }
+         // What cannot be made here, or does not fit, is left out with all below it.
+         Ptr<Type> const made = dynamicPtr<Type>( flow.newEntity( value, key ) );
+         if ( made ) {
+            Set{}( self( entity ), made );
+            flow.madeIs();
+         } else {
+            Del{}( self( entity ), key );
+         }
+      } else if constexpr ( kind == AttrKind::pointers ) {
+         if ( !flow.point( entity, row(), key, value ) ) {
+            Del{}( self( entity ), key );
+         }
+      } else if constexpr ( requires { Set{}( self( entity ), key, value ); } ) {
+         Set{}( self( entity ), key, value );
+      } else {
+         Set{}( self( entity ), value ); // it carries its key
+      }
+   }
+
+   // What points to entities that live elsewhere.
+
+   static bool settle( Entity & entity, [[maybe_unused]] String const & key,
+                       Ptr<Entity> const & target ) {
+      Ptr<Type> const fitting( dynamic_cast<Type *>( target.get() ) );
+      if constexpr ( kind == AttrKind::pointers ) {
+         if ( !fitting || !( fitting->name() == key ) ) {
+            return false;
+         }
+      }
+      if ( fitting ) {
+         Set{}( self( entity ), fitting );
+      }
+      return static_cast<bool>( fitting );
+   }
+
+   static AttrTravel const & row();
+
+   static constexpr AttrTravel operations() {
+      AttrTravel ops{};
+      ops.owned = owning( kind );
+      ops.keyed = !single || kind == AttrKind::child;
+      if constexpr ( kind == AttrKind::child ) {
+         ops.apply = applyChild;
+      } else if constexpr ( single ) {
+         ops.write = write;
+         ops.apply = applySingle;
+      } else {
+         ops.apply = applyEntries;
+         ops.writeAll = writeAll;
+      }
+      if constexpr ( !single || kind == AttrKind::child ) {
+         ops.writeEntry = writeEntry;
+      }
+      if constexpr ( owning( kind ) ) {
+         ops.child = child;
+         ops.childAt = childAt;
+         ops.keys = keys;
+      }
+      if constexpr ( pointing ) {
+         ops.settle = settle;
+      }
+      return ops;
+   }
+};
+
+template <typename Row>
+inline constexpr AttrTravel attrTravel = Row::operations();
+
+template <typename T, AttrKind attrKind, typename Key, typename Type, typename Get, typename Set,
+          typename Del>
+AttrTravel const & Travel<T, attrKind, Key, Type, Get, Set, Del>::row() {
+   return attrTravel<Travel>;
+}
+
+/// What an adaptor's observer calls for each change; `Handlers` are those of the entity's type.
+template <typename Handlers>
+class Marker : public Handlers {
+ public:
+   NboAttrLogSa * velSa = nullptr;
+
+ protected:
+   void velMark( uint16_t attribute ) { velSa->mark( attribute ); }
+   void velMarkChild( uint16_t attribute ) { velSa->markKey( attribute, String() ); }
+   template <typename K>
+   void velMarkKey( uint16_t attribute, K const & key ) {
+      velSa->markKey( attribute, keyBytes( key ) );
+   }
+};
+
+/// The adaptor for entities of type T.
+template <typename T>
+class TypedSa final : public NboAttrLogSa {
+   static_assert( T::velAttrEnd <= 256, "an entity has at most 256 attributes" );
+
+ public:
+   TypedSa( T const & entity, FlowOut & flow ) : NboAttrLogSa( flow, T::velTypeModel(), order_ ) {
+      observer_.velSa = this;
+      observer_.notifierIs( &entity );
+   }
+   [[nodiscard]] Entity const * entity() const override { return observer_.notifier(); }
+
+ private:
+   Order order_[T::velAttrEnd] = {};
+   typename T::template VelMarks<Marker<typename T::NotifieeConst>> observer_;
+};
+
+template <typename T>
+Ptr<NboAttrLogSa> newAdaptor( Entity const & entity, FlowOut & flow ) {
+   return Ptr<NboAttrLogSa>( new TypedSa<T>( static_cast<T const &>( entity ), flow ) );
+}
+
+} // namespace Internal
+
+} // namespace Vel

@@ -1,0 +1,223 @@
+#pragma once
+
+#include <Vel/AttrLog.h>
+#include <Vel/HashMap.h>
+#include <Vel/Ptr.h>
+#include <Vel/String.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+// Copies of entities in other processes, kept up to date by attribute logs.
+//
+//    auto const flow = Vel::Ptr<Vel::FlowOut>( new Vel::FlowOut );
+//    auto const adaptor = Slot::velNboAttrLogSaIs( slot, flow );
+//    while ( flow->pending() ) {
+//       send( flow->piece() );
+//    }
+//
+// and where a piece arrives, whole:
+//
+//    Vel::NboAttrLog log( piece );
+//    replica->doHandleAttrDeserialization( log );
+//
+// docs/attribute-log.md has the layout of a log.
+namespace Vel {
+
+class Entity;
+class NboAttrLogSa;
+struct AttrInfo;
+struct AttrTravel;
+struct EntityModel;
+
+namespace Internal {
+
+/// A queue through the adaptors, each of which is in it at most once.
+class SaQueue {
+ public:
+   struct Link {
+      NboAttrLogSa * next = nullptr;
+      NboAttrLogSa * previous = nullptr;
+      bool queued = false;
+   };
+   explicit SaQueue( Link NboAttrLogSa::*link ) : link_( link ) {}
+   void add( NboAttrLogSa & sa );
+   void remove( NboAttrLogSa & sa );
+   [[nodiscard]] NboAttrLogSa * first() const { return first_; }
+   [[nodiscard]] NboAttrLogSa * last() const { return last_; }
+   [[nodiscard]] std::size_t size() const { return size_; }
+
+ private:
+   Link NboAttrLogSa::*link_;
+   NboAttrLogSa * first_ = nullptr;
+   NboAttrLogSa * last_ = nullptr;
+   std::size_t size_ = 0;
+};
+
+} // namespace Internal
+
+/// What adaptors have to tell another process, in pieces that are made when they are asked for. Until
+/// then only *what* has changed is kept: a burst of writes to one attribute costs one record, and a
+/// slow reader no more memory than marks. Held by `Ptr`.
+///
+/// Pieces come in this order: children that come and go, before everything else; then entities in
+/// the order in which they were last written, and of each its attributes in that order. So whoever
+/// sees a value, sees the children that were there when it was written.
+class VEL_API FlowOut : public PtrInterface {
+ public:
+   /// Marks of single entries of collections may take up to `bound` bytes. Beyond it they are all
+   /// dropped for a fresh full image of everything, for which no marks are kept.
+   explicit FlowOut( std::size_t bound = 1 << 20 );
+   ~FlowOut() override;
+
+   /// Whether there is anything to hand out.
+   [[nodiscard]] bool pending() const { return structure_.first() || values_.first(); }
+   /// The next piece: a whole log of one adaptor. Valid until the next call; empty when there is none.
+   /// It ends with the entity with which it reaches `most` bytes.
+   [[nodiscard]] std::string_view piece( std::size_t most = 16 * 1024 );
+   /// The tag of the adaptor whose log the last piece was.
+   [[nodiscard]] uint32_t tag() const { return tag_; }
+   /// How many entities wait for their turn, and how many bytes the marks of single entries take.
+   [[nodiscard]] std::size_t waitingEntities() const { return values_.size() + structure_.size(); }
+   [[nodiscard]] std::size_t waitingBytes() const { return markBytes_; }
+
+ private:
+   friend class NboAttrLogSa;
+
+   std::size_t bound_;
+   std::size_t markBytes_ = 0;
+   uint32_t tag_ = 0;
+   Internal::SaQueue structure_;
+   Internal::SaQueue values_;
+   std::vector<NboAttrLogSa *> roots_;
+   std::unique_ptr<NboAttrLog> log_;
+};
+
+/// Watches an entity, and through adaptors of their own all that it owns, for a FlowOut. Ends with its
+/// last pointer; the entity may go before it. `T::velNboAttrLogSaIs` makes one for any entity.
+class VEL_API NboAttrLogSa : public PtrInterface {
+ public:
+   /// Limits an adaptor to those children of its entity, by name, that are listed; none listed is all.
+   using Only = std::vector<Name>;
+   [[nodiscard]] static Ptr<NboAttrLogSa>
+   attached( Entity const & entity, Ptr<FlowOut> const & flow, uint32_t tag, Only only = {} );
+   ~NboAttrLogSa() override;
+
+   /// The entity that it watches; null once that is gone.
+   [[nodiscard]] virtual Entity const * entity() const = 0;
+   /// Sends everything anew: what repairs a replica whose logs were lost or corrupt. What no longer
+   /// exists goes from the replica.
+   void imageIs();
+   /// Whether every image that was due has been handed out.
+   [[nodiscard]] bool complete() const;
+
+   // For the observers of adaptors.
+   void mark( uint16_t attribute ) {
+      if ( order_[0].previous != attribute || flow_.values_.last() != this ) {
+         markLate( static_cast<uint8_t>( attribute ) );
+      }
+   }
+   void markKey( uint16_t attribute, String const & key );
+
+ protected:
+   /// The attributes written, in the order of their last writes, as a ring: next and previous by
+   /// number, with number 0 (`name`, which is never written) for its beginning. All 0 when empty.
+   struct Order {
+      uint8_t next;
+      uint8_t previous;
+   };
+   NboAttrLogSa( FlowOut & flow, EntityModel const & model, Order * order );
+
+ private:
+   friend class FlowOut;
+   friend class Internal::SaQueue;
+   struct Row {
+      uint16_t id; // in the log
+      AttrInfo const * info;
+      [[nodiscard]] AttrTravel const & travel() const;
+   };
+   using Keys = HashMap<String, bool>; // true for a child that is not the one it was
+   struct MarkedKeys {
+      uint16_t attribute;
+      Keys keys;
+   };
+   struct Collections {
+      std::vector<MarkedKeys> marked;
+      HashMap<String, Ptr<NboAttrLogSa>> children; // by their step
+   };
+   struct Root {
+      Ptr<FlowOut> flow;
+      uint32_t tag;
+      Only only;
+      std::size_t imagesDue = 0; // of entities of the whole tree
+   };
+
+   void start();
+   void markLate( uint8_t attribute );
+   void imageDue();
+   [[nodiscard]] uint16_t attributeEnd() const;
+   [[nodiscard]] Row row( uint16_t attribute ) const;
+   [[nodiscard]] Root & root() const;
+   [[nodiscard]] bool passes( Row const & row, String const & key ) const;
+   bool childIs( Row const & row, String const & key );
+   [[nodiscard]] Collections & collections();
+   [[nodiscard]] Keys & markedKeys( uint16_t attribute );
+   void dropMarks();
+   void dropKeys();
+   void writePath( NboAttrLog & log ) const;
+   void writeStructure( NboAttrLog & log );
+   void writeValues( NboAttrLog & log );
+   void writeKeys( Entity const & entity, Row const & row, Keys const & keys,
+                   NboAttrLog & log ) const;
+   void writeWhole( Entity const & entity, Row const & row, NboAttrLog & log ) const;
+   [[nodiscard]] Keys takeKeys( uint16_t attribute );
+
+   FlowOut & flow_;
+   EntityModel const & model_;
+   Order * order_;
+   NboAttrLogSa * parent_ = nullptr;
+   String step_; // that leads from the parent's entity to this one, as in the log
+   Internal::SaQueue::Link structureLink_;
+   Internal::SaQueue::Link valuesLink_;
+   bool owning_ = false; // the type can have children
+   bool structureDue_ = false;
+   bool imageDue_ = false;
+   std::unique_ptr<Root> root_; // of an adaptor without a parent
+   std::unique_ptr<Collections> collections_;
+};
+
+/// The receiving side of one flow: what logs leave behind for later ones.
+class VEL_API FlowIn {
+ public:
+   FlowIn();
+   ~FlowIn();
+   FlowIn( FlowIn const & ) = delete;
+   FlowIn & operator=( FlowIn const & ) = delete;
+
+   /// Applies a log, as `Entity::doHandleAttrDeserialization` says. The log then stands behind the
+   /// last record that was applied.
+   void apply( Entity & replica, NboAttrLog & log );
+   /// Pointers and references come as names, that count from the top of the tree. What has no such
+   /// entity yet, or one of a wrong type, waits for it: `resolve` looks again.
+   void resolve();
+   [[nodiscard]] std::size_t unresolved() const { return waiting_.size(); }
+
+   // For the attributes' rows.
+   /// Whether the name has led to something already.
+   bool point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path );
+   void dropWaiting( Entity const & entity, AttrTravel const & row, Name const & key );
+   [[nodiscard]] Ptr<Entity> newEntity( Name const & typeName, Name const & name );
+   void madeIs() { made_ = true; }
+
+ private:
+   struct Waiting;
+
+   std::vector<std::unique_ptr<Waiting>> waiting_;
+   bool made_ = false; // an entity, by the log that is being applied
+   Name lastType_;
+   Ptr<Entity> ( *lastFactory_ )( Name name ) = nullptr;
+};
+
+} // namespace Vel

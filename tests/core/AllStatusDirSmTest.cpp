@@ -1,0 +1,351 @@
+#include "tests/support/TraceCapture.h"
+
+#include <Statedb/EntityManager.h>
+#include <Xcvr/XcvrAllStatusDirSm.h>
+#include <Xcvr/XcvrMountHelper.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <set>
+
+namespace Xcvr {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A status of no particular family.
+class Status : public XcvrNewStatus {
+ public:
+   explicit Status( Vel::Name name ) : XcvrNewStatus( std::move( name ), XcvrType::sfpPlus ) {}
+};
+
+/// Six inputs, empty, with the fixed generations equal; two slices are easily added.
+class AggregationTest : public testing::Test {
+ protected:
+   AggregationTest() {
+      singleton->sliceStatusDirIs( sliceStatusDir );
+      singleton->fixedStatusDirIs( fixedStatusDir );
+      singleton->baseConfigDirIs( baseConfigDir );
+      singleton->fixedConfigDirIs( fixedConfigDir );
+      singleton->agentStatusDirIs( agentStatusDir );
+      singleton->fixedAgentStatusIs( fixedAgentStatus );
+      baseConfigDir->entryIs( sliceConfigDir );
+   }
+   /// A slice of two statuses, "1/a" and "1/b" of slice "1", whose generations differ.
+   void addSlice( Vel::Name const & id ) {
+      auto const dir = Vel::dirFactory( id );
+      dir->entryIs( new Status( id + "/a" ) );
+      dir->entryIs( new Status( id + "/b" ) );
+      sliceStatusDir->entryIs( dir );
+      config( id, 1 );
+      auto const agent = xcvrSliceStatusFactory( id );
+      agentStatusDir->entryIs( agent );
+   }
+   Vel::Ptr<Vel::Dir> statuses( Vel::Name const & id ) {
+      return Vel::dynamicPtr<Vel::Dir>( sliceStatusDir->entry( id ) );
+   }
+   Vel::Ptr<XcvrSliceStatus> agent( Vel::Name const & id ) {
+      return Vel::dynamicPtr<XcvrSliceStatus>( agentStatusDir->entry( id ) );
+   }
+   void config( Vel::Name const & id, uint32_t generation ) {
+      if ( !sliceConfigDir->entryHas( id ) ) {
+         sliceConfigDir->entryIs( allConfigDirFactory( id ) );
+      }
+      Vel::dynamicPtr<AllConfigDir>( sliceConfigDir->entry( id ) )->generationIdIs( generation );
+   }
+   std::set<std::string> published() const {
+      std::set<std::string> names;
+      for ( auto const & entry : singleton->allStatusDir()->xcvrStatusMap() ) {
+         names.insert( std::string( entry.first ) );
+      }
+      return names;
+   }
+
+   Vel::Ptr<Vel::Dir> sliceStatusDir = Vel::dirFactory( "sliceStatus" );
+   Vel::Ptr<Vel::Dir> fixedStatusDir = Vel::dirFactory( "fixedStatus" );
+   Vel::Ptr<Vel::Dir> baseConfigDir = Vel::dirFactory( "config" );
+   Vel::Ptr<Vel::Dir> sliceConfigDir = Vel::dirFactory( "slice" );
+   Vel::Ptr<AllConfigDir> fixedConfigDir = allConfigDirFactory( "fixed" );
+   Vel::Ptr<Vel::Dir> agentStatusDir = Vel::dirFactory( "agents" );
+   Vel::Ptr<XcvrSliceStatus> fixedAgentStatus = xcvrSliceStatusFactory( "fixed" );
+   Vel::Ptr<XcvrAllStatusDirSingleton> singleton = xcvrAllStatusDirSingletonFactory( "singleton" );
+};
+
+TEST_F( AggregationTest, fixedStatusesAreThereWhileTheGenerationsAreEqual ) {
+   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
+   fixedStatusDir->entryIs( new Status( "Ethernet2" ) );
+   singleton->doStartSm();
+   EXPECT_EQ( singleton->allStatusDir()->name(), "xcvrAllStatusDir" );
+   EXPECT_TRUE( singleton->allStatusDirSm()->initialized() );
+   EXPECT_THAT( published(), ElementsAre( "Ethernet1", "Ethernet2" ) );
+   EXPECT_TRUE( singleton->allStatusDirSm()->fixedXcvrs( "Ethernet1" ) );
+   fixedConfigDir->generationIdIs( 2 );
+   EXPECT_THAT( published(), IsEmpty() );
+   EXPECT_FALSE( singleton->allStatusDirSm()->fixedXcvrs( "Ethernet1" ) );
+   fixedAgentStatus->generationIdIs( 2 );
+   EXPECT_THAT( published(), ElementsAre( "Ethernet1", "Ethernet2" ) );
+   EXPECT_EQ( singleton->allStatusDir()->xcvrStatus( "Ethernet1" ).get(),
+              fixedStatusDir->entry( "Ethernet1" ).get() );
+}
+
+TEST_F( AggregationTest, aSliceIsThereAsAWholeOnceItsAgentHasCaughtUp ) {
+   addSlice( "1" );
+   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
+   singleton->doStartSm();
+   addSlice( "2" );
+   EXPECT_THAT( published(), ElementsAre( "Ethernet1" ) );
+   agent( "1" )->generationIdIs( 1 );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
+   agent( "2" )->generationIdIs( 1 );
+   config( "1", 7 );
+   EXPECT_THAT( published(), ElementsAre( "2/a", "2/b", "Ethernet1" ) );
+   agent( "1" )->generationIdIs( 7 );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b", "Ethernet1" ) );
+   EXPECT_TRUE( singleton->allStatusDirSm()->sliceStatusSm( "1" )->sliceXcvrs( "1/a" ) );
+}
+
+TEST_F( AggregationTest, whatComesIsPublishedByTheNextHandshakeAndWhatGoesIsWithdrawnAtOnce ) {
+   addSlice( "1" );
+   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
+   singleton->doStartSm();
+   agent( "1" )->generationIdIs( 1 );
+   statuses( "1" )->entryIs( new Status( "1/c" ) );
+   fixedStatusDir->entryIs( new Status( "Ethernet2" ) );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
+   statuses( "1" )->entryDel( "1/a" );
+   fixedStatusDir->entryDel( "Ethernet1" );
+   EXPECT_THAT( published(), ElementsAre( "1/b" ) );
+   statuses( "1" )->entryIs( new Status( "1/b" ) ); // another one under the same name
+   EXPECT_THAT( published(), IsEmpty() );
+   singleton->allStatusDirSm()->handleEntryState( "1" );
+   singleton->allStatusDirSm()->handleFixedStatusGenId();
+   EXPECT_THAT( published(), ElementsAre( "1/b", "1/c", "Ethernet2" ) );
+   EXPECT_EQ( singleton->allStatusDir()->xcvrStatus( "1/b" ).get(),
+              statuses( "1" )->entry( "1/b" ).get() );
+}
+
+TEST_F( AggregationTest, slicesComeAndGoWithEitherOfTheirEntries ) {
+   addSlice( "1" );
+   singleton->doStartSm();
+   auto const top = singleton->allStatusDirSm();
+   auto const status = agent( "1" );
+   auto const dir = statuses( "1" );
+   status->generationIdIs( 1 );
+   agentStatusDir->entryDel( "1" );
+   EXPECT_FALSE( top->sliceStatusSm( "1" ) );
+   EXPECT_THAT( published(), IsEmpty() );
+   agentStatusDir->entryIs( Vel::dirFactory( "1" ) ); // which is no agent's status
+   EXPECT_FALSE( top->sliceStatusSm( "1" ) );
+   agentStatusDir->entryIs( status );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
+   auto const sm = top->sliceStatusSm( "1" );
+   sliceStatusDir->entryDel( "1" );
+   EXPECT_THAT( published(), IsEmpty() );
+   EXPECT_EQ( sm->sliceXcvrsCount(), 0u );
+   config( "1", 2 ); // nobody looks at this any more
+   status->generationIdIs( 2 );
+   EXPECT_THAT( published(), IsEmpty() );
+   sliceStatusDir->entryIs( dir );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
+   // The agent's status is replaced by one that lags.
+   agentStatusDir->entryIs( xcvrSliceStatusFactory( "1" ) );
+   EXPECT_THAT( published(), IsEmpty() );
+   agent( "1" )->generationIdIs( 2 );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
+}
+
+TEST_F( AggregationTest, aSliceFollowsItsConfigurationWhereverItComesFrom ) {
+   addSlice( "1" );
+   agent( "1" )->generationIdIs( 1 );
+   auto const configured = sliceConfigDir->entry( "1" );
+   baseConfigDir->entryDel( "slice" );
+   singleton->doStartSm();
+   auto const top = singleton->allStatusDirSm();
+   EXPECT_THAT( published(), IsEmpty() ) << "no configuration";
+   EXPECT_FALSE( top->sliceConfigDir() );
+   baseConfigDir->entryIs( Vel::dirFactory( "other" ) );
+   baseConfigDir->entryIs( sliceConfigDir );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
+   sliceConfigDir->entryDel( "1" );
+   EXPECT_THAT( published(), IsEmpty() );
+   sliceConfigDir->entryIs( configured );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
+   baseConfigDir->entryIs( allConfigDirFactory( "slice" ) ); // which is no directory
+   EXPECT_FALSE( top->sliceConfigDir() );
+   EXPECT_THAT( published(), IsEmpty() );
+   config( "1", 1 );
+   EXPECT_THAT( published(), IsEmpty() ) << "of a directory that is not looked at";
+}
+
+TEST_F( AggregationTest, theEndOfAnInputWithdrawsWhatRestedOnIt ) {
+   using End = void ( XcvrAllStatusDirSingleton::* )();
+   struct {
+      End end;
+      std::set<std::string> left;
+   } const cases[] = {
+      { &XcvrAllStatusDirSingleton::sliceStatusDirDel, { "Ethernet1" } },
+      { &XcvrAllStatusDirSingleton::agentStatusDirDel, { "Ethernet1" } },
+      { &XcvrAllStatusDirSingleton::baseConfigDirDel, { "Ethernet1" } },
+      { &XcvrAllStatusDirSingleton::fixedStatusDirDel, { "1/a", "1/b" } },
+      { &XcvrAllStatusDirSingleton::fixedConfigDirDel, { "1/a", "1/b" } },
+      { &XcvrAllStatusDirSingleton::fixedAgentStatusDel, { "1/a", "1/b" } },
+   };
+   addSlice( "1" );
+   agent( "1" )->generationIdIs( 1 );
+   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
+   for ( auto const & test : cases ) {
+      auto const fresh = xcvrAllStatusDirSingletonFactory( "singleton" );
+      fresh->sliceStatusDirIs( sliceStatusDir );
+      fresh->fixedStatusDirIs( fixedStatusDir );
+      fresh->baseConfigDirIs( baseConfigDir );
+      fresh->fixedConfigDirIs( fixedConfigDir );
+      fresh->agentStatusDirIs( agentStatusDir );
+      fresh->fixedAgentStatusIs( fixedAgentStatus );
+      fresh->doStartSm();
+      singleton = fresh;
+      EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
+      ( *fresh.*test.end )();
+      EXPECT_EQ( published(), test.left ) << &test - cases;
+   }
+   // And with the singleton everything goes.
+   auto const all = singleton->allStatusDir();
+   auto const top = singleton->allStatusDirSm();
+   singleton = nullptr;
+   EXPECT_TRUE( all->xcvrStatusMap().empty() );
+   EXPECT_FALSE( top->sliceStatusSm( "1" ) );
+   agent( "1" )->generationIdIs( 5 );
+   config( "1", 5 );
+   EXPECT_TRUE( all->xcvrStatusMap().empty() );
+}
+
+/// Does something the first time that a status is published or withdrawn.
+class Meddler : public AllNewStatusDir::NotifieeConst {
+ public:
+   explicit Meddler( std::function<void()> then ) : then_( std::move( then ) ) {}
+   void onXcvrStatus( Vel::Name const & ) override {
+      if ( auto const then = std::exchange( then_, nullptr ) ) {
+         then();
+      }
+   }
+
+ private:
+   std::function<void()> then_;
+};
+
+TEST_F( AggregationTest, theLastWordIsThatOfAHandshakeWithinAHandshake ) {
+   addSlice( "1" );
+   singleton->doStartSm();
+   Meddler ends( [&] { config( "1", 3 ); } );
+   ends.notifierIs( singleton->allStatusDir().get() );
+   agent( "1" )->generationIdIs( 1 );
+   EXPECT_THAT( published(), IsEmpty() ) << "outdated while it was being published";
+   agent( "1" )->generationIdIs( 3 );
+   Meddler returns( [&] { agent( "1" )->generationIdIs( 4 ); } );
+   returns.notifierIs( singleton->allStatusDir().get() );
+   config( "1", 4 );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) ) << "valid again while it was withdrawn";
+   Meddler removes( [&] { agentStatusDir->entryDel( "1" ); } );
+   removes.notifierIs( singleton->allStatusDir().get() );
+   config( "1", 5 );
+   EXPECT_THAT( published(), IsEmpty() );
+   EXPECT_FALSE( singleton->allStatusDirSm()->sliceStatusSm( "1" ) );
+}
+
+std::vector<std::string> notes( TraceCapture & capture ) {
+   std::vector<std::string> all;
+   for ( auto const & record : capture.takeRecords() ) {
+      EXPECT_EQ( record.source, "XcvrAllStatusDirSm" );
+      EXPECT_EQ( record.level, 8 );
+      if ( !record.text.empty() ) {
+         all.push_back( record.operation + ": " + record.text );
+      }
+   }
+   return all;
+}
+
+TEST_F( AggregationTest, traces ) {
+   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
+   addSlice( "1" );
+   statuses( "1" )->entryDel( "1/b" );
+   sliceConfigDir->entryDel( "1" );
+   TraceCapture capture( "XcvrAllStatusDirSm" );
+   singleton->doStartSm();
+   EXPECT_THAT( notes( capture ),
+                ElementsAre( "handleFixedStatusGenId: Adding fixed xcvr Ethernet1",
+                             "handleInitialized: Creating xcvrStatus reactor for 1",
+                             "handleAgentStatusGenId: 1 no xcvrConfig" ) );
+   agent( "1" )->generationIdIs( 1 );
+   EXPECT_THAT( notes( capture ), ElementsAre( "handleAgentStatusGenId: 1 no xcvrConfig" ) );
+   auto const config = allConfigDirFactory( "1" );
+   config->generationIdIs( 1 );
+   sliceConfigDir->entryIs( config );
+   EXPECT_THAT( notes( capture ), ElementsAre( "handleEntryState: handleEntryState for 1",
+                                               "handleAgentStatusGenId: 1 xcGenId 1 xsGenId 1",
+                                               "handleAgentStatusGenId: Adding sliced xcvr 1/a" ) );
+   config->generationIdIs( 2 );
+   fixedConfigDir->generationIdIs( 2 );
+   EXPECT_THAT( notes( capture ),
+                ElementsAre( "handleAgentStatusGenId: 1 xcGenId 2 xsGenId 1",
+                             "handleAgentStatusGenId: Removing sliced xcvr 1/a",
+                             "handleFixedStatusGenId: Removing fixed xcvr Ethernet1" ) );
+}
+
+using AggregationDeathTest = AggregationTest;
+
+TEST_F( AggregationDeathTest, startsOnceAndWithAllInputs ) {
+   struct {
+      void ( XcvrAllStatusDirSingleton::*missing )();
+      char const * text;
+   } const cases[] = {
+      { &XcvrAllStatusDirSingleton::fixedAgentStatusDel, "fixedAgentStatus\\(\\)" },
+      { &XcvrAllStatusDirSingleton::fixedConfigDirDel, "fixedConfigDir\\(\\)" },
+      { &XcvrAllStatusDirSingleton::agentStatusDirDel, "agentStatusDir\\(\\)" },
+      { &XcvrAllStatusDirSingleton::baseConfigDirDel, "baseConfigDir\\(\\)" },
+      { &XcvrAllStatusDirSingleton::fixedStatusDirDel, "fixedStatusDir\\(\\)" },
+      { &XcvrAllStatusDirSingleton::sliceStatusDirDel, "sliceStatusDir\\(\\)" },
+   };
+   EXPECT_DEATH( ( singleton->doStartSm(), singleton->doStartSm() ), "!allStatusDirSm\\(\\)" );
+   for ( auto const & test : cases ) {
+      ( *singleton.*test.missing )(); // the earlier ones are asked for first
+      EXPECT_DEATH( singleton->doStartSm(), test.text );
+   }
+}
+
+TEST_F( AggregationDeathTest, anEntryThatIsNoStatusIsFatal ) {
+   addSlice( "1" );
+   statuses( "1" )->entryIs( Vel::dirFactory( "none" ) );
+   singleton->doStartSm();
+   EXPECT_DEATH( agent( "1" )->generationIdIs( 1 ), "\\bxs\\b" );
+   fixedStatusDir->entryIs( Vel::dirFactory( "none" ) );
+   EXPECT_DEATH( singleton->allStatusDirSm()->handleFixedStatusGenId(), "\\bxs\\b" );
+}
+
+TEST( MounterTest, mountsWhatEveryReaderOfStatusNeeds ) {
+   Statedb::EntityManager manager;
+   manager.entityIs( "hardware/xcvr/xgc", xgcFactory( "xgc" ) );
+   Vel::Ptr<Statedb::MountGroup> const group( new Statedb::MountGroup( "status" ) );
+   manager.mountGroupIs( group );
+   Mounter::doMountXcvrStatus( group, new Statedb::Mount( "hardware/xcvr/status", "Vel::Dir" ) );
+   Mounter::doMountXcvrStatusImplicits( group ); // once more changes nothing
+   std::set<std::string> mounts;
+   for ( auto const & [path, mount] : group->mountMap() ) {
+      EXPECT_EQ( mount->mode(), Statedb::MountMode::read );
+      EXPECT_EQ( mount->filter(), Statedb::MountFilter() );
+      mounts.insert( std::string( path ) + " " + std::string( mount->typeName() ) );
+   }
+   EXPECT_THAT( mounts,
+                ElementsAre( "hardware/xcvr/attenuation Xcvr::ModelToAttenuation",
+                             "hardware/xcvr/status Vel::Dir", "hardware/xcvr/xgc Xcvr::Xgc" ) );
+   EXPECT_EQ( group->mount( "hardware/xcvr/xgc" )->target(),
+              manager.entity( "hardware/xcvr/xgc" ).get() );
+   EXPECT_FALSE( group->complete() );
+   manager.entityIs( "hardware/xcvr/attenuation", modelToAttenuationFactory( "attenuation" ) );
+   manager.entityIs( "hardware/xcvr/status", Vel::dirFactory( "status" ) );
+   EXPECT_TRUE( group->complete() );
+}
+
+} // namespace
+} // namespace Xcvr
