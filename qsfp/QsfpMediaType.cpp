@@ -148,10 +148,9 @@ constexpr bool is100GEDwdm2( PageView page ) {
    return hasCode<26>( page ) && smfKm( page ) > 39;
 }
 
-/// Passive copper: without an equaliser, or with a passive one.
 constexpr bool isCopper( PageView page ) {
-   unsigned const technology = page.u8( row( "deviceTech" ).at ) >> 4;
-   return technology == 10 || technology == 11;
+   return isPassiveCopper(
+      static_cast<Sff8436DeviceTechnology>( page.u8( row( "deviceTech" ).at ) >> 4 ) );
 }
 constexpr bool is100GCopper( PageView page ) {
    return isCopper( page ) && identifier( page ) == identifierQsfp28;

@@ -103,15 +103,15 @@ namespace {
 MediaType detectedTypeOf( QsfpNewStatus const & status ) {
    Sff8436IdEepromContents const & contents = contentsOf( status );
    MediaType const detected = contents.mediaType();
-   if ( detected != xcvrUnknown && detected != xcvr100GUnknown ) {
+   if ( detected != xcvrUnknown || !status.xgc() || !status.xgc()->ethComplianceBit7IsPsm4() ) {
       return detected;
    }
+   // Other rules say unknown as well: of what is no QSFP, whose bytes mean something else.
+   bool const isUndecided = contents.mediaTypeDecision().rule + 1 == sff8436MediaTypeRules().size();
    constexpr uint8_t extended = bit( "compliance", "extended compliance" ).mask;
    bool const hasBitWithoutCode =
       ( contents.complianceEth10And40G() & extended ) != 0 && contents.complianceExtended() == 0;
-   return hasBitWithoutCode && status.xgc() && status.xgc()->ethComplianceBit7IsPsm4()
-             ? xcvr40GBasePsm4
-             : detected;
+   return isUndecided && hasBitWithoutCode ? xcvr40GBasePsm4 : detected;
 }
 
 } // namespace
@@ -178,6 +178,9 @@ Units::Decibels QsfpNewStatus::electricalPathAttenuation() const {
    if ( auto const known = attenuationOfModel( attnTable(), contents ) ) {
       return *known;
    }
+   if ( contents.deviceTechnology() < Sff8436DeviceTechnology::copperUnequalized ) {
+      return Units::Decibels( unreadable ); // these bytes are its wavelength
+   }
    // At half the rate of a lane, where the signal of two levels has its highest frequency.
    uint8_t const own = is40G ? contents.attenuation5GHz() : contents.attenuation12p9GHz();
    return Units::Decibels( own != 0 ? own : unreadable );
@@ -187,19 +190,33 @@ Units::Decibels QsfpNewStatus::electricalPathAttenuation() const {
 
 namespace {
 
+/// The lower page of a module that is there, read after it came; without bytes otherwise.
+inline PageView readLowerPage( QsfpNewStatus const & status,
+                               Sff8436IdEepromContents const & contents ) {
+   return status.presence() == xcvrPresent &&
+                status.lastDomUpdateTime() > status.lastPresenceChange()
+             ? contents.eepromPage00LowerData().view()
+             : std::string_view();
+}
+
 /// Here rather than in the operation, since an exported one is not inlined into its callers.
 inline bool monitorsValid( QsfpNewStatus const & status, Sff8436IdEepromContents const & contents,
                            LaneId lane ) {
-   return lane.value() < QsfpNewStatus::lanes && status.presence() == xcvrPresent &&
-          contents.domSupported() && !contents.eepromPage00LowerData().empty() &&
-          status.lastDomUpdateTime() > status.lastPresenceChange();
+   // Of a part of the monitors the rest would read 0, which is no measurement.
+   return lane.value() < QsfpNewStatus::lanes && contents.domSupported() &&
+          readLowerPage( status, contents ).has( 0, row( "txPower4" ).end() );
 }
 
 /// The lower page of a module whose monitors of a lane are valid; without bytes if they are not.
-inline PageView validLowerPage( QsfpNewStatus const & status, LaneId lane ) {
-   Sff8436IdEepromContents const & contents = contentsOf( status );
+inline PageView validLowerPage( QsfpNewStatus const & status,
+                                Sff8436IdEepromContents const & contents, LaneId lane ) {
    return monitorsValid( status, contents, lane ) ? contents.eepromPage00LowerData().view()
                                                   : std::string_view();
+}
+
+/// Whether page 03h holds all thresholds.
+inline bool hasThresholds( PageView page03h ) {
+   return page03h.has( 0, row( "txPowerLowWarn" ).end() );
 }
 
 /// The word of a lane in a row of one word a lane, which the row of the first lane names.
@@ -261,14 +278,15 @@ bool QsfpNewStatus::domThresholdValid() const {
    // memory: idEepromValid says that this was done.
    Sff8436IdEepromContents const & contents = contentsOf( *this );
    return presence() == xcvrPresent && contents.domSupported() &&
-          !contents.page( eepromPage03Upper ).empty() && lastDomThresholdsUpdateTime() > 0 &&
-          idEepromValid();
+          hasThresholds( contents.page( eepromPage03Upper ) ) &&
+          lastDomThresholdsUpdateTime() > 0 && idEepromValid();
 }
 
 DomThreshold QsfpNewStatus::domThreshold() const {
    VEL_TRACE_SCOPE( trace );
-   PageView const page = contentsOf( *this ).page( eepromPage03Upper );
-   if ( page.empty() ) {
+   Sff8436IdEepromContents const & contents = contentsOf( *this );
+   PageView const page = contents.page( eepromPage03Upper );
+   if ( !hasThresholds( page ) ) {
       return unreadableDomThreshold();
    }
    auto const temperature = [page]( MemoryField const & field ) {
@@ -283,6 +301,10 @@ DomThreshold QsfpNewStatus::domThreshold() const {
    auto const power = [page]( MemoryField const & field ) {
       return DomCodes::power( page.u16be( field.at ) );
    };
+   auto const txPower = [power,
+                         isMonitored = contents.txPowerSupported()]( MemoryField const & field ) {
+      return isMonitored ? power( field ) : unreadable;
+   };
    return { temperature( row( "tempHighAlarm" ) ),
             temperature( row( "tempLowAlarm" ) ),
             temperature( row( "tempHighWarn" ) ),
@@ -295,10 +317,10 @@ DomThreshold QsfpNewStatus::domThreshold() const {
             txBias( row( "txBiasLowAlarm" ) ),
             txBias( row( "txBiasHighWarn" ) ),
             txBias( row( "txBiasLowWarn" ) ),
-            power( row( "txPowerHighAlarm" ) ),
-            power( row( "txPowerLowAlarm" ) ),
-            power( row( "txPowerHighWarn" ) ),
-            power( row( "txPowerLowWarn" ) ),
+            txPower( row( "txPowerHighAlarm" ) ),
+            txPower( row( "txPowerLowAlarm" ) ),
+            txPower( row( "txPowerHighWarn" ) ),
+            txPower( row( "txPowerLowWarn" ) ),
             power( row( "rxPowerHighAlarm" ) ),
             power( row( "rxPowerLowAlarm" ) ),
             power( row( "rxPowerHighWarn" ) ),
@@ -364,12 +386,14 @@ struct LimitFlags {
 
 QsfpLaneFlags QsfpNewStatus::laneFlags( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
-   PageView const lower = validLowerPage( *this, lane );
+   Sff8436IdEepromContents const & contents = contentsOf( *this );
+   PageView const lower = validLowerPage( *this, contents, lane );
    if ( lower.empty() ) {
       return {};
    }
    LimitFlags const txBias( lower, row( "txBiasFlags" ), lane );
-   LimitFlags const txPower( lower, row( "txPowerFlags" ), lane );
+   LimitFlags const txPower( contents.txPowerSupported() ? lower : std::string_view(),
+                             row( "txPowerFlags" ), lane );
    LimitFlags const rxPower( lower, row( "rxPowerFlags" ), lane );
    return { laneBit( lower, bit( "losFlags", "Rx1 LOS" ), lane ),
             laneBit( lower, bit( "losFlags", "Tx1 LOS" ), lane ),
@@ -393,35 +417,33 @@ QsfpLaneFlags QsfpNewStatus::laneFlags( LaneId lane ) const {
 
 QsfpModuleFlags QsfpNewStatus::moduleFlags() const {
    VEL_TRACE_SCOPE( trace );
-   PageView const lower = validLowerPage( *this, LaneId() );
+   PageView const lower = validLowerPage( *this, contentsOf( *this ), LaneId() );
    if ( lower.empty() ) {
       return {};
    }
-   return {
-      lower.bit( bit( "temperatureFlags", "temperature high alarm" ) ),
-      lower.bit( bit( "temperatureFlags", "temperature low alarm" ) ),
-      lower.bit( bit( "temperatureFlags", "temperature high warning" ) ),
-      lower.bit( bit( "temperatureFlags", "temperature low warning" ) ),
-      lower.bit( bit( "voltageFlags", "voltage high alarm" ) ),
-      lower.bit( bit( "voltageFlags", "voltage low alarm" ) ),
-      lower.bit( bit( "voltageFlags", "voltage high warning" ) ),
-      lower.bit( bit( "voltageFlags", "voltage low warning" ) ),
-      lower.bit( bit( "temperatureFlags", "initialisation complete" ) ),
-      lower.bit( bit( "temperatureFlags", "TC readiness changed" ) ),
-      // The bit is the state of the pin, which is low to interrupt; it is not on a page that ends
-      // in front of it.
-      lower.has( row( "moduleStatus" ).at, 1 ) &&
-         !lower.bit( bit( "moduleStatus", "interrupt not asserted" ) ),
-      lower.bit( bit( "moduleStatus", "data not ready" ) ) };
+   return { lower.bit( bit( "temperatureFlags", "temperature high alarm" ) ),
+            lower.bit( bit( "temperatureFlags", "temperature low alarm" ) ),
+            lower.bit( bit( "temperatureFlags", "temperature high warning" ) ),
+            lower.bit( bit( "temperatureFlags", "temperature low warning" ) ),
+            lower.bit( bit( "voltageFlags", "voltage high alarm" ) ),
+            lower.bit( bit( "voltageFlags", "voltage low alarm" ) ),
+            lower.bit( bit( "voltageFlags", "voltage high warning" ) ),
+            lower.bit( bit( "voltageFlags", "voltage low warning" ) ),
+            lower.bit( bit( "temperatureFlags", "initialisation complete" ) ),
+            lower.bit( bit( "temperatureFlags", "TC readiness changed" ) ),
+            // The bit is the state of the pin, which is low to interrupt.
+            !lower.bit( bit( "moduleStatus", "interrupt not asserted" ) ),
+            lower.bit( bit( "moduleStatus", "data not ready" ) ) };
 }
 
 QsfpLaneControls QsfpNewStatus::laneControls( LaneId lane ) const {
    VEL_TRACE_SCOPE( trace );
-   PageView const lower = validLowerPage( *this, lane );
-   if ( lower.empty() ) {
+   Sff8436IdEepromContents const & contents = contentsOf( *this );
+   PageView const lower = readLowerPage( *this, contents );
+   if ( lane.value() >= lanes || lower.empty() ) {
       return {};
    }
-   PageView const page03h = contentsOf( *this ).page( eepromPage03Upper );
+   PageView const page03h = contents.page( eepromPage03Upper );
    return { laneBit( lower, bit( "txDisable", "Tx1 disable" ), lane ),
             laneCode( lower, row( "rxRateSelect" ), lane ),
             laneCode( lower, row( "txRateSelect" ), lane ),
@@ -435,10 +457,7 @@ QsfpLaneControls QsfpNewStatus::laneControls( LaneId lane ) const {
 
 QsfpModuleControls QsfpNewStatus::moduleControls() const {
    VEL_TRACE_SCOPE( trace );
-   PageView const lower = validLowerPage( *this, LaneId() );
-   if ( lower.empty() ) {
-      return {};
-   }
+   PageView const lower = readLowerPage( *this, contentsOf( *this ) );
    return { lower.bit( bit( "powerControl", "power mode set by software" ) ),
             lower.bit( bit( "powerControl", "low power mode" ) ),
             lower.bit( bit( "powerControl", "power classes 5 to 7 enabled" ) ),
@@ -545,11 +564,16 @@ class Parameter {
    [[nodiscard]] uint16_t value() const { return page20h_.u16be( valueAt() ); }
    /// Where its thresholds are on page 21h.
    [[nodiscard]] uint32_t thresholdsAt() const {
-      constexpr MemoryField first = row( "thresholdSet0" );
-      return first.at + ( config_ >> 12 ) * uint32_t{ first.width };
+      return thresholdSet.at + ( config_ >> 12 ) * uint32_t{ thresholdSet.width };
+   }
+   /// Whether page 21h holds all of them.
+   [[nodiscard]] bool hasThresholds( PageView page21h ) const {
+      return page21h.has( thresholdsAt(), thresholdSet.width );
    }
 
  private:
+   static constexpr MemoryField thresholdSet = row( "thresholdSet0" );
+
    [[nodiscard]] uint32_t type() const { return config_ & 0xffu; }
 
    PageView page20h_;
@@ -557,16 +581,23 @@ class Parameter {
    uint16_t config_;
 };
 
-/// The first parameter of an index.
+/// The first parameter of an index. A monitor of the slot has the index of its lane 0: where there are
+/// both, that of the lane counts, as in `categories`.
 std::optional<Parameter> monitorOf( Sff8436IdEepromContents const & contents, uint32_t index ) {
    PageView const page20h = contents.page( eepromPage20hUpper );
+   std::optional<Parameter> found;
    for ( uint32_t number = 0; number < parameterCount && !page20h.empty(); ++number ) {
       Parameter const parameter( page20h, number );
       if ( parameter.isMonitor() && parameter.index() == index ) {
-         return parameter;
+         if ( parameter.isOfLane() ) {
+            return parameter;
+         }
+         if ( !found ) {
+            found = parameter;
+         }
       }
    }
-   return std::nullopt;
+   return found;
 }
 
 /// A number in the unit of a monitor, of its value or of its thresholds.
@@ -625,9 +656,12 @@ double QsfpNewStatus::enhancedDomValue( uint32_t index ) const {
 bool QsfpNewStatus::enhancedDomThresholdValid( uint32_t index ) const {
    VEL_TRACE_SCOPE( trace );
    Sff8436IdEepromContents const & contents = contentsOf( *this );
-   return presence() == xcvrPresent && lastEnhancedDomThresholdsUpdateTime() > 0 &&
-          idEepromValid() && !contents.page( eepromPage21hUpper ).empty() &&
-          monitorOf( contents, index );
+   if ( presence() != xcvrPresent || lastEnhancedDomThresholdsUpdateTime() <= 0 ||
+        !idEepromValid() ) {
+      return false;
+   }
+   auto const monitor = monitorOf( contents, index );
+   return monitor && monitor->hasThresholds( contents.page( eepromPage21hUpper ) );
 }
 
 EnhancedDomThreshold QsfpNewStatus::enhancedDomThreshold( uint32_t index ) const {
@@ -635,7 +669,7 @@ EnhancedDomThreshold QsfpNewStatus::enhancedDomThreshold( uint32_t index ) const
    Sff8436IdEepromContents const & contents = contentsOf( *this );
    PageView const page = contents.page( eepromPage21hUpper );
    auto const monitor = monitorOf( contents, index );
-   if ( !monitor || page.empty() ) {
+   if ( !monitor || !monitor->hasThresholds( page ) ) {
       return { unreadable, unreadable, unreadable, unreadable };
    }
    auto const limit = [&]( uint32_t word ) {

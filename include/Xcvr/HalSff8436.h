@@ -32,6 +32,12 @@ VEL_ENUM( Sff8436DeviceTechnology,
    copperUnequalized, copperPassiveEqualized, copperNearAndFarEndActive, copperFarEndActive,
    copperNearEndActive, copperLinearActive );
 
+/// Copper without an equaliser, or with a passive one.
+constexpr bool isPassiveCopper( Sff8436DeviceTechnology technology ) {
+   return technology == Sff8436DeviceTechnology::copperUnequalized ||
+          technology == Sff8436DeviceTechnology::copperPassiveEqualized;
+}
+
 /// Every field of all pages, in the order of pages and addresses.
 [[nodiscard]] XCVR_API std::span<MemoryField const> sff8436Fields();
 
@@ -401,6 +407,8 @@ inline constexpr MemoryField fields[] = {
    { "identifierExtended", upper00h, 1, 1, bits, "", 1, identifierExtendedBits },
    { "connector", upper00h, 2, 1, u8 },
    { "compliance", upper00h, 3, 8, bits, "", 1, complianceBits },
+   // The first of them alone, which decides most; a page may end behind it.
+   { "complianceEth10And40G", upper00h, 3, 1, u8, "", 1, {}, shared },
    { "encoding", upper00h, 11, 1, u8 },
    { "bitrateNominal", upper00h, 12, 1, u8, "MBd", 100 },
    { "extendedRateSelectCompliance", upper00h, 13, 1, bits, "", 1, rateSelectBits },

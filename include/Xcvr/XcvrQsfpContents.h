@@ -56,7 +56,7 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    /// 7 = LC.
    uint8_t connector() const { return u8( row( "connector" ) ); }
    /// The first compliance byte. Bit 7 says that `complianceExtended` holds a code.
-   uint8_t complianceEth10And40G() const { return u8( row( "compliance" ) ); }
+   uint8_t complianceEth10And40G() const { return u8( row( "complianceEth10And40G" ) ); }
    /// The eight compliance bytes packed into one number, the first the most significant. Each byte is
    /// sign-extended before it is ORed in: one of 0x80 or more sets every bit above its own place. That
    /// is intended, readers know these numbers; single bits are in the bytes themselves.
@@ -143,10 +143,7 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    /// The module monitors its temperature, voltage and lanes. Only passive copper cables do not; the
    /// bits that say so of single monitors came with later revisions and are not asked.
    bool domSupported() const {
-      using enum Sff8436DeviceTechnology;
-      Sff8436DeviceTechnology const technology = deviceTechnology();
-      return !eepromPage00UpperData_.empty() && technology != copperUnequalized &&
-             technology != copperPassiveEqualized;
+      return !eepromPage00UpperData_.empty() && !isPassiveCopper( deviceTechnology() );
    }
    bool txPowerSupported() const {
       return diagsMonitoringType() & mask( "diagsMonitoringType", "Tx power monitor" );

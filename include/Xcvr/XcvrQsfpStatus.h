@@ -137,13 +137,13 @@ class XCVR_API QsfpNewStatus : public XcvrNewStatus {
    /// In 100 MBd, cut, of one lane.
    [[nodiscard]] uint32_t bitrate() const override;
    [[nodiscard]] MediaType mediaType() const override;
-   /// What the contents say. Where they say nothing, `xgc` may have it that the compliance bit of
-   /// extended codes, without such a code, means 40GBASE-PSM4.
+   /// What the contents say. Of a QSFP or QSFP+ that no rule knows, `xgc` may have it that the
+   /// compliance bit of extended codes, without such a code, means 40GBASE-PSM4.
    [[nodiscard]] MediaType detectedMediaType() const override;
    /// 0 of a copper cable, which keeps its attenuation in the bytes of the wavelength.
    [[nodiscard]] uint32_t laserWavelength() const override;
    [[nodiscard]] LaserWavelengthPrecision laserWavelengthPrecision() const override;
-   /// The module is there, has monitors, and they were read after it came.
+   /// The module is there, has monitors, and they were read, all of them, after it came.
    [[nodiscard]] bool domInfoValid( LaneId lane ) const override;
    /// Tx power only of a module that monitors it. Whether the received power is an average says
    /// `Sff8436IdEepromContents::rxPowerIsAverage`.
@@ -151,7 +151,8 @@ class XCVR_API QsfpNewStatus : public XcvrNewStatus {
    /// The sum of the four lanes.
    [[nodiscard]] DomAggPower domAggPower() const override;
    [[nodiscard]] bool domThresholdValid() const override;
-   /// The thresholds in the module's memory, valid or not.
+   /// The thresholds in the module's memory, valid or not; those of Tx power only of a module that
+   /// monitors it. Minus infinity, all of them, of a page that ends before the last one.
    [[nodiscard]] DomThreshold domThreshold() const override;
    [[nodiscard]] DomCapabilities domCapabilities() const override;
    [[nodiscard]] bool enhancedDomValuesValid( uint32_t index ) const override;
@@ -174,15 +175,18 @@ class XCVR_API QsfpNewStatus : public XcvrNewStatus {
    [[nodiscard]] TuningValue rxOutputPreEmphasis( LaneId lane ) const override;
    [[nodiscard]] TuningValue txInputEqualization( LaneId lane ) const override;
    /// Of a passive copper cable, from `attnTable` by "vendor name-part number" (with their padding),
-   /// else what the cable says of 5 GHz (40G) or 12.9 GHz (100G); minus infinity when it says nothing.
-   /// 0 for all else.
+   /// else what the cable says of 5 GHz (40G) or 12.9 GHz (100G); minus infinity when it says nothing
+   /// or is no copper cable but for an override of its type. 0 for all else.
    [[nodiscard]] Units::Decibels electricalPathAttenuation() const override;
    /// Whether a module of this family can be of that type.
    [[nodiscard]] bool isSupportedMediaType( MediaType mediaType ) const override;
 
-   /// All false, or 0, while `domInfoValid` is false.
+   /// All false while `domInfoValid` is false; those of Tx power also of a module that does not monitor
+   /// it.
    [[nodiscard]] QsfpLaneFlags laneFlags( LaneId lane ) const;
    [[nodiscard]] QsfpModuleFlags moduleFlags() const;
+   /// All false, or 0, unless the module is there and its lower page was read after it came. A module
+   /// without monitors has controls all the same.
    [[nodiscard]] QsfpLaneControls laneControls( LaneId lane ) const;
    [[nodiscard]] QsfpModuleControls moduleControls() const;
    /// Which of the parameters above the module accepts.

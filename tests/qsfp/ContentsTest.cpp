@@ -361,10 +361,14 @@ TEST( QsfpContents, AnAccessorThatCannotReadTracesItsName ) {
    static_cast<void>( numberedContents( 20 ).vendorName() );
    static_cast<void>( Contents().connector() );
    static_cast<void>( numberedContents().vendorSn() );
+   // Ends behind the byte, but within the other compliance bytes.
+   static_cast<void>( numberedContents( 4 ).complianceEth10And40G() );
+   static_cast<void>( numberedContents( 3 ).complianceEth10And40G() );
    auto const records = capture.takeRecords();
-   ASSERT_EQ( records.size(), 2u );
+   ASSERT_EQ( records.size(), 3u );
    EXPECT_EQ( records[0].operation, "vendorName" );
    EXPECT_EQ( records[1].operation, "connector" );
+   EXPECT_EQ( records[2].operation, "complianceEth10And40G" );
 }
 
 TEST( QsfpContents, DecodingAllocatesNothing ) {

@@ -219,22 +219,28 @@ TEST( QsfpStatusTest, TheSystemMayTakeTheComplianceBitForPsm4 ) {
       bool configured;
       unsigned compliance, code;
       MediaType mediaType;
+      uint8_t identifier = 13;
    };
    for ( Case const & c : std::initializer_list<Case>{ { false, 0x80, 0, xcvrUnknown },
                                                        { true, 0x80, 0, xcvr40GBasePsm4 },
                                                        { true, 0x80, 8, xcvrUnknown },
                                                        { true, 0x80, 6, xcvr100GBaseCwdm4 },
                                                        { true, 0x84, 0, xcvr40GBaseSr4 },
-                                                       { true, 0x00, 0, xcvrUnknown } } ) {
+                                                       { true, 0x00, 0, xcvrUnknown },
+                                                       // Only of a QSFP that no rule knows.
+                                                       { true, 0x80, 0, xcvr40GBasePsm4, 12 },
+                                                       { true, 0x80, 0, xcvr100GUnknown, 17 },
+                                                       { true, 0x80, 0, xcvrUnknown, 3 } } ) {
       Vel::Ptr<QsfpNewStatus> const status =
          inserted( QsfpImageBuilder()
-                      .identifier( 13 )
+                      .identifier( c.identifier )
                       .raw( "compliance", uint64_t{ c.compliance } << 56 )
                       .raw( "complianceExtended", c.code ) );
       Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
       xgc->ethComplianceBit7IsPsm4Is( c.configured );
       status->xgcIs( xgc );
-      EXPECT_EQ( status->mediaType(), c.mediaType ) << c.compliance << " " << c.code;
+      EXPECT_EQ( status->mediaType(), c.mediaType )
+         << c.compliance << " " << c.code << " " << int{ c.identifier };
    }
 }
 
@@ -256,6 +262,13 @@ TEST( QsfpStatusTest, AttenuationOfCopperCables ) {
    table->attenuationIs( "Cable           -CR4             ", Units::Decibels( 8.5 ) );
    status->attnTableIs( table );
    EXPECT_EQ( status->electricalPathAttenuation().value(), 8.5 );
+   // An optical module has a wavelength in these bytes, also while it passes for a cable.
+   Vel::Ptr<QsfpNewStatus> const optical = inserted( cwdm4() );
+   optical->overrideMediaTypeIs( xcvr40GBaseCr4 );
+   EXPECT_EQ( optical->electricalPathAttenuation().value(), unreadable );
+   table->attenuationIs( "Vendor          -PN-1            ", Units::Decibels( 2.5 ) );
+   optical->attnTableIs( table );
+   EXPECT_EQ( optical->electricalPathAttenuation().value(), 2.5 );
 }
 
 // Monitors and thresholds
@@ -454,6 +467,45 @@ TEST( QsfpStatusTest, EveryFlagAndControlIsABitOfItsOwn ) {
    }
 }
 
+TEST( QsfpStatusTest, NothingIsSaidOfATxPowerThatIsNotMonitored ) {
+   Vel::Ptr<QsfpNewStatus> const status = inserted( cwdm4()
+                                                       .raw( "diagsMonitoringType", 0xfb )
+                                                       .raw( "txPowerFlags", 0xffff )
+                                                       .raw( "rxPowerFlags", 0x8000 )
+                                                       .raw( "txPowerHighAlarm", 1000 )
+                                                       .raw( "txPowerLowAlarm", 1000 )
+                                                       .raw( "txPowerHighWarn", 1000 )
+                                                       .raw( "txPowerLowWarn", 1000 )
+                                                       .raw( "rxPowerHighAlarm", 1000 ) );
+   EXPECT_THAT( fieldsSet( status->laneFlags( LaneId( 0 ) ) ), ElementsAre( "rxPowerHighAlarm" ) );
+   EXPECT_THAT( fieldsSet( status->laneFlags( LaneId( 3 ) ) ), testing::IsEmpty() );
+   status->updateLaneStatus();
+   Vel::Ptr<LaneStatus> const lane = status->laneStatus( LaneId( 0 ) );
+   EXPECT_TRUE( lane->rxPowerHiAlarm() );
+   EXPECT_FALSE( lane->txPowerHiAlarm() || lane->txPowerLoAlarm() || lane->txPowerHiWarn() ||
+                 lane->txPowerLoWarn() );
+   DomThreshold const limits = status->domThreshold();
+   EXPECT_THAT( ( std::vector{ limits.txPowerHighAlarm(), limits.txPowerLowAlarm(),
+                               limits.txPowerHighWarn(), limits.txPowerLowWarn() } ),
+                Each( unreadable ) );
+   EXPECT_DOUBLE_EQ( limits.rxPowerHighAlarm(), dBm( 1000 ) );
+}
+
+TEST( QsfpStatusTest, ControlsDoNotNeedMonitors ) {
+   Vel::Ptr<QsfpNewStatus> const status =
+      inserted( cr4()
+                   .bit( "powerControl", "power mode set by software" )
+                   .bit( "txDisable", "Tx3 disable" )
+                   .raw( "losFlags", 0xff ) );
+   EXPECT_THAT( fieldsSet( status->moduleControls() ), ElementsAre( "powerOverride" ) );
+   EXPECT_THAT( fieldsSet( status->laneControls( LaneId( 2 ) ) ), ElementsAre( "txDisable" ) );
+   EXPECT_EQ( status->laneControls( LaneId( 255 ) ), QsfpLaneControls() );
+   EXPECT_EQ( status->laneFlags( LaneId( 2 ) ), QsfpLaneFlags() );
+   status->presenceIs( xcvrNotPresent );
+   EXPECT_EQ( status->moduleControls(), QsfpModuleControls() );
+   EXPECT_EQ( status->laneControls( LaneId( 2 ) ), QsfpLaneControls() );
+}
+
 TEST( QsfpStatusTest, LaneStatusTakesTheFlagsWhenAsked ) {
    Vel::Ptr<QsfpNewStatus> const status =
       inserted( cwdm4()
@@ -635,6 +687,64 @@ TEST( QsfpStatusTest, EnhancedThresholdsAreThoseOfTheSet ) {
    Vel::Ptr<QsfpNewStatus> const without = inserted( enhanced().missing( "21h" ) );
    EXPECT_FALSE( without->enhancedDomThresholdValid( index( snr ) ) );
    EXPECT_THAT( doubles( without->enhancedDomThreshold( index( snr ) ) ), Each( unreadable ) );
+}
+
+TEST( QsfpStatusTest, OfAMonitorOfSlotAndLaneThatOfTheLaneCounts ) {
+   using enum EnhancedDomMonitor;
+   QsfpImageBuilder image = cwdm4();
+   image.bit( "options", "pages 20h and 21h" ).raw( "thresholdSet1", 0x0300'0000'0000'0000 );
+   parameter( image, 1, 1, 4, 0, 256 ); // snr of the slot
+   parameter( image, 2, 1, 0, 1, 512 ); // and of its first lane
+   parameter( image, 3, 1, 4, 0, 256 );
+   Vel::Ptr<QsfpNewStatus> const status = inserted( image );
+   EXPECT_EQ( status->enhancedDomSensorCategory().snr(), SensorCategory::laneSensor );
+   EXPECT_EQ( status->enhancedDomValue( index( snr ) ), 2 );
+   EXPECT_EQ( status->enhancedDomThreshold( index( snr ) ).highAlarm(), 3 );
+   status->updateEnhancedDomMapping();
+   EXPECT_EQ( status->enhancedDomMapping( index( snr ) ), 0x2000 + 154 );
+}
+
+TEST( QsfpStatusTest, OfAPageThatEndsEarlyNothingIsRead ) {
+   using enum EnhancedDomMonitor;
+   struct Set {
+      uint32_t index;
+      size_t end;
+   };
+   Set const sets[] = {
+      { index( snr ), 8 }, { index( tecCurrent ), 48 }, { index( laserTempErr ), 128 } };
+   Vel::Ptr<QsfpNewStatus> const whole = inserted( enhanced() );
+   Vel::Ptr<QsfpNewStatus> const status = inserted( enhanced() );
+   LaneId const lane( 0 );
+   for ( size_t size = 0; size <= 128; ++size ) {
+      SCOPED_TRACE( size );
+      auto const cut = [size]( Vel::String const & page ) {
+         return Vel::String( page.view().substr( 0, size ) );
+      };
+      Sff8436IdEepromContents contents = whole->actualIdEepromContents();
+      contents.eepromPage00LowerDataIs( cut( contents.eepromPage00LowerData() ) );
+      contents.eepromPage03UpperDataIs( cut( contents.eepromPage03UpperData() ) );
+      contents.eepromPage21hUpperDataIs( cut( contents.eepromPage21hUpperData() ) );
+      status->actualIdEepromContentsIs( contents );
+
+      bool const hasMonitors = size >= 58, hasLimits = size >= 72; // to bytes 57 and 199
+      EXPECT_EQ( status->domInfoValid( lane ), hasMonitors );
+      EXPECT_EQ( values( status->domInfo( lane ) ), hasMonitors
+                                                       ? values( whole->domInfo( lane ) )
+                                                       : std::vector<double>( 6, unreadable ) );
+      EXPECT_EQ( status->domAggPower().aggRxPower(),
+                 hasMonitors ? whole->domAggPower().aggRxPower() : unreadable );
+      EXPECT_EQ( status->domThresholdValid(), hasLimits );
+      EXPECT_EQ( doubles( status->domThreshold() ), hasLimits
+                                                       ? doubles( whole->domThreshold() )
+                                                       : std::vector<double>( 24, unreadable ) );
+      for ( Set const & set : sets ) {
+         bool const hasSet = size >= set.end;
+         EXPECT_EQ( status->enhancedDomThresholdValid( set.index ), hasSet );
+         EXPECT_EQ( doubles( status->enhancedDomThreshold( set.index ) ),
+                    hasSet ? doubles( whole->enhancedDomThreshold( set.index ) )
+                           : std::vector<double>( 4, unreadable ) );
+      }
+   }
 }
 
 TEST( QsfpStatusTest, AskingAllocatesNothing ) {
