@@ -113,8 +113,9 @@ std::string wordsOf( std::string_view fieldName ) {
 
 std::string_view unitOf( std::string_view fieldName ) {
    static constexpr Word units[] = {
-      { "temp", "°C" },   { "voltage", "V" },     { "txBias", "mA" },
-      { "Power", "dBm" }, { "Frequency", "MHz" }, { "txFineTuneRange", "MHz" },
+      { "temp", "°C" },        { "voltage", "V" },     { "txBias", "mA" },
+      { "Power", "dBm" },      { "Frequency", "MHz" }, { "txFineTuneRange", "MHz" },
+      { "Attenuation", "dB" },
    };
    for ( auto const & [part, unit] : units ) {
       if ( fieldName.find( part ) != std::string_view::npos ) {
