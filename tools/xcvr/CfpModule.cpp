@@ -735,6 +735,9 @@ Sentences ofMissingTables( Module const & module ) {
    }
    if ( cfp.isCoherent() ) {
       needed.push_back( cfp.find( "minFrequencyTHz" ) );
+      if ( cfp.identifier() == static_cast<std::uint8_t>( Xcvr::identifierCfpx ) ) {
+         needed.push_back( cfp.find( "txRfDriverType" ) ); // the media type depends on it
+      }
    }
    std::ranges::stable_sort( needed, {}, []( auto const * reg ) { return reg->row->table; } );
    Sentences found;

@@ -63,17 +63,9 @@ struct Word {
 };
 
 constexpr Word words[] = {
-   { "tx", "Tx" },
-   { "rx", "Rx" },
-   { "los", "LOS" },
-   { "lol", "LOL" },
-   { "cdr", "CDR" },
-   { "hi", "high" },
-   { "tc", "TC" },
-   { "lp", "LP" },
-   { "lo", "low" },
-   { "eq", "equalizer" },
-   { "temp", "temperature" },
+   { "tx", "Tx" },        { "rx", "Rx" },   { "los", "LOS" },      { "lol", "LOL" },
+   { "cdr", "CDR" },      { "hi", "high" }, { "agg", "total" },    { "tc", "TC" },
+   { "lp", "LP" },        { "lo", "low" },  { "eq", "equalizer" }, { "temp", "temperature" },
    { "warn", "warning" },
 };
 
