@@ -448,7 +448,7 @@ std::size_t bytesShown( std::string const & dump ) {
    std::istringstream lines( dump );
    for ( std::string line; std::getline( lines, line ); ) {
       line.resize( std::max( line.size(), valueAt ), ' ' );
-      if ( !std::isdigit( static_cast<unsigned char>( line[2] ) ) || line[nameAt] == '(' ) {
+      if ( !std::isxdigit( static_cast<unsigned char>( line[2] ) ) || line[nameAt] == '(' ) {
          continue; // without an address, or in parentheses
       }
       bool const isRun = line.compare( bytesAt + 2, 4, " ..." ) == 0;
@@ -477,6 +477,17 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
           { "20h", 0, 128 },
           { "21h", 0, 128 },
           { "77h", 0, 128 } } },
+      { XcvrTool::XcvrType::cfp2,
+        { { "8000h", 128, 128 },
+          { "8080h", 0, 128 },
+          { "8180h", 0, 128 },
+          { "8777h", 0, 128 },
+          { "a000h", 0, 256 },
+          { "a280h", 0, 256 },
+          { "a400h", 0, 256 },
+          { "a777h", 0, 256 },
+          { "b000h", 0, 256 },
+          { "bb00h", 0, 256 } } },
    };
    std::minstd_rand random( 1 );
    for ( unsigned round = 0; round < 400; ++round ) {

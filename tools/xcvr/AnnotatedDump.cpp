@@ -17,11 +17,16 @@ constexpr std::size_t bytesWidth = bytesPerLine * 3 - 1;
 constexpr std::size_t nameWidth = 25;
 constexpr std::size_t valueAt = 8 + bytesWidth + 2 + nameWidth + 2;
 
+/// The page is a table of registers, whose addresses have four digits and are written in hex only.
+bool isRegisterTable( PageLayout const & layout ) {
+   return layout.firstAddress > 0xff;
+}
+
 /// Writes the lines of one page: address, bytes, field, value.
 class PageDump {
  public:
-   /// `base` is the address of the first byte.
-   PageDump( std::string_view bytes, std::size_t base ) : bytes_( bytes ), base_( base ) {}
+   PageDump( Module const & module, std::string_view bytes, PageLayout const & layout )
+      : module_( module ), bytes_( bytes ), layout_( layout ) {}
 
    /// The line of a field, with its name as given.
    void field( MemoryField const & field, std::string const & name );
@@ -37,15 +42,19 @@ class PageDump {
    void line( std::size_t at, std::string_view bytes, std::string_view name,
               std::string_view value );
 
+   Module const & module_;
    std::string_view bytes_;
-   std::size_t base_;
+   PageLayout const & layout_;
    std::string text_;
 };
 
 void PageDump::line( std::size_t at, std::string_view bytes, std::string_view name,
                      std::string_view value ) {
-   std::string const place =
-      bytes.empty() ? std::string( 6, ' ' ) : fmt::format( "{:3} {:02x}", base_ + at, base_ + at );
+   std::size_t const address = layout_.firstAddress + at / layout_.bytesPerAddress;
+   std::string const place = bytes.empty() ? std::string( 6, ' ' )
+                             : isRegisterTable( layout_ )
+                                ? fmt::format( "  {:04x}", address )
+                                : fmt::format( "{:3} {:02x}", address, address );
    std::string const whole =
       fmt::format( "{}  {:{}}  {:{}}  {}", place, bytes, bytesWidth, name, nameWidth, value );
    text_ += whole.substr( 0, whole.find_last_not_of( ' ' ) + 1 ) + '\n';
@@ -54,7 +63,7 @@ void PageDump::line( std::size_t at, std::string_view bytes, std::string_view na
 void PageDump::field( MemoryField const & field, std::string const & name ) {
    std::size_t const beyond = std::max( name.size(), nameWidth ) - nameWidth;
    std::vector<std::string> const values =
-      wrapped( fieldText( bytes_, field ), lineWidth - valueAt - beyond );
+      wrapped( module_.valueOf( bytes_, field ), lineWidth - valueAt - beyond );
    std::string_view const bytes = bytes_.substr( field.at, field.width );
    std::size_t const byteLines = ( bytes.size() + bytesPerLine - 1 ) / bytesPerLine;
    for ( std::size_t i = 0; i < std::max( byteLines, values.size() ); ++i ) {
@@ -66,15 +75,17 @@ void PageDump::field( MemoryField const & field, std::string const & name ) {
 
 void PageDump::plain( std::size_t from, std::size_t to, std::string_view name ) {
    to = std::min( to, bytes_.size() );
+   std::size_t const step = layout_.bytesPerAddress; // a line begins where a register does
    while ( from < to ) {
-      if ( std::size_t const count = equalBytes( from, to ); count > bytesPerLine ) {
+      if ( std::size_t count = equalBytes( from, to ); count > bytesPerLine ) {
+         count -= count % step;
          std::string const byte = hexBytes( bytes_.substr( from, 1 ), "" );
          line( from, byte + " ...", name, fmt::format( "{} bytes of {}", count, byte ) );
          from += count;
       } else {
          std::size_t end = from;
          while ( end < to && end < from + bytesPerLine && equalBytes( end, to ) <= bytesPerLine ) {
-            ++end;
+            end = std::min( end + step, to );
          }
          std::string_view const bytes = bytes_.substr( from, end - from );
          std::string const characters = printable( bytes );
@@ -92,8 +103,8 @@ bool isPlain( MemoryField const & field ) {
 }
 
 /// The bytes of a page with the fields that mean something in this module.
-std::string dumpOf( std::string_view bytes, PageLayout const & layout ) {
-   PageDump dump( bytes, layout.firstAddress );
+std::string dumpOf( Module const & module, std::string_view bytes, PageLayout const & layout ) {
+   PageDump dump( module, bytes, layout );
    std::size_t done = 0;
    for ( MemoryField const & field : layout.fields ) {
       if ( field.at >= bytes.size() ) {
@@ -126,9 +137,9 @@ std::string hexdumpText( Module const & module, Style const & style ) {
          fmt::format( "Page {}, {} byte{}{}{}", label, bytes.size(), bytes.size() == 1 ? "" : "s",
                       layout.remark.empty() ? "" : ", ", layout.remark );
       text += fmt::format( "{}{}\n", text.empty() ? "" : "\n", style.heading( heading ) );
-      text += fmt::format( "{:6}  {:{}}  {:{}}  {}\n", "Byte", "Contents", bytesWidth, "Field",
-                           nameWidth, "Value" );
-      text += dumpOf( bytes, layout );
+      text += fmt::format( "{:6}  {:{}}  {:{}}  {}\n", isRegisterTable( layout ) ? "Reg." : "Byte",
+                           "Contents", bytesWidth, "Field", nameWidth, "Value" );
+      text += dumpOf( module, bytes, layout );
    }
    return text;
 }

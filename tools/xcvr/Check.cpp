@@ -30,7 +30,9 @@ Sentences ofUnknownMediaType( Module const & module ) {
         module.status().mediaType() != Xcvr::xcvrUnknown ) {
       return {};
    }
-   std::string_view const name = codeName( identifierNames, module.identifier() );
+   // The first page, whatever the family, has the identifier; numbers of CFP modules are their own.
+   std::string_view const page = module.image().pages.begin()->first;
+   std::string_view const name = codeName( codeNamesOf( "identifier", page ), module.identifier() );
    return { fmt::format( "The identifier {:02x}h ({}) is not borne out: no rule for the media type "
                          "knows the module",
                          module.identifier(), name ) };

@@ -281,6 +281,27 @@ inline constexpr CodeName minVoltageNames[] = {
    { 0x02, "1.8 V" },
 };
 
+/// CFP MSA, identifiers, connectors and Ethernet applications, with numbers of their own.
+inline constexpr CodeName cfpIdentifierNames[] = {
+   { 0x11, "CFP2" },
+   { 0x14, "CFPx: analogue coherent" },
+   { 0x19, "CFP2-DCO" },
+};
+
+inline constexpr CodeName cfpConnectorNames[] = {
+   { 0x01, "SC" },
+   { 0x07, "LC" },
+   { 0x09, "MPO" },
+};
+
+inline constexpr CodeName cfpApplicationNames[] = {
+   { 0x00, "undefined" },
+   { 0x01, "100GBASE-LR4" },
+   { 0x02, "100GBASE-ER4" },
+   { 0x03, "100GBASE-SR10" },
+   { 0x11, "100G DWDM coherent" },
+};
+
 struct CodeNames {
    std::string_view field; // its name in the field table
    std::span<CodeName const> names;
@@ -289,6 +310,9 @@ struct CodeNames {
 
 /// The fields that hold a code, if only instead of some numbers.
 inline constexpr CodeNames codeNames[] = {
+   { "identifier", cfpIdentifierNames, "8000h" },
+   { "connector", cfpConnectorNames, "8000h" },
+   { "ethernetApplicationCode", cfpApplicationNames },
    { "identifier", identifierNames },
    { "lowerIdentifier", identifierNames },
    { "extIdentifier", extIdentifierNames },

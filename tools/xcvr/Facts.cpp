@@ -63,17 +63,9 @@ struct Word {
 };
 
 constexpr Word words[] = {
-   { "tx", "Tx" },
-   { "rx", "Rx" },
-   { "los", "LOS" },
-   { "lol", "LOL" },
-   { "cdr", "CDR" },
-   { "hi", "high" },
-   { "tc", "TC" },
-   { "lp", "LP" },
-   { "lo", "low" },
-   { "eq", "equalizer" },
-   { "temp", "temperature" },
+   { "tx", "Tx" },        { "rx", "Rx" },   { "los", "LOS" },      { "lol", "LOL" },
+   { "cdr", "CDR" },      { "hi", "high" }, { "agg", "total" },    { "tc", "TC" },
+   { "lp", "LP" },        { "lo", "low" },  { "eq", "equalizer" }, { "temp", "temperature" },
    { "warn", "warning" },
 };
 
@@ -113,8 +105,9 @@ std::string wordsOf( std::string_view fieldName ) {
 
 std::string_view unitOf( std::string_view fieldName ) {
    static constexpr Word units[] = {
-      { "temp", "°C" },   { "voltage", "V" },     { "txBias", "mA" },
-      { "Power", "dBm" }, { "Frequency", "MHz" }, { "txFineTuneRange", "MHz" },
+      { "temp", "°C" },        { "voltage", "V" },     { "txBias", "mA" },
+      { "Power", "dBm" },      { "Frequency", "MHz" }, { "txFineTuneRange", "MHz" },
+      { "Attenuation", "dB" },
    };
    for ( auto const & [part, unit] : units ) {
       if ( fieldName.find( part ) != std::string_view::npos ) {

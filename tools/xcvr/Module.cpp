@@ -1,5 +1,7 @@
 #include "tools/xcvr/Module.h"
 
+#include "tools/xcvr/CfpModule.h"
+#include "tools/xcvr/FieldText.h"
 #include "tools/xcvr/QsfpModule.h"
 #include "tools/xcvr/SfpModule.h"
 #include "tools/xcvr/Text.h"
@@ -20,6 +22,7 @@ struct Family {
 constexpr Family families[] = {
    { XcvrType::sfpPlus, sfpModule },
    { XcvrType::qsfpPlus, qsfpModule },
+   { XcvrType::cfp2, cfpModule },
 };
 
 } // namespace
@@ -27,6 +30,10 @@ constexpr Family families[] = {
 std::string_view Module::page( std::string_view label ) const {
    std::string const * bytes = image_.page( label );
    return bytes ? std::string_view( *bytes ) : std::string_view();
+}
+
+std::string Module::valueOf( Xcvr::PageView bytes, Xcvr::MemoryField const & field ) const {
+   return fieldText( bytes, field );
 }
 
 std::vector<std::string> familyNames() {

@@ -42,7 +42,8 @@ struct Check {
 
 /// How a page of an image is read, byte by byte.
 struct PageLayout {
-   std::size_t firstAddress = 0; // of the page's first byte
+   std::size_t firstAddress = 0;    // of the page's first byte
+   std::size_t bytesPerAddress = 1; // of a table of registers of two bytes 2
    /// The fields that mean something in this module, in the order of addresses, which count from the
    /// page's first byte.
    std::vector<Xcvr::MemoryField> fields = {};
@@ -78,6 +79,9 @@ class Module {
    // `hexdump`
 
    [[nodiscard]] virtual PageLayout layoutOf( std::string_view page ) const = 0;
+   /// The value of a field of a page's layout as people read it.
+   [[nodiscard]] virtual std::string valueOf( Xcvr::PageView bytes,
+                                              Xcvr::MemoryField const & field ) const;
 
    // `check`
 

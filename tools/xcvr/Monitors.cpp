@@ -1,5 +1,6 @@
 #include "tools/xcvr/Monitors.h"
 
+#include <Xcvr/XcvrCfp2Status.h>
 #include <Xcvr/XcvrOptics.h>
 
 #include <algorithm>
@@ -77,6 +78,26 @@ constexpr Aggregate aggregates[] = {
      &Xcvr::DomAggPower::aggRxPower },
 };
 
+/// A CFP monitors its network lanes, and an image may lack some tables of its monitors; null for
+/// modules of the other families.
+Xcvr::Cfp2NewStatus const * cfpStatus( XcvrNewStatus const & status ) {
+   return dynamic_cast<Xcvr::Cfp2NewStatus const *>( &status );
+}
+
+/// Whether minus infinity is no light, and not a register that the image lacks. (A CFPx says its power
+/// in dBm, and so never minus infinity.)
+bool mayBeNoLight( XcvrNewStatus const & status, Monitor const & monitor, std::uint8_t lane ) {
+   using Xcvr::CfpTable::access;
+   Xcvr::Cfp2NewStatus const * cfp = cfpStatus( status );
+   if ( !cfp ) {
+      return true;
+   }
+   Xcvr::CfpMsaMisIdEepromContents const & contents = cfp->cfpMsaMisIdEepromContents();
+   return !contents.isIn( Xcvr::cfpxModules ) &&
+          ( ( monitor.value == &DomInfo::txPower && contents.holds( access( "txPower" ), lane ) ) ||
+            ( monitor.value == &DomInfo::rxPower && contents.holds( access( "rxPower" ), lane ) ) );
+}
+
 constexpr Limits noLimits{ unreadable, unreadable, unreadable, unreadable };
 
 Limits limitsIn( XcvrNewStatus const & status, Monitor const & monitor ) {
@@ -133,7 +154,8 @@ std::string Reading::valueText() const {
 }
 
 unsigned lanesOf( XcvrNewStatus const & status ) {
-   return std::max<unsigned>( status.capabilities().maxChannels(), 1 );
+   Xcvr::Cfp2NewStatus const * cfp = cfpStatus( status );
+   return std::max<unsigned>( cfp ? cfp->networkLanes() : status.capabilities().maxChannels(), 1 );
 }
 
 namespace {
@@ -144,8 +166,10 @@ void addAggregates( std::vector<Reading> & readings, XcvrNewStatus const & statu
    for ( auto const & [monitor, value] : aggregates ) {
       if ( lanesOf( status ) > 1 && status.domInfoValid( Xcvr::LaneId() ) &&
            ( capabilities.*monitor.implemented )() ) {
-         readings.push_back(
-            { &monitor, std::string( monitor.label ), ( power.*value )(), noLimits } );
+         double const sum = ( power.*value )();
+         if ( sum != unreadable || !cfpStatus( status ) ) {
+            readings.push_back( { &monitor, std::string( monitor.label ), sum, noLimits } );
+         }
       }
    }
 }
@@ -209,7 +233,8 @@ std::vector<Reading> readingsOf( XcvrNewStatus const & status ) {
          DomInfo const info = status.domInfo( id );
          double const value = ( info.*monitor.value )();
          bool const isCalibrated = info.calibration() != Xcvr::domCalibrationUnknown;
-         if ( value != unreadable || ( isCalibrated && ( capabilities.*monitor.implemented )() ) ) {
+         if ( value != unreadable || ( isCalibrated && ( capabilities.*monitor.implemented )() &&
+                                       mayBeNoLight( status, monitor, id.value() ) ) ) {
             readings.push_back( { &monitor, laneLabel( monitor, lane, lanes ), value, limits } );
          }
       }

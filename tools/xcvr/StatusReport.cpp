@@ -61,14 +61,18 @@ std::optional<std::string> isoDate( std::string_view dateCode ) {
                        digits.substr( 4, 2 ) );
 }
 
-void addDate( Report & report, std::string_view dateCode ) {
-   std::optional<std::string> const date = isoDate( dateCode );
+/// A date code with a century has no lot code behind the day.
+void addDate( Report & report, std::string_view dateCode, bool hasCentury ) {
+   std::optional<std::string> const date = !hasCentury ? isoDate( dateCode )
+                                           : dateCode.starts_with( "20" )
+                                              ? isoDate( dateCode.substr( 2 ) )
+                                              : std::nullopt;
    report.push_back( { .member = "vendorInfo/vendorDateCode",
                        .value = utf8( unpadded( dateCode ) ),
                        .label = "Date code",
                        .text = date ? *date : shown( dateCode ) } );
    report.push_back( { .member = "date", .value = date ? Json( *date ) : Json() } );
-   std::string_view const lotCode = date ? unpadded( dateCode ).substr( 6 ) : "";
+   std::string_view const lotCode = date && !hasCentury ? unpadded( dateCode ).substr( 6 ) : "";
    report.push_back( { .member = "lotCode",
                        .value = utf8( lotCode ),
                        .label = lotCode.empty() ? "" : "Lot code",
@@ -81,7 +85,7 @@ void addItem( Report & report, XcvrNewStatus const & status ) {
    Xcvr::VendorInfo const vendor = status.vendorInfo();
    addText( report, "vendorInfo/vendorSn", "Vendor serial number", vendor.vendorSn() );
    addText( report, "vendorInfo/vendorRev", "Vendor revision", vendor.vendorRev() );
-   addDate( report, vendor.vendorDateCode().view() );
+   addDate( report, vendor.vendorDateCode().view(), status.xcvrType() == Xcvr::XcvrType::cfp2 );
 }
 
 namespace {
