@@ -75,6 +75,7 @@ std::string_view CfpMsaMisIdEepromContents::view( Access const & access ) const 
 }
 
 Vel::String CfpMsaMisIdEepromContents::vendorRev() const {
+   VEL_TRACE_SCOPE( trace );
    char const revision[] = { static_cast<char>( u8( access( "vendorRevFirst" ) ) ),
                              static_cast<char>( u8( access( "vendorRevSecond" ) ) ) };
    if ( revision[0] == '\0' ) {
@@ -100,6 +101,7 @@ float CfpMsaMisIdEepromContents::txSkew( uint8_t hostChannel ) const {
 }
 
 float CfpMsaMisIdEepromContents::rxSkew( uint8_t hostChannel ) const {
+   VEL_TRACE_SCOPE( trace );
    switch ( hostChannel ) {
    case 1:
       return tenths( u16( access( "rxSkew1" ) ) );
@@ -219,10 +221,8 @@ uint8_t CfpMsaMisIdEepromContents::checksum( CfpMsaMisTableId tableId ) const {
 
 bool CfpMsaMisIdEepromContents::checksumValid( CfpMsaMisTableId tableId ) const {
    VEL_TRACE_SCOPE( trace );
-   ChecksumRange const * range = checksumRange( tableId );
-   CfpMsaMisMemoryTable const * storing = range ? table( range->stored.table ) : nullptr;
-   return storing && table( tableId ) &&
-          storing->distance( range->stored.field.address ) < storing->contents().size() &&
+   // What cannot be read counts as 0; only a table that is not there at all is never valid.
+   return checksumRange( tableId ) && table( tableId ) &&
           checksumCalculated( tableId ) == checksum( tableId );
 }
 

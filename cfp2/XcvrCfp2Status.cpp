@@ -437,8 +437,11 @@ void Cfp2NewStatus::updateLaneStatus() {
    // The one flag of a CFPx or CFP2-DCO holds for all its lanes.
    unsigned const whole = contents.isIn( cfpxAndDcoModules ) ? 0xffff : 1;
    unsigned const faults = domInfoValid( LaneId() ) ? contents.txFaultStatus() * whole : 0;
-   for ( uint8_t lane = 0; lane < count; ++lane ) {
-      laneStatusIs( LaneId( lane ) )->txFaultPresentIs( faults >> lane & 1 );
+   for ( uint8_t lane = 0; lane < Contents::lanes; ++lane ) {
+      // The lanes of a module with more of them, which was there before, have no fault any more.
+      if ( lane < count || laneStatusHas( LaneId( lane ) ) ) {
+         laneStatusIs( LaneId( lane ) )->txFaultPresentIs( lane < count && faults >> lane & 1 );
+      }
    }
 }
 
@@ -511,10 +514,11 @@ CfpxTuneStatus Cfp2NewStatus::cfpxTuneStatus() const {
    uint16_t const word = c.txChannel();
    uint32_t const channel = channelIn( word ), grid = gridOfCode( word >> 13 );
    auto const fineTune = static_cast<int16_t>( c.txFineTuneFreq() );
-   uint32_t const frequency = channel != 0 && grid != 0
-                                 ? decodeItuFrequency( firstFrequency( c ), channel, grid ) +
-                                      static_cast<uint32_t>( fineTune )
-                                 : 0;
+   uint32_t const first = firstFrequency( c );
+   uint32_t const frequency =
+      channel != 0 && grid != 0 && first != 0
+         ? decodeItuFrequency( first, channel, grid ) + static_cast<uint32_t>( fineTune )
+         : 0;
    auto const attenuation = [&c]( CfpTable::Access const & a, uint16_t raw ) {
       return c.holds( a ) ? Contents::decodeAttenuation( raw ) : unreadable;
    };
@@ -533,7 +537,8 @@ void Cfp2NewStatus::updateCfpxTuneConfig() {
    uint32_t const wanted = wantedFrequency( tuning );
    uint32_t const first = firstFrequency( contentsInEffect( *this ) );
    uint32_t const grid = effectiveGridSpacing( tuning.channel(), tuning.grid() );
-   if ( grid != 0 && wanted >= first ) {
+   uint32_t const last = ghzFreqToMhz( contentsInEffect( *this ).maxFrequency() );
+   if ( grid != 0 && first != 0 && wanted >= first && wanted <= last ) {
       uint32_t const channel = decodeItuChannel( first, grid, wanted + grid / 2 );
       // At most half the grid.
       auto const off = static_cast<int32_t>( wanted - decodeItuFrequency( first, channel, grid ) );

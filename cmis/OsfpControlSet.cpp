@@ -176,11 +176,11 @@ bool OsfpControlSet::applyControlIs( uint8_t lanes ) {
 
 Vel::String OsfpControlSet::apSelString() const {
    VEL_TRACE_SCOPE( trace );
-   Vel::Ptr<OsfpControlSet> const copy = osfpControlSetFactory( image_ );
-   for ( uint8_t lane = 0; lane < osfpLanes; ++lane ) {
-      copy->explicitTuningControlIs( OsfpLane( lane ), Vel::U1( 0 ) );
+   Vel::String result = image_.substr( 0, osfpLanes ); // of a short image what there is
+   for ( std::size_t lane = 0; lane < result.size(); ++lane ) {
+      result.byteIs( lane, static_cast<uint8_t>( result[lane] & ~1 ) );
    }
-   return copy->image().substr( 0, osfpLanes );
+   return result;
 }
 
 } // namespace Xcvr

@@ -42,6 +42,12 @@ OsfpDecodedEepromContents const & CmisStatus::decoded() const {
 
 void CmisStatus::parseEeprom() {
    VEL_TRACE_SCOPE( trace );
+   // Contents that were put in place of those it knows, by an agent or on a replica, get a new parser.
+   auto const pagesNow = rawEepromContentsIs();
+   auto const decodedNow = decodedEepromContentsIs();
+   if ( parser_->rawEeprom() != pagesNow || parser_->parsedEeprom() != decodedNow ) {
+      parser_ = osfpEepromParserFactory( pagesNow, decodedNow );
+   }
    auto const parser = parser_; // an observer may clear the contents
    OsfpRawEepromContents const & pages = *parser->rawEeprom();
    bool const lower = pages.has( row( "identifier" ) );
@@ -284,8 +290,10 @@ TuningValue CmisStatus::tuningValue( LaneId lane,
    if ( lane.value() >= osfpLanes || !codes.contains( ChannelId( lane.value() ) ) ) {
       return {};
    }
-   Vel::String const & controlSet = parser_->writeShadow()->activeControlSet();
-   bool const explicitControl = controlSet[lane.value()] & 1;
+   // From the page: a replica has no parser that ran.
+   constexpr MemoryField controlSet = row( "activeControlSet" );
+   Vel::String const page = raw().memory( { OsfpBank::bank0, OsfpPage::upperPage11 } );
+   bool const explicitControl = PageView( page.view() ).u8( controlSet.at + lane.value() ) & 1;
    return { true, codes.at( ChannelId( lane.value() ) ), !explicitControl };
 }
 

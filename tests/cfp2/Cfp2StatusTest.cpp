@@ -328,6 +328,12 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
    cfp2->presenceIs( xcvrNotPresent );
    cfp2->updateLaneStatus();
    EXPECT_FALSE( cfp2->laneStatus( LaneId( 2 ) )->txFaultPresent() );
+   cfp2->presenceIs( xcvrPresent );
+   cfp2->updateLaneStatus();
+   EXPECT_TRUE( cfp2->laneStatus( LaneId( 2 ) )->txFaultPresent() );
+   cfp2->clearIdEepromContents(); // a module without lanes
+   cfp2->updateLaneStatus();
+   EXPECT_FALSE( cfp2->laneStatus( LaneId( 2 ) )->txFaultPresent() );
    CfpImageBuilder twoLanes = module( identifierCfp2Dco, 17, 2 );
    Vel::Ptr<Cfp2NewStatus> const whole = inserted( twoLanes.raw( "moduleGeneralStatus", 0x80 ) );
    whole->updateLaneStatus();

@@ -168,6 +168,7 @@ TEST( OsfpControlSetTest, AShortImageReadsAsZeroAndIsNotWritten ) {
    EXPECT_EQ( set->laneApSel( OsfpLane( 3 ) ), 0x24 );
    EXPECT_EQ( set->laneApSel( OsfpLane( 4 ) ), 0 );
    EXPECT_EQ( set->getU32FromControlSetString( 2 ), 0x2423u );
+   EXPECT_EQ( set->apSelString(), "\x20\x22\x22\x24" );
    EXPECT_EQ( set->tuning( OsfpLane( 0 ) ), OsfpTuningParamValue() );
    EXPECT_TRUE( set->applicationCodeIs( OsfpLane( 3 ), Vel::U4( 1 ) ) );
    EXPECT_DEATH( set->laneApSelIs( OsfpLane( 4 ), 0 ), "offset < image.size\\(\\)" );
