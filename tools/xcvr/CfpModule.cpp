@@ -154,6 +154,12 @@ MemoryField fieldOf( CfpRegister const & row, unsigned lane, bool isCfp2 ) {
    return field;
 }
 
+/// A number as stored in the unit of its register. Tenths and the like are divided, which gives 26.4
+/// where multiplying would give 26.400000000000002.
+double inUnit( int number, double scale ) {
+   return scale < 1 ? number / std::round( 1 / scale ) : number * scale;
+}
+
 bool isBitField( CfpRegister const & row ) {
    return row.field.width < Xcvr::cfpRegisterWidth( row.table );
 }
@@ -361,7 +367,7 @@ void CfpModule::addQuantity( Report & report, std::string_view name, char const 
                              int decimals, char const * behind ) const {
    Register const * reg = find( name );
    std::optional<int> const code = number( name );
-   double const value = code ? *code * reg->field.scale : 0;
+   double const value = code ? inUnit( *code, reg->field.scale ) : 0;
    std::string const unit( reg->field.unit );
    report.push_back( { .member = std::string( name ),
                        .value = code ? Json( value ) : Json(),
@@ -390,8 +396,8 @@ void CfpModule::wavelength( Report & report ) const {
    addQuantity( report, "minWavelength", "", 3 );
    addQuantity( report, "maxWavelength", "", 3 );
    double const scale = find( "minWavelength" )->field.scale;
-   double const shortest = number( "minWavelength" ).value_or( 0 ) * scale;
-   double const longest = number( "maxWavelength" ).value_or( 0 ) * scale;
+   double const shortest = inUnit( number( "minWavelength" ).value_or( 0 ), scale );
+   double const longest = inUnit( number( "maxWavelength" ).value_or( 0 ), scale );
    report.push_back( { .label = shortest > 0 || longest > 0 ? "Wavelength" : "",
                        .text = shortest == longest
                                   ? fmt::format( "{:.3f} nm", shortest )
@@ -623,7 +629,7 @@ void CfpModule::line( Report & report ) const {
       std::string const hex = fmt::format( "0x{:0{}x}", word.value_or( 0 ), low.empty() ? 4 : 8 );
       std::string text = fmt::format( "{} ({})", hex, word.value_or( 0 ) );
       if ( !field.unit.empty() ) {
-         double const value = number( name ).value_or( 0 ) * field.scale;
+         double const value = inUnit( number( name ).value_or( 0 ), field.scale );
          text = fmt::format( "{} ({})", numberText( value, field.scale, field.unit ), hex );
          std::string scaled( member );
          scaled[0] = static_cast<char>( scaled[0] - 'A' + 'a' );

@@ -113,7 +113,8 @@ void addTuning( Report & report, XcvrNewStatus const & status ) {
    report.push_back( { .label = isKnown ? "Grid spacings" : "", .text = joined( spacings ) } );
    report.push_back( { .member = "hwChannel",
                        .value = status.hwChannel(),
-                       .label = isKnown ? "Tuned channel" : "",
+                       // Channels count from 1; none is set, or the image does not say.
+                       .label = isKnown && status.hwChannel() != 0 ? "Tuned channel" : "",
                        .text = fmt::format( "{}", status.hwChannel() ) } );
 }
 
