@@ -1,5 +1,6 @@
 #include "tools/xcvr/Module.h"
 
+#include "tools/xcvr/CmisModule.h"
 #include "tools/xcvr/QsfpModule.h"
 #include "tools/xcvr/SfpModule.h"
 #include "tools/xcvr/Text.h"
@@ -20,6 +21,8 @@ struct Family {
 constexpr Family families[] = {
    { XcvrType::sfpPlus, sfpModule },
    { XcvrType::qsfpPlus, qsfpModule },
+   { XcvrType::qsfpDd, cmisModule },
+   { XcvrType::osfp, cmisModule },
 };
 
 } // namespace

@@ -16,7 +16,7 @@ _xcvr() {
    done
 
    if [[ $previous == --family ]]; then
-      mapfile -t COMPREPLY < <(compgen -W 'sfp qsfp' -- "$current")
+      mapfile -t COMPREPLY < <(compgen -W 'sfp qsfp qsfp-dd osfp' -- "$current")
       return
    fi
 
