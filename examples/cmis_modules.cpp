@@ -142,7 +142,7 @@ CmisImageBuilder fourHundredGigSr8() {
    power( image, 5, 9.5 );
    optics( image, 850, 41.5, 3.302, 8, 0.9, -1.2 );
    running( image, 1, 8 );
-   // Lane 5 receives nothing.
+   // Lane 6, counted from 1, receives nothing.
    image.raw( "rxPower5", 0 ).raw( "rxLos", 0x20 ).raw( "rxPowerLoAlarm", 0x20 );
    return image.raw( "rxPowerLoWarn", 0x20 ).raw( "rxCdrLol", 0x20 );
 }
@@ -196,7 +196,7 @@ Example cmis( char const * name, char const * about, CmisImageBuilder const & mo
 std::vector<Example> cmisExamples() {
    return {
       cmis( "400gbase-dr4", "400GBASE-DR4 in a QSFP-DD", fourHundredGigDr4() ),
-      cmis( "400gbase-sr8", "400GBASE-SR8 in an OSFP; lane 5 receives nothing",
+      cmis( "400gbase-sr8", "400GBASE-SR8 in an OSFP; lane 6 receives nothing",
             fourHundredGigSr8() ),
       cmis( "400gbase-cr8", "400GBASE-CR8 cable of 2 m in a QSFP-DD, flat memory",
             fourHundredGigCr8() ),

@@ -156,9 +156,11 @@ TEST_F( CheckTest, OfSeveralFiles ) {
 TEST_F( CheckTest, Examples ) {
    ToolRun const run = this->run( "check '" XCVR_SOURCE_DIR "'/examples/modules/*.txt" );
    EXPECT_EQ( run.exitCode, 1 );
-   EXPECT_THAT( run.out, ContainsRegex( "/alarms.txt: value-alarm: Temperature [^\n]*\n"
-                                        "[^\n]*/alarms.txt: value-alarm: Rx power [^\n]*\n"
-                                        "[^\n]*/bad-checksum.txt: checksum: [^\n]*\n$" ) );
+   EXPECT_THAT( run.out,
+                ContainsRegex( "^[^\n]*/400gbase-sr8.txt: value-alarm: Rx power, lane 6 [^\n]*\n"
+                               "[^\n]*/alarms.txt: value-alarm: Temperature [^\n]*\n"
+                               "[^\n]*/alarms.txt: value-alarm: Rx power [^\n]*\n"
+                               "[^\n]*/bad-checksum.txt: checksum: [^\n]*\n$" ) );
 }
 
 } // namespace

@@ -75,7 +75,7 @@ Sentences ofMissingMonitors( Module const & module ) {
 
 Sentences ofThresholdsOutOfOrder( Module const & module ) {
    Sentences found;
-   for ( Reading const & reading : limitsOf( module.status() ) ) {
+   for ( Reading const & reading : limitsOf( module.status(), module.ownThreshold() ) ) {
       Limits const & limits = reading.limits;
       if ( !limits.areInOrder() ) {
          auto const text = [&]( double limit ) { return limitText( *reading.monitor, limit ); };
@@ -91,7 +91,7 @@ Sentences ofThresholdsOutOfOrder( Module const & module ) {
 
 Sentences ofAlarms( Module const & module ) {
    Sentences found;
-   for ( Reading const & reading : readingsOf( module.status() ) ) {
+   for ( Reading const & reading : readingsOf( module.status(), module.missingLanes() ) ) {
       Place const place = reading.place();
       if ( place != Place::lowAlarm && place != Place::highAlarm ) {
          continue;

@@ -302,6 +302,105 @@ inline constexpr CodeName cfpApplicationNames[] = {
    { 0x11, "100G DWDM coherent" },
 };
 
+/// CMIS, revisions.
+inline constexpr CodeName cmisRevisionNames[] = {
+   { 0x30, "CMIS 3.0" },
+   { 0x40, "CMIS 4.0" },
+   { 0x50, "CMIS 5.0" },
+   { 0x51, "CMIS 5.1" },
+   { 0x52, "CMIS 5.2" },
+   { 0x53, "CMIS 5.3" },
+};
+
+/// CMIS, what a module is made for.
+inline constexpr CodeName moduleTypeNames[] = {
+   { 0x00, "undefined" },
+   { 0x01, "optical, multimode fibre" },
+   { 0x02, "optical, single-mode fibre" },
+   { 0x03, "passive copper" },
+   { 0x04, "active cable" },
+   { 0x05, "BASE-T" },
+};
+
+/// CMIS, transmitter technologies.
+inline constexpr CodeName mediaTechnologyNames[] = {
+   { 0x00, "850 nm VCSEL" },
+   { 0x01, "1310 nm VCSEL" },
+   { 0x02, "1550 nm VCSEL" },
+   { 0x03, "1310 nm FP" },
+   { 0x04, "1310 nm DFB" },
+   { 0x05, "1550 nm DFB" },
+   { 0x06, "1310 nm EML" },
+   { 0x07, "1550 nm EML" },
+   { 0x08, "other technology" },
+   { 0x09, "1490 nm DFB" },
+   { 0x0a, "copper, unequalized" },
+   { 0x0b, "copper, passive equalized" },
+   { 0x0c, "copper, active near and far end" },
+   { 0x0d, "copper, active far end" },
+   { 0x0e, "copper, active near end" },
+   { 0x0f, "copper, linear active" },
+   { 0x10, "C-band tunable laser" },
+   { 0x11, "L-band tunable laser" },
+};
+
+/// CMIS, why a module is in its fault state.
+inline constexpr CodeName faultCauseNames[] = {
+   { 0x00, "none, or not told" },
+   { 0x01, "TEC runaway" },
+   { 0x02, "data memory corrupted" },
+   { 0x03, "program memory corrupted" },
+   { 0x04, "transmitter fault" },
+   { 0x05, "receiver fault" },
+   { 0x06, "temperature" },
+};
+
+/// CMIS, power classes in the highest three bits.
+inline constexpr CodeName cmisPowerClassNames[] = {
+   { 0x00, "power class 1" },
+   { 0x20, "power class 2" },
+   { 0x40, "power class 3" },
+   { 0x60, "power class 4" },
+   { 0x80, "power class 5" },
+   { 0xa0, "power class 6" },
+   { 0xc0, "power class 7" },
+   { 0xe0, "power class 8" },
+};
+
+/// CMIS, the state of a module in bits 3-1.
+inline constexpr CodeName moduleStateNames[] = {
+   { 0x02, "low power" },
+   { 0x04, "powering up" },
+   { 0x06, "ready" },
+   { 0x08, "powering down" },
+   { 0x0a, "fault" },
+};
+
+/// CMIS, the speed of the management bus.
+inline constexpr CodeName busSpeedNames[] = {
+   { 0x00, "bus up to 400 kHz" },
+   { 0x04, "bus up to 1 MHz" },
+};
+
+/// CMIS, the largest code of Tx input equalization.
+inline constexpr CodeName maxTxEqNames[] = {
+   { 0x01, "Tx EQ up to 1" },
+   { 0x02, "Tx EQ up to 2" },
+   { 0x03, "Tx EQ up to 3" },
+   { 0x04, "Tx EQ up to 4" },
+   { 0x05, "Tx EQ up to 5" },
+   { 0x06, "Tx EQ up to 6" },
+   { 0x07, "Tx EQ up to 7" },
+   { 0x08, "Tx EQ up to 8" },
+   { 0x09, "Tx EQ up to 9" },
+   { 0x0a, "Tx EQ up to 10" },
+   { 0x0b, "Tx EQ up to 11" },
+   { 0x0c, "Tx EQ up to 12" },
+   { 0x0d, "Tx EQ up to 13" },
+   { 0x0e, "Tx EQ up to 14" },
+   { 0x0f, "Tx EQ up to 15" },
+};
+
 struct CodeNames {
    std::string_view field; // its name in the field table
    std::span<CodeName const> names;
@@ -323,7 +422,13 @@ inline constexpr CodeNames codeNames[] = {
    { "bitrateNominal", qsfpBitrateNominalNames, "00h" },
    { "rateIdentifier", rateIdentifierNames },
    { "complianceExtended", complianceExtendedNames },
-   { "revision", revisionNames },
+   { "revision", revisionNames, "a0h" },
+   { "revision", cmisRevisionNames, "lower" },
+   { "identifierExtended", identifierNames, "00h" }, // of CMIS; that of SFF-8636 are bits
+   { "moduleType", moduleTypeNames },
+   { "mediaTechnology", mediaTechnologyNames },
+   { "faultCause", faultCauseNames },
+   { "powerClass", cmisPowerClassNames },
    { "revisionCompliance", qsfpRevisionNames },
 };
 
@@ -339,6 +444,9 @@ inline constexpr BitCode bitCodes[] = {
    { "deviceTech", 0xf0, technologyNames },
    { "lowerProperties", 0xf0, lowPowerNames },
    { "lowerProperties", 0x07, minVoltageNames },
+   { "moduleState", 0x0e, moduleStateNames },
+   { "memoryAndSpeed", 0x0c, busSpeedNames },
+   { "rxAmplitudeAndMaxTxEq", 0x0f, maxTxEqNames },
 };
 // clang-format on
 

@@ -85,7 +85,7 @@ void describeJson( CLI::App & command, Arguments & arguments ) {
 void describeArguments( CLI::App & app, Arguments & arguments ) {
    app.name( "xcvr" );
    app.description( "Decodes the management memory of pluggable transceivers (SFP, SFP+, SFP28,\n"
-                    "QSFP, QSFP+, QSFP28, CFP2, CFP2-DCO)." );
+                    "QSFP, QSFP+, QSFP28, QSFP-DD, OSFP, CFP2, CFP2-DCO)." );
    app.set_version_flag( "--version", "xcvr " XCVR_VERSION, "Print the version and exit" );
    app.set_help_flag( "-h,--help", "Print this help and exit" );
    app.require_subcommand( 1 );

@@ -55,6 +55,13 @@ void addLength( Report & report, MemoryField const & field, std::string const & 
                                   : fmt::format( "{} {}", code * step, unit ) } );
 }
 
+std::string laneWords( std::vector<unsigned> const & lanes, std::size_t of ) {
+   if ( lanes.size() == of ) {
+      return "on all lanes";
+   }
+   return fmt::format( "on lane{} {}", lanes.size() == 1 ? "" : "s", fmt::join( lanes, "/" ) );
+}
+
 namespace {
 
 struct Word {

@@ -34,6 +34,9 @@ void addBits( Report & report, Xcvr::MemoryField const & field, std::string cons
 void addLength( Report & report, Xcvr::MemoryField const & field, std::string const & label,
                 std::uint8_t code );
 
+/// "on lanes 1/3", of so many; people count lanes from 1.
+[[nodiscard]] std::string laneWords( std::vector<unsigned> const & lanes, std::size_t of );
+
 /// The name of a field of a model value, out of the label with which it is visited.
 [[nodiscard]] constexpr std::string_view fieldName( std::string_view label ) {
    std::string_view const name = label.substr( label.find( '\'' ) + 1 );

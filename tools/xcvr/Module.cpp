@@ -1,6 +1,7 @@
 #include "tools/xcvr/Module.h"
 
 #include "tools/xcvr/CfpModule.h"
+#include "tools/xcvr/CmisModule.h"
 #include "tools/xcvr/FieldText.h"
 #include "tools/xcvr/QsfpModule.h"
 #include "tools/xcvr/SfpModule.h"
@@ -20,8 +21,8 @@ struct Family {
 };
 
 constexpr Family families[] = {
-   { XcvrType::sfpPlus, sfpModule },
-   { XcvrType::qsfpPlus, qsfpModule },
+   { XcvrType::sfpPlus, sfpModule }, { XcvrType::qsfpPlus, qsfpModule },
+   { XcvrType::qsfpDd, cmisModule }, { XcvrType::osfp, cmisModule },
    { XcvrType::cfp2, cfpModule },
 };
 

@@ -8,6 +8,7 @@
 #include <Xcvr/XcvrStatus.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -68,6 +69,13 @@ class Module {
    virtual void features( Report & report ) const = 0;  // diagnostics, revision
    virtual void condition( Report & report ) const = 0; // status bits, alarms
    [[nodiscard]] virtual std::vector<Checksum> checksums() const = 0;
+
+   // Monitors
+
+   /// A bit for each lane whose monitors mean nothing, as the module has no such lane.
+   [[nodiscard]] virtual std::uint32_t missingLanes() const { return 0; }
+   /// The limits that the module has, should the system take others on purpose.
+   [[nodiscard]] virtual Xcvr::DomThreshold ownThreshold() const { return status().domThreshold(); }
 
    // `explain`
 

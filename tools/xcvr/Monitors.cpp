@@ -100,8 +100,9 @@ bool mayBeNoLight( XcvrNewStatus const & status, Monitor const & monitor, std::u
 
 constexpr Limits noLimits{ unreadable, unreadable, unreadable, unreadable };
 
-Limits limitsIn( XcvrNewStatus const & status, Monitor const & monitor ) {
-   return status.domThresholdValid() ? monitor.limits( status.domThreshold() ) : noLimits;
+Limits limitsIn( XcvrNewStatus const & status, DomThreshold const & threshold,
+                 Monitor const & monitor ) {
+   return status.domThresholdValid() ? monitor.limits( threshold ) : noLimits;
 }
 
 std::string laneLabel( Monitor const & monitor, unsigned lane, unsigned lanes ) {
@@ -218,15 +219,17 @@ std::vector<EnhancedSensor> enhancedSensorsOf( XcvrNewStatus const & status ) {
    return sensors;
 }
 
-std::vector<Reading> readingsOf( XcvrNewStatus const & status ) {
+std::vector<Reading> readingsOf( XcvrNewStatus const & status, std::uint32_t missingLanes ) {
    DomCapabilities const capabilities = status.domCapabilities();
+   DomThreshold const threshold = status.domThreshold();
    std::vector<Reading> readings;
    for ( Monitor const & monitor : monitors ) {
-      Limits const limits = limitsIn( status, monitor );
+      Limits const limits = limitsIn( status, threshold, monitor );
       unsigned const lanes = monitor.perLane ? lanesOf( status ) : 1;
       for ( unsigned lane = 0; lane < lanes; ++lane ) {
          Xcvr::LaneId const id( static_cast<std::uint8_t>( lane ) );
-         if ( !status.domInfoValid( id ) ) {
+         bool const isMissing = monitor.perLane && ( missingLanes >> lane & 1 );
+         if ( isMissing || !status.domInfoValid( id ) ) {
             continue;
          }
          // No light is minus infinity, and so is a monitor that is not there.
@@ -248,10 +251,10 @@ std::vector<Reading> readingsOf( XcvrNewStatus const & status ) {
    return readings;
 }
 
-std::vector<Reading> limitsOf( XcvrNewStatus const & status ) {
+std::vector<Reading> limitsOf( XcvrNewStatus const & status, DomThreshold const & threshold ) {
    std::vector<Reading> all;
    for ( Monitor const & monitor : monitors ) {
-      Limits const limits = limitsIn( status, monitor );
+      Limits const limits = limitsIn( status, threshold, monitor );
       if ( limits.areKnown() ) {
          all.push_back( { &monitor, std::string( monitor.label ), unreadable, limits } );
       }

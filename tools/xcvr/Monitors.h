@@ -4,6 +4,7 @@
 
 #include <Xcvr/XcvrStatus.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -62,11 +63,15 @@ struct EnhancedSensor {
 /// The number of lanes that have monitors of their own, counted from 0: at least one.
 [[nodiscard]] unsigned lanesOf( Xcvr::XcvrNewStatus const & status );
 
-/// The values that a module gives, lane by lane, or none.
-[[nodiscard]] std::vector<Reading> readingsOf( Xcvr::XcvrNewStatus const & status );
+/// The values that a module gives, lane by lane, or none. `missingLanes` has a bit for each lane
+/// whose monitors mean nothing.
+[[nodiscard]] std::vector<Reading> readingsOf( Xcvr::XcvrNewStatus const & status,
+                                               std::uint32_t missingLanes = 0 );
 
-/// The limits that a module gives, in the same shape; the values are minus infinity.
-[[nodiscard]] std::vector<Reading> limitsOf( Xcvr::XcvrNewStatus const & status );
+/// The limits that a module gives, in the same shape; the values are minus infinity. Of the status's
+/// own monitors they are those in `threshold`.
+[[nodiscard]] std::vector<Reading> limitsOf( Xcvr::XcvrNewStatus const & status,
+                                             Xcvr::DomThreshold const & threshold );
 
 /// A number of the monitor's, without its unit.
 [[nodiscard]] std::string limitText( Monitor const & monitor, double limit );

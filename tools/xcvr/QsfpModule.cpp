@@ -1,6 +1,7 @@
 #include "tools/xcvr/QsfpModule.h"
 
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/FamilyChecks.h"
 #include "tools/xcvr/FieldText.h"
 
 #include <Xcvr/XcvrQsfpPlus.h>
@@ -278,14 +279,6 @@ PerLane<T> ofLanes( QsfpNewStatus const & status, T ( QsfpNewStatus::*get )( Lan
    return all;
 }
 
-/// "on lanes 1/3"; people count lanes from 1.
-std::string laneWords( std::vector<unsigned> const & lanes ) {
-   if ( lanes.size() == QsfpNewStatus::lanes ) {
-      return "on all lanes";
-   }
-   return fmt::format( "on lane{} {}", lanes.size() == 1 ? "" : "s", fmt::join( lanes, "/" ) );
-}
-
 /// What is true on any lane, in words, each once.
 template <ModelValue T>
 std::vector<std::string> trueOnLanes( PerLane<T> const & all ) {
@@ -299,7 +292,8 @@ std::vector<std::string> trueOnLanes( PerLane<T> const & all ) {
             }
          }
          if ( !lanes.empty() ) {
-            words.push_back( wordsOf( fieldName( label ) ) + ' ' + laneWords( lanes ) );
+            words.push_back( wordsOf( fieldName( label ) ) + ' ' +
+                             laneWords( lanes, QsfpNewStatus::lanes ) );
          }
       }
    } );
@@ -462,41 +456,20 @@ QsfpModule const & qsfp( Module const & module ) {
 Sentences ofMissingPages( Module const & module ) {
    Sentences found;
    for ( std::size_t id = 1; id < std::size( pageNames ); ++id ) {
-      auto const & [label, contents] = pageNames[id];
-      if ( !qsfp( module ).contents().hasPage( static_cast<Xcvr::Sff8436PageId>( id ) ) ) {
-         continue;
-      }
-      constexpr std::size_t whole = Xcvr::Sff8436Table::pageSize;
-      std::string const * page = module.image().page( label );
-      if ( !page ) {
-         found.push_back(
-            fmt::format( "The module has page {} ({}), but the image lacks it", label, contents ) );
-      } else if ( page->size() < whole ) {
-         found.push_back( fmt::format( "The image has {} of the {} bytes of page {} ({})",
-                                       page->size(), whole, label, contents ) );
+      if ( qsfp( module ).contents().hasPage( static_cast<Xcvr::Sff8436PageId>( id ) ) ) {
+         findMissingPage( found, module, pageNames[id].label, pageNames[id].contents );
       }
    }
    return found;
 }
 
 Sentences ofTwoIdentifiers( Module const & module ) {
-   PageView const lower = qsfp( module ).lower();
-   PageView const upper = qsfp( module ).upper();
-   std::uint8_t const first = lower.u8( row( "lowerIdentifier" ).at );
-   std::uint8_t const second = upper.u8( row( "identifier" ).at );
-   if ( lower.empty() || upper.empty() || first == second ) {
-      return {};
-   }
-   return { fmt::format( "Byte 0 has the identifier {:02x}h, byte 128 has {:02x}h, and they should "
-                         "be the same",
-                         first, second ) };
+   return differingIdentifiers( qsfp( module ).lower(), qsfp( module ).upper() );
 }
 
 constexpr Check qsfpChecks[] = {
-   { "page-missing", ofMissingPages,
-     "Read all pages of the module; many drivers give the first ones only." },
-   { "identifier-copy", ofTwoIdentifiers,
-     "Read the module again; if it stays so, programs may take it for one kind or the other." },
+   { "page-missing", ofMissingPages, missingPageAdvice },
+   { "identifier-copy", ofTwoIdentifiers, identifierAdvice },
 };
 
 std::span<Check const> QsfpModule::familyChecks() const {

@@ -29,7 +29,7 @@ Report reportOf( Module const & module ) {
 } // namespace
 
 std::string showText( Module const & module, Style const & style ) {
-   std::vector<Reading> const readings = readingsOf( module.status() );
+   std::vector<Reading> const readings = readingsOf( module.status(), module.missingLanes() );
    Report report = reportOf( module );
    if ( readings.empty() && module.domAdvertised() ) {
       bool const isRead = module.status().domInfoValid( Xcvr::LaneId() );

@@ -16,7 +16,7 @@ _xcvr() {
    done
 
    if [[ $previous == --family ]]; then
-      mapfile -t COMPREPLY < <(compgen -W 'sfp qsfp cfp2' -- "$current")
+      mapfile -t COMPREPLY < <(compgen -W 'sfp qsfp qsfp-dd osfp cfp2' -- "$current")
       return
    fi
 
