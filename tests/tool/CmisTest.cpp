@@ -336,5 +336,66 @@ TEST_F( CmisToolTest, AnyFormAndAnyCutOfTheSameMemory ) {
    }
 }
 
+TEST_F( CmisToolTest, ControlSet ) {
+   std::string set( 29, '\0' );
+   set[2] = 0x1f; // lane 3: application 1, data path 7, explicit
+   set[11] = 0x21;
+   file( "set", set );
+   EXPECT_THAT( std::regex_replace( run( "control-set set" ).out, std::regex( " +" ), " " ),
+                ContainsRegex( "^ Lane Application .*\n 1 0 0 0 0 1 0 0 0\n 2 0 0 0 0 2 0 0 0\n"
+                               " 3 1 7 1 0 0 0 0 0\n" ) );
+   ToolRun const changed = run( "control-set set --lane 3 --application 2 --tx-eq 5" );
+   EXPECT_EQ( changed.exitCode, 0 ) << changed.err;
+   EXPECT_THAT( changed.out, HasSubstr( "\n\n   Byte  2 (page 11h: 208)  1f -> 2f\n"
+                                        "   Byte 12 (page 11h: 218)  00 -> 05\n"
+                                        "   Apply mask  0x04\n"
+                                        "   Image       00 00 2f 00 " ) );
+   // The image that it prints is one that it reads; what is already so is not applied.
+   std::string const image = changed.out.substr( changed.out.find( "Image" ) + 5 );
+   ToolRun const again = run( "control-set - --lane 3 --application 2 --tx-eq 5", image );
+   EXPECT_THAT( again.out, HasSubstr( "No byte differs\n   Apply mask  0x00\n" ) );
+   EXPECT_THAT( run( "control-set set --lane 1,8 --rx-pre 1 --rx-post 2 --rx-amplitude 3 "
+                     "--tx-adaptive 1 --explicit 1 --data-path 0" )
+                   .out,
+                ContainsRegex( "Byte 17 [^\n]*01\n *Byte 20 [^\n]*10\n *Byte 21 [^\n]*02\n *Byte "
+                               "24 [^\n]*20\n *Byte 25 [^\n]*03\n *Byte 28 [^\n]*30\n *Apply mask "
+                               " 0x81" ) );
+}
+
+TEST_F( CmisToolTest, ControlSetRefusesToAlterOtherLanes ) {
+   std::string set( 29, '\0' );
+   set[11] = static_cast<char>( 0x80 ); // lane 2 has the code 8: lanes above are set to 15
+   file( "set", set );
+   ToolRun const refused = run( "control-set set --lane 3 --tx-eq 0" );
+   EXPECT_EQ( refused.exitCode, 1 );
+   EXPECT_THAT( refused.out, IsEmpty() );
+   EXPECT_THAT( refused.err, HasSubstr( "also change settings on lanes 4/5/6/7/8" ) );
+   ToolRun const forced = run( "control-set set --lane 3 --tx-eq 0 --force" );
+   EXPECT_EQ( forced.exitCode, 0 );
+   EXPECT_THAT( forced.out, HasSubstr( "Byte 12 (page 11h: 218)  00 -> f0\n" ) );
+   // A change of another register alters no other lane.
+   EXPECT_EQ( run( "control-set set --lane 3 --rx-pre 9" ).exitCode, 0 );
+
+   file( "short", set.substr( 0, 28 ) );
+   struct {
+      char const * arguments;
+      int exitCode;
+   } const wrong[] = {
+      { "short", 3 },
+      { "missing", 3 },
+      { "set --lane 9 --tx-eq 1", 2 },
+      { "set --lane 0 --tx-eq 1", 2 },
+      { "set --lane 1 --tx-eq 16", 2 },
+      { "set --lane 1 --data-path 8", 2 },
+      { "set --tx-eq 1", 2 },
+   };
+   for ( auto const & [arguments, exitCode] : wrong ) {
+      ToolRun const run = this->run( std::string( "control-set " ) + arguments );
+      EXPECT_EQ( run.exitCode, exitCode ) << arguments;
+      EXPECT_THAT( run.out, IsEmpty() );
+      EXPECT_THAT( run.err, Not( IsEmpty() ) );
+   }
+}
+
 } // namespace
 } // namespace XcvrTest

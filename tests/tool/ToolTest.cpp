@@ -742,7 +742,7 @@ std::set<std::string> allMatches( std::string const & text, char const * pattern
 TEST_F( ToolTest, HelpManPageAndCompletionHaveTheSameOptions ) {
    std::string const help = run( "--help" ).out;
    std::set<std::string> const commands = allMatches( help, "\n  ([a-z][a-z-]+)  " );
-   std::set<std::string> options = allMatches( help, "[ ,](--[a-z]+) " );
+   std::set<std::string> options = allMatches( help, "[ ,](--[a-z-]+) " );
    std::string const completion =
       ". '" XCVR_SOURCE_DIR "/tools/xcvr/completion/xcvr.bash'; COMP_WORDS=( xcvr ";
    auto const completed = [&]( std::string const & words, int current ) {
@@ -751,18 +751,18 @@ TEST_F( ToolTest, HelpManPageAndCompletionHaveTheSameOptions ) {
       return shell( "bash complete" ).out;
    };
    EXPECT_EQ( allMatches( completed( "''", 1 ), "([a-z][a-z-]+) " ), commands );
-   EXPECT_EQ( allMatches( completed( "-", 1 ), "(--[a-z]+) " ), options );
+   EXPECT_EQ( allMatches( completed( "-", 1 ), "(--[a-z-]+) " ), options );
    for ( std::string const & command : commands ) {
       std::set<std::string> const own =
-         allMatches( run( command + " --help" ).out, "\n  [^\n]*?(--[a-z]+) " );
-      EXPECT_EQ( allMatches( completed( command + " -", 2 ), "(--[a-z]+) " ), own ) << command;
+         allMatches( run( command + " --help" ).out, "\n  [^\n]*?(--[a-z-]+) " );
+      EXPECT_EQ( allMatches( completed( command + " -", 2 ), "(--[a-z-]+) " ), own ) << command;
       options.insert( own.begin(), own.end() );
    }
    EXPECT_EQ( allMatches( completed( "show std", 2 ), "([a-z]+) " ),
               ( std::set<std::string>{ "stdin", "stdout", "stderr" } ) );
 
    std::string const manual = contentOf( XCVR_SOURCE_DIR "/docs/man/xcvr.1" );
-   EXPECT_EQ( allMatches( manual, "\n\\.It Fl (?:h , Fl )?(-[a-z]+)" ), [&] {
+   EXPECT_EQ( allMatches( manual, "\n\\.It Fl (?:h , Fl )?(-[a-z-]+)" ), [&] {
       std::set<std::string> names;
       for ( std::string const & option : options ) {
          names.insert( option.substr( 1 ) );

@@ -1,6 +1,7 @@
 #include "tools/xcvr/CommandLine.h"
 
 #include "tools/xcvr/Commands.h"
+#include "tools/xcvr/ControlSet.h"
 #include "tools/xcvr/Module.h"
 
 #include <CLI/CLI.hpp>
@@ -51,6 +52,8 @@ struct Arguments {
    std::vector<std::string> files;
    XcvrType family = anyFamily;
    bool json = false;
+   bool isControlSet = false; // one file, no module
+   ControlSetChange change;
 };
 
 /// Results on standard output. What cannot be written is noticed, not lost.
@@ -82,6 +85,34 @@ void describeJson( CLI::App & command, Arguments & arguments ) {
    command.add_flag( "--json", arguments.json, "Print JSON, for programs" );
 }
 
+void describeControlSet( CLI::App & app, Arguments & arguments ) {
+   CLI::App & sub = *app.add_subcommand(
+      "control-set", "Show a QSFP-DD or OSFP control set, or change settings of its lanes" );
+   sub.add_option( "FILE", arguments.files,
+                   "The 29 bytes, or a hex dump of them; - is standard input" )
+      ->required()
+      ->expected( 1 )
+      ->type_name( "" );
+   CLI::Option & lanes =
+      *sub.add_option( "--lane", arguments.change.lanes, "Lanes to change, 1 to 8" )
+          ->type_name( "LANE,..." )
+          ->delimiter( ',' )
+          ->expected( 1 )
+          ->take_all()
+          ->check( CLI::Range( 1u, 8u ).description( "" ) );
+   for ( std::size_t i = 0; i < laneSettingCount; ++i ) {
+      LaneSetting const & setting = laneSettings[i];
+      sub.add_option( fmt::format( "--{}", setting.option ), arguments.change.values[i],
+                      fmt::format( "{}, 0 to {}", setting.label, setting.largest ) )
+         ->type_name( "CODE" )
+         ->needs( &lanes )
+         ->check( CLI::Range( 0u, setting.largest ).description( "" ) );
+   }
+   sub.add_flag( "--force", arguments.change.force, "Even if that changes another lane too" );
+   sub.footer( "Example:\n  xcvr control-set set.bin --lane 3 --application 2 --tx-eq 5" );
+   sub.callback( [&arguments] { arguments.isControlSet = true; } );
+}
+
 void describeArguments( CLI::App & app, Arguments & arguments ) {
    app.name( "xcvr" );
    app.description( "Decodes the management memory of pluggable transceivers (SFP, SFP+, SFP28,\n"
@@ -94,7 +125,8 @@ void describeArguments( CLI::App & app, Arguments & arguments ) {
       "hexdump -C, xxd, i2cdump, plain hex) or a labelled image ([a0h], [lower], [00h]\n"
       "above hex bytes); - is standard input.\n\n"
       "Example:\n  xcvr show module.bin\n\n"
-      "Exit code: 0 done, 1 done and check has findings, 2 wrong usage, 3 an input could not\n"
+      "Exit code: 0 done, 1 check has findings or control-set refuses, 2 wrong usage, 3 an input "
+      "could not\n"
       "be read or the results not written. See xcvr COMMAND --help and man xcvr." );
    for ( Command const & command : commands ) {
       CLI::App & sub = *app.add_subcommand( command.name, command.purpose );
@@ -113,6 +145,7 @@ void describeArguments( CLI::App & app, Arguments & arguments ) {
       sub.footer( fmt::format( "Example:\n  {}", command.example ) );
       sub.callback( [&arguments, &command] { arguments.command = &command; } );
    }
+   describeControlSet( app, arguments );
    CLI::App & mediaTypes = *app.add_subcommand(
       "media-types", "List the media types: code, name, text, speed, interface" );
    describeJson( mediaTypes, arguments );
@@ -167,6 +200,23 @@ ExitCode printText( Arguments const & arguments, Output & output ) {
    } );
 }
 
+ExitCode printControlSet( Arguments const & arguments, Output & output ) {
+   std::string const & file = arguments.files.front();
+   try {
+      auto const [text, refusal] =
+         editControlSet( readControlSet( file ), arguments.change, styleOfOutput() );
+      output.write( text );
+      if ( !refusal.empty() ) {
+         complain( fmt::format( "{}: {}", shownFileName( file ), refusal ) );
+         return exitFindings;
+      }
+   } catch ( ImageError const & error ) {
+      complain( error.what() );
+      return exitInput;
+   }
+   return exitDone;
+}
+
 /// ASCII only: whatever bytes a module holds, they do nothing to a terminal.
 std::string document( Json const & json ) {
    return json.dump( 2, ' ', true ) + '\n';
@@ -218,6 +268,9 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
    if ( std::ranges::count( arguments.files, "-" ) > 1 ) {
       complain( "standard input (-) can be read only once; name it once" );
       return exitUsage;
+   }
+   if ( arguments.isControlSet ) {
+      return printControlSet( arguments, output );
    }
    if ( !arguments.command ) {
       output.write( arguments.json ? document( mediaTypesJson() )

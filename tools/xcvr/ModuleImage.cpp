@@ -440,15 +440,24 @@ std::string const * ModuleImage::page( std::string_view label ) const {
    return found == pages.end() ? nullptr : &found->second;
 }
 
-ModuleImage readImage( std::string const & path, XcvrType family ) {
-   std::string const name = path == "-" ? "<stdin>" : path;
-   std::string content;
+namespace {
+
+std::string inputName( std::string const & path ) {
+   return path == "-" ? "<stdin>" : path;
+}
+
+} // namespace
+
+std::string readContent( std::string const & path ) {
    try {
-      content = contentOf( path );
+      return contentOf( path );
    } catch ( InputProblem const & problem ) {
-      throw ImageError( name, problem.what() );
+      throw ImageError( inputName( path ), problem.what() );
    }
-   return parseImage( name, content, family );
+}
+
+ModuleImage readImage( std::string const & path, XcvrType family ) {
+   return parseImage( inputName( path ), readContent( path ), family );
 }
 
 ModuleImage parseImage( std::string name, std::string_view content, XcvrType family ) {

@@ -59,6 +59,10 @@ class ImageError : public std::runtime_error {
    ImageError( std::string_view file, std::string const & problem );
 };
 
+/// The whole of a file, or of the standard input if the path is "-", but no more than a byte beyond
+/// 1 MiB. Throws ImageError.
+std::string readContent( std::string const & path );
+
 /// Reads the image in a file, or in the standard input if the path is "-". Works for pipes and
 /// devices too, and reads at most 1 MiB, whatever the size. A named pipe is waited for until it has
 /// a writer, as every program does. Throws ImageError.

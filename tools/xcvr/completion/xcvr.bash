@@ -8,7 +8,7 @@ _xcvr() {
 
    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
       case $word in
-      show | hexdump | explain | check | media-types)
+      show | hexdump | explain | check | control-set | media-types)
          command=$word
          break
          ;;
@@ -25,13 +25,17 @@ _xcvr() {
    '') options+=' --version' ;;
    show | check) options+=' --family --json' ;;
    media-types) options+=' --json' ;;
+   control-set)
+      options+=' --lane --application --data-path --explicit --tx-adaptive --tx-eq --rx-pre'
+      options+=' --rx-post --rx-amplitude --force'
+      ;;
    *) options+=' --family' ;;
    esac
 
    if [[ $current == -* ]]; then
       mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
    elif [[ -z $command ]]; then
-      mapfile -t COMPREPLY < <(compgen -W 'show hexdump explain check media-types' -- "$current")
+      mapfile -t COMPREPLY < <(compgen -W 'show hexdump explain check control-set media-types' -- "$current")
    elif [[ $command != media-types ]]; then
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -1,0 +1,187 @@
+#include "tools/xcvr/ControlSet.h"
+
+#include "tools/xcvr/Facts.h"
+#include "tools/xcvr/FieldText.h"
+#include "tools/xcvr/HexDump.h"
+#include "tools/xcvr/ModuleImage.h"
+
+#include <Xcvr/HalCmis.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <fmt/format.h>
+
+namespace XcvrTool {
+
+namespace {
+
+using Set = Xcvr::OsfpControlSet;
+using Lane = Xcvr::OsfpLane;
+
+constexpr std::size_t imageSize = Set::imageSize;
+constexpr std::size_t firstAddress =
+   Xcvr::CmisTable::address( Xcvr::CmisTable::row( "activeControlSet" ) );
+
+Vel::U1 bit( unsigned value ) {
+   return Vel::U1( static_cast<std::uint8_t>( value ) );
+}
+std::uint8_t code( unsigned value ) {
+   return static_cast<std::uint8_t>( value );
+}
+
+} // namespace
+
+std::array<LaneSetting, laneSettingCount> const laneSettings = { {
+   { "application", "Application", 15,
+     []( Set const & set, Lane lane ) { return unsigned{ set.laneApSel( lane ) } >> 4; },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.applicationCodeIs( lane, Vel::U4( code( value ) ) );
+     } },
+   { "data-path", "Data path", 7,
+     []( Set const & set, Lane lane ) { return unsigned{ set.laneApSel( lane ) } >> 1 & 7; },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.dataPathCodeIs( lane, Vel::U3( code( value ) ) );
+     } },
+   { "explicit", "Explicit", 1,
+     []( Set const & set, Lane lane ) { return unsigned{ set.laneApSel( lane ) } & 1; },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.explicitTuningControlIs( lane, bit( value ) );
+     } },
+   { "tx-adaptive", "Tx adaptive", 1,
+     []( Set const & set, Lane lane ) {
+        return unsigned{ set.tuning( lane ).txInputAdaptiveEqEnable() };
+     },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.txInputAdaptiveEqEnableIs( lane, bit( value ) );
+     } },
+   { "tx-eq", "Tx EQ", 15,
+     []( Set const & set, Lane lane ) {
+        return unsigned{ set.tuning( lane ).txInputEqualization() };
+     },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.txInputEqualizationIs( lane, code( value ) );
+     } },
+   { "rx-pre", "Rx pre", 15,
+     []( Set const & set, Lane lane ) {
+        return unsigned{ set.tuning( lane ).rxOutputPreEmphasis() };
+     },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.rxOutputPreEmphasisIs( lane, code( value ) );
+     } },
+   { "rx-post", "Rx post", 15,
+     []( Set const & set, Lane lane ) {
+        return unsigned{ set.tuning( lane ).rxOutputPostEmphasis() };
+     },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.rxOutputPostEmphasisIs( lane, code( value ) );
+     } },
+   { "rx-amplitude", "Rx amplitude", 15,
+     []( Set const & set, Lane lane ) {
+        return unsigned{ set.tuning( lane ).rxOutputAmplitude() };
+     },
+     []( Set & set, Lane lane, unsigned value ) {
+        return set.rxOutputAmplitudeIs( lane, code( value ) );
+     } },
+} };
+
+std::string readControlSet( std::string const & path ) {
+   std::string const content = readContent( path );
+   if ( content.size() == imageSize ) {
+      return content;
+   }
+   std::string bytes;
+   try {
+      bytes = readHexDump( content, imageSize ).bytes;
+   } catch ( InputProblem const & ) {
+      bytes = content; // no dump: of a size that is wrong
+   }
+   if ( bytes.size() != imageSize ) {
+      throw ImageError( path == "-" ? "<stdin>" : path,
+                        fmt::format( "no control set: {} bytes, not {}; give bytes {} to {} of "
+                                     "page 11h, as they are or as a hex dump",
+                                     bytes.size(), imageSize, firstAddress,
+                                     firstAddress + imageSize - 1 ) );
+   }
+   return bytes;
+}
+
+namespace {
+
+/// The lanes, by their numbers from 1, on which any setting differs.
+std::vector<unsigned> differingLanes( Set const & before, Set const & after ) {
+   std::vector<unsigned> lanes;
+   for ( std::uint8_t lane = 0; lane < Xcvr::osfpLanes; ++lane ) {
+      if ( std::ranges::any_of( laneSettings, [&]( LaneSetting const & setting ) {
+              return setting.get( before, Lane( lane ) ) != setting.get( after, Lane( lane ) );
+           } ) ) {
+         lanes.push_back( lane + 1u );
+      }
+   }
+   return lanes;
+}
+
+std::string laneTable( Set const & set, Style const & style ) {
+   std::string heading = "   Lane";
+   for ( LaneSetting const & setting : laneSettings ) {
+      heading += fmt::format( "  {}", setting.label );
+   }
+   std::string text = style.heading( heading ) + '\n';
+   for ( std::uint8_t lane = 0; lane < Xcvr::osfpLanes; ++lane ) {
+      text += fmt::format( "   {:4}", lane + 1 );
+      for ( LaneSetting const & setting : laneSettings ) {
+         text += fmt::format( "  {:>{}}", setting.get( set, Lane( lane ) ),
+                              std::string_view( setting.label ).size() );
+      }
+      text += '\n';
+   }
+   return text;
+}
+
+std::string differenceText( std::string_view before, std::string_view after ) {
+   std::string text;
+   for ( std::size_t at = 0; at < before.size(); ++at ) {
+      if ( before[at] != after[at] ) {
+         text += fmt::format( "   Byte {:2} (page 11h: {})  {} -> {}\n", at, firstAddress + at,
+                              hexBytes( before.substr( at, 1 ), "" ),
+                              hexBytes( after.substr( at, 1 ), "" ) );
+      }
+   }
+   return text.empty() ? "   No byte differs\n" : text;
+}
+
+} // namespace
+
+ControlSetOutcome editControlSet( std::string const & image, ControlSetChange const & change,
+                                  Style const & style ) {
+   auto const before = Xcvr::osfpControlSetFactory( Vel::String( image ) );
+   if ( change.lanes.empty() ) {
+      return { laneTable( *before, style ), {} };
+   }
+   auto const after = Xcvr::osfpControlSetFactory( Vel::String( image ) );
+   for ( unsigned const number : change.lanes ) {
+      Lane const lane( static_cast<std::uint8_t>( number - 1 ) );
+      for ( std::size_t i = 0; i < laneSettingCount; ++i ) {
+         if ( change.values[i] && laneSettings[i].set( *after, lane, *change.values[i] ) ) {
+            after->applyTuningIs( lane, bit( 1 ) );
+         }
+      }
+   }
+   // Where a byte below has its highest bit set, the library sets the codes of lanes above to 15.
+   std::vector<unsigned> others = differingLanes( *before, *after );
+   std::erase_if( others, [&]( unsigned lane ) {
+      return std::ranges::find( change.lanes, lane ) != change.lanes.end();
+   } );
+   if ( !others.empty() && !change.force ) {
+      return {
+         {},
+         fmt::format( "this would also change settings {}, and nothing is changed; name those "
+                      "lanes too, or give --force",
+                      laneWords( others, Xcvr::osfpLanes ) ) };
+   }
+   return { laneTable( *after, style ) + '\n' + differenceText( image, after->image().view() ) +
+               fmt::format( "   Apply mask  0x{:02x}\n   Image       {}\n", after->applyControl(),
+                            hexBytes( after->image().view(), " " ) ),
+            {} };
+}
+
+} // namespace XcvrTool
