@@ -206,6 +206,9 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
    if ( !passes( at, key ) ) {
       return;
    }
+   if ( owned && !structureLink_.queued ) {
+      flow_.structure_.add( *this ); // in front of the child that comes
+   }
    bool const renewed = owned && childIs( at, key );
    if ( owned ? structureDue_ : imageDue_ ) {
       return;
@@ -217,11 +220,7 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
       keys.emplace( key, renewed );
       flow_.markBytes_ += markSize + key.size();
    }
-   if ( owned ) {
-      if ( !structureLink_.queued ) {
-         flow_.structure_.add( *this );
-      }
-   } else {
+   if ( !owned ) {
       mark( attribute );
    }
    if ( flow_.markBytes_ > flow_.bound_ ) [[unlikely]] {
