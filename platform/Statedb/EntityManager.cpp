@@ -11,9 +11,10 @@ VEL_ENUM_DEFINE( MountState )
 VEL_ENTITY_DEFINE( Mount )
 VEL_ENTITY_DEFINE( MountGroup )
 
-Mount::Mount( Vel::Name path, Vel::Name typeName, MountFilter filter, MountMode mode )
+Mount::Mount( Vel::Name path, Vel::Name typeName, MountFilter filter, MountMode mode,
+              Vel::Name place )
    : Vel::Entity( std::move( path ) ), typeName_( std::move( typeName ) ), mode_( mode ),
-     filter_( std::move( filter ) ) {}
+     filter_( std::move( filter ) ), place_( std::move( place ) ) {}
 
 bool MountGroup::complete() const {
    return std::all_of( mountMap().begin(), mountMap().end(), []( auto const & entry ) {

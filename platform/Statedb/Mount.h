@@ -28,11 +28,12 @@ struct MountFilter {
 
 /// One mount, named by its path: the names of directories and of an entity in the last of them, as in
 /// "hardware/xcvr/xgc". For reading, the entity is followed: it may come, go and come again. For
-/// writing it is made if need be.
+/// writing it is made if need be. What another process serves has its place in the own tree at the
+/// same path or, if given, at another one, so that the same path of several processes can be mounted.
 class VEL_API Mount : public Vel::Entity {
  public:
    Mount( Vel::Name path, Vel::Name typeName, MountFilter filter = {},
-          MountMode mode = MountMode::read );
+          MountMode mode = MountMode::read, Vel::Name place = {} );
    VEL_ENTITY( Mount, Vel::Entity,
       ( Constant, typeName, Vel::Name ), // or of a base of the type
       ( Constant, mode, MountMode ),
@@ -41,9 +42,12 @@ class VEL_API Mount : public Vel::Entity {
       ( Reference, target, onTarget, Vel::Entity ) );
 
    [[nodiscard]] MountFilter const & filter() const { return filter_; }
+   /// The path in this process's tree.
+   [[nodiscard]] Vel::Name const & place() const { return place_.empty() ? name() : place_; }
 
  private:
    MountFilter filter_;
+   Vel::Name place_;
 };
 
 /// The mounts of one purpose, by path. A path is mounted once in a group: a mount of a path that is

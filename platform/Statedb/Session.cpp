@@ -22,7 +22,8 @@ namespace {
 constexpr uint32_t greeting = 0x53444201;
 constexpr std::size_t lengthSize = sizeof( uint32_t );
 constexpr std::size_t longestFrame = 64 * 1024 * 1024;
-constexpr std::size_t controlWaits = 64 * 1024;  // beyond it nothing more is read
+constexpr std::size_t longestQuestion = 1024 * 1024; // a message that is no log
+constexpr std::size_t controlWaits = 64 * 1024;      // beyond it nothing more is read
 constexpr std::size_t controlMost = 1024 * 1024; // what an owner that reads all the same lets grow
 constexpr std::size_t mostMounts = 4096;
 constexpr std::ptrdiff_t deepestPath = 64;
@@ -123,10 +124,10 @@ class Session::Mounted {
          return;
       }
       bool const writing = mount->mode() == MountMode::write;
-      entity_ = writing ? session_.manager_.entity( mount->name() ) : nullptr;
+      entity_ = writing ? session_.manager_.entity( mount->place() ) : nullptr;
       bool const there = static_cast<bool>( entity_ );
       if ( !there ) {
-         entity_ = Vel::TypeRegistry::newEntity( typeName, lastName( mount->name() ) );
+         entity_ = Vel::TypeRegistry::newEntity( typeName, lastName( mount->place() ) );
       }
       if ( !entity_ || !isOfType( *entity_, mount->typeName() ) ) {
          end( entity_ ? MountState::wrongType : MountState::unknownType );
@@ -154,7 +155,7 @@ class Session::Mounted {
 
  private:
    bool place() {
-      placed_ = session_.manager_.entityIs( mount->name(), entity_ );
+      placed_ = session_.manager_.entityIs( mount->place(), entity_ );
       if ( !placed_ ) {
          end( MountState::taken );
       }
@@ -175,8 +176,8 @@ class Session::Mounted {
       adaptor_ = nullptr;
       mount->stateIs( state );
       mount->targetIs( nullptr );
-      if ( replica && session_.manager_.entity( mount->name() ) == entity ) {
-         session_.manager_.entityDel( mount->name() );
+      if ( replica && session_.manager_.entity( mount->place() ) == entity ) {
+         session_.manager_.entityDel( mount->place() );
       }
    }
 
@@ -367,7 +368,9 @@ void Session::receive( std::string_view bytes ) {
       while ( in_.size() - at >= lengthSize ) {
          Vel::NboAttrLog head( std::string_view( in_ ).substr( at, lengthSize ) );
          std::size_t const length = head.read<uint32_t>();
-         if ( length == 0 || length > longestFrame ) {
+         // Only a peer that has logs to send may have this side keep much for it.
+         bool const sendsLogs = lastNumber_ != 0 || mayWrite_ == PeerMayWrite::yes;
+         if ( length == 0 || length > ( sendsLogs ? longestFrame : longestQuestion ) ) {
             refuse( "a message of " + std::to_string( length ) + " bytes" );
          }
          if ( in_.size() - at - lengthSize < length ) {

@@ -208,6 +208,41 @@ TEST_F( SessionTest, aReplicaAppearsWithItsWholeImageAndFollows ) {
    EXPECT_EQ( serving->waitingBytes() + serving->waitingEntities(), 0u );
 }
 
+TEST_F( SessionTest, anEntryInPlaceOfAnotherComesWithItsChildren ) {
+   addSlot( "slot1" )->laneIs( Flow::LaneNumber( 1 ) );
+   auto const mount = mounted( "status/slots", "Vel::Dir" );
+   addSlot( "slot1" )->laneIs( Flow::LaneNumber( 2 ) )->litIs( true );
+   pump();
+   EXPECT_EQ( asText( *mount->target() ), asText( *dir ) );
+}
+
+TEST_F( SessionTest, whatTwoPeersServeAtOnePathHasTwoPlaces ) {
+   addSlot( "slot1" );
+   EntityManager other;
+   other.entityIs( "status/slots", Vel::dirFactory( "slots" ) );
+   Session otherServing( other );
+   Session otherMounting( client );
+   auto const otherGroup = newGroup();
+   otherMounting.mountGroupIs( otherGroup );
+   auto const at = [&]( char const * place ) {
+      return Vel::Ptr<Mount>( new Mount( "status/slots", "Vel::Dir", {}, MountMode::read, place ) );
+   };
+   group->mountIs( at( "peers/a" ) );
+   otherGroup->mountIs( at( "peers/b" ) );
+   pump();
+   while ( pumpBoth( otherServing, otherMounting, 1000 ) ) {
+   }
+   auto const entries = [&]( char const * path ) {
+      auto const copy = Vel::dynamicPtr<Vel::Dir>( client.entity( path ) );
+      return copy ? static_cast<int>( copy->entryMap().size() ) : -1;
+   };
+   EXPECT_EQ( entries( "peers/a" ), 1 );
+   EXPECT_EQ( entries( "peers/b" ), 0 );
+   mounting = nullptr;
+   EXPECT_EQ( entries( "peers/a" ), -1 );
+   EXPECT_EQ( entries( "peers/b" ), 0 );
+}
+
 TEST_F( SessionTest, pathsComeAndGo ) {
    auto const mount = mounted( "status/slots/slot1", "Flow::Slot" );
    EXPECT_EQ( mount->state(), MountState::waiting );
@@ -380,6 +415,9 @@ TEST_F( SessionTest, readersOfAnySpeedAgreeInTheEnd ) {
          dir->entryIs( new Slot( name ) );
       } else if ( random() % 20 == 0 ) {
          dir->entryDel( name );
+      } else if ( random() % 5 == 0 ) {
+         slot->laneIs( Flow::LaneNumber( static_cast<uint8_t>( random() % 4 ) ) )
+            ->litIs( random() % 2 == 0 );
       } else {
          slot->readingIs( static_cast<uint8_t>( random() ), static_cast<uint32_t>( random() % 3 ) );
          slot->speedIs( static_cast<uint32_t>( random() ) );
@@ -418,6 +456,7 @@ TEST( SessionHostileTest, whatNoPeerWouldSendEndsTheSessionAndNothingElse ) {
       { "no greeting", message( 2, one ) },
       { "an empty message", hello + std::string( 4, '\0' ) },
       { "a message too long", hello + "\x7f\xff\xff\xff" },
+      { "one too long for a peer without logs to send", hello + std::string( "\0\x20\0\0", 4 ) },
       { "an unknown kind", hello + message( 99, "" ) },
       { "an end of what was never mounted", hello + message( 2, one ) },
       { "a state of what was never mounted", hello + message( 3, one ) },
