@@ -3,6 +3,7 @@
 #include "tools/xcvr/Commands.h"
 #include "tools/xcvr/ControlSet.h"
 #include "tools/xcvr/Module.h"
+#include "tools/xcvr/Watch.h"
 
 #include <CLI/CLI.hpp>
 
@@ -32,13 +33,14 @@ struct Command {
    Json ( *json )( Module const &, Json & units ) = nullptr; // null: no --json
    /// Null: a module is what it is. Such a command names each module above what it says of it.
    bool ( *hasFindings )( Module const & ) = nullptr;
+   bool takesAgents = false; // instead of files
 };
 
 constexpr Command commands[] = {
    { "show", "Decode module images: identity, media type, monitors, thresholds, checksums",
      "ethtool -m eth0 hex on | xcvr show -\n"
      "  xcvr show --json module.bin | jq -r '.modules[].vendorInfo.vendorPn'",
-     showText, showJson },
+     showText, showJson, nullptr, true },
    { "hexdump", "Print module memory with each field's name and value beside its bytes",
      "xcvr hexdump module.bin", hexdumpText },
    { "explain", "Say which rule chose the media type, and which were tried before it",
@@ -54,6 +56,9 @@ struct Arguments {
    bool json = false;
    bool isControlSet = false; // one file, no module
    ControlSetChange change;
+   std::vector<std::string> sockets; // of agents, instead of files
+   bool isWatch = false;
+   AgentOptions agent; // with a socket: this one
 };
 
 /// Results on standard output. What cannot be written is noticed, not lost.
@@ -113,6 +118,39 @@ void describeControlSet( CLI::App & app, Arguments & arguments ) {
    sub.callback( [&arguments] { arguments.isControlSet = true; } );
 }
 
+CLI::Option & describeConnect( CLI::App & command, Arguments & arguments ) {
+   return *command
+              .add_option( "--connect", arguments.sockets,
+                           "Socket of an xcvr agent; may be given several times" )
+              ->type_name( "SOCKET" )
+              ->expected( 1 )
+              ->take_all();
+}
+
+void describeWatch( CLI::App & app, Arguments & arguments ) {
+   CLI::App & sub =
+      *app.add_subcommand( "watch", "Print the modules that agents serve, and then every change" );
+   describeConnect( sub, arguments ).required();
+   sub.footer( "Example:\n  xcvr watch --connect /tmp/agent.sock" );
+   sub.callback( [&arguments] { arguments.isWatch = true; } );
+}
+
+void describeAgent( CLI::App & app, AgentOptions & options ) {
+   CLI::App & sub =
+      *app.add_subcommand( "agent", "Serve slots, whose modules are image files, to readers" );
+   sub.add_option( "--listen", options.socket, "Socket for readers (show --connect, watch)" )
+      ->type_name( "SOCKET" )
+      ->required();
+   sub.add_option( "--slot", options.slots, "A slot and the file that is its module" )
+      ->type_name( "NAME=FILE" )
+      ->required()
+      ->expected( 1 )
+      ->take_all();
+   sub.add_option( "--slice", options.slice, "Serve the slots as those of a slice" )
+      ->type_name( "NAME" );
+   sub.footer( "Example:\n  xcvr agent --listen /tmp/agent.sock --slot Ethernet1=module.bin" );
+}
+
 void describeArguments( CLI::App & app, Arguments & arguments ) {
    app.name( "xcvr" );
    app.description( "Decodes the management memory of pluggable transceivers (SFP, SFP+, SFP28,\n"
@@ -130,9 +168,13 @@ void describeArguments( CLI::App & app, Arguments & arguments ) {
       "be read or the results not written. See xcvr COMMAND --help and man xcvr." );
    for ( Command const & command : commands ) {
       CLI::App & sub = *app.add_subcommand( command.name, command.purpose );
-      sub.add_option( "FILE", arguments.files, "Module images; - is standard input" )
-         ->required()
-         ->type_name( "" );
+      CLI::Option & files =
+         *sub.add_option( "FILE", arguments.files, "Module images; - is standard input" )
+             ->required()
+             ->type_name( "" );
+      if ( command.takesAgents ) {
+         files.required( false )->excludes( &describeConnect( sub, arguments ) );
+      }
       sub.add_option_function<std::string>(
             "--family",
             [&arguments]( std::string const & name ) { arguments.family = familyOfName( name ); },
@@ -145,6 +187,8 @@ void describeArguments( CLI::App & app, Arguments & arguments ) {
       sub.footer( fmt::format( "Example:\n  {}", command.example ) );
       sub.callback( [&arguments, &command] { arguments.command = &command; } );
    }
+   describeAgent( app, arguments.agent );
+   describeWatch( app, arguments );
    describeControlSet( app, arguments );
    CLI::App & mediaTypes = *app.add_subcommand(
       "media-types", "List the media types: code, name, text, speed, interface" );
@@ -161,6 +205,9 @@ ExitCode forEachModule( Arguments const & arguments, Output & output, Visit visi
       output.flush(); // so that both streams keep their order on a terminal
       complain( text );
    };
+   if ( !arguments.sockets.empty() && !forEachRemoteModule( arguments.sockets, say, visit ) ) {
+      code = exitInput;
+   }
    for ( std::string const & file : arguments.files ) {
       try {
          std::unique_ptr<Module> const module = moduleOf( readImage( file, arguments.family ) );
@@ -188,7 +235,8 @@ Style styleOfOutput() {
 
 ExitCode printText( Arguments const & arguments, Output & output ) {
    Style const style = styleOfOutput();
-   bool const hasHeadings = arguments.files.size() > 1 && !arguments.command->hasFindings;
+   bool const hasHeadings = ( arguments.files.size() > 1 || !arguments.sockets.empty() ) &&
+                            !arguments.command->hasFindings;
    bool isFirst = true;
    return forEachModule( arguments, output, [&]( Module const & module ) {
       if ( hasHeadings ) {
@@ -222,14 +270,53 @@ std::string document( Json const & json ) {
    return json.dump( 2, ' ', true ) + '\n';
 }
 
+/// What stands for a file of a module that came from an agent is its slot.
+Json ofSlot( Json const & module ) {
+   Json object = { { "slot", module["file"] } };
+   object.update( module );
+   object.erase( "file" );
+   return object;
+}
+
 ExitCode printJson( Arguments const & arguments, Output & output ) {
    Json units = Json::object();
    Json modules = Json::array();
    ExitCode const code = forEachModule( arguments, output, [&]( Module const & module ) {
-      modules.push_back( arguments.command->json( module, units ) );
+      Json object = arguments.command->json( module, units );
+      modules.push_back( arguments.sockets.empty() ? object : ofSlot( object ) );
    } );
    output.write( document( { { "schema", 1 }, { "units", units }, { "modules", modules } } ) );
    return code;
+}
+
+/// Carries out a command that goes on until it is ended, or until nobody takes what it prints.
+template <typename Run>
+ExitCode runLong( Output & output, Run run ) {
+   struct Ended {};
+   auto const print = [&]( std::string const & line ) {
+      output.write( line + '\n' );
+      output.flush();
+      if ( output.error() ) {
+         throw Ended();
+      }
+   };
+   try {
+      run( Console{ print, complain } );
+   } catch ( SocketError const & error ) {
+      complain( error.what() );
+      return exitInput;
+   } catch ( Ended const & ) {
+      // It is told at the end.
+   }
+   return exitDone;
+}
+
+ExitCode printAgent( AgentOptions const & options, Output & output ) {
+   if ( std::string const problem = problemOf( options ); !problem.empty() ) {
+      complain( shownFileName( problem ) + "; see xcvr agent --help" );
+      return exitUsage;
+   }
+   return runLong( output, [&]( Console const & console ) { runAgent( options, console ); } );
 }
 
 /// What CLI11 says about wrong arguments, or about --help and --version.
@@ -267,6 +354,17 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
    }
    if ( std::ranges::count( arguments.files, "-" ) > 1 ) {
       complain( "standard input (-) can be read only once; name it once" );
+      return exitUsage;
+   }
+   if ( !arguments.agent.socket.empty() ) {
+      return printAgent( arguments.agent, output );
+   }
+   if ( arguments.isWatch ) {
+      return runLong( output,
+                      [&]( Console const & console ) { runWatch( arguments.sockets, console ); } );
+   }
+   if ( arguments.command && arguments.files.empty() && arguments.sockets.empty() ) {
+      complain( "FILE or --connect is required; see xcvr show --help" );
       return exitUsage;
    }
    if ( arguments.isControlSet ) {

@@ -1,0 +1,350 @@
+#include "tools/xcvr/Agent.h"
+#include "tests/agent/Processes.h"
+#include "tests/support/SfpImageBuilder.h"
+#include "tools/xcvr/Readers.h"
+#include "tools/xcvr/Server.h"
+#include "tools/xcvr/StatusPaths.h"
+
+#include <Xcvr/XcvrSfpPlus.h>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <random>
+#include <sys/socket.h>
+
+// Agents and readers as processes of their own: the tool's, and for many writes this test itself.
+namespace XcvrTool {
+namespace {
+
+using Xcvr::SfpNewStatus;
+using XcvrTest::eventually;
+using XcvrTest::Process;
+
+class AgentTest : public XcvrTest::ProcessTest {
+ protected:
+   /// The image of a module with that serial number and temperature.
+   static std::string module( char const * serialNumber, double temperature ) {
+      XcvrTest::SfpImageBuilder builder;
+      builder.text( "vendorName", "NORTHLIGHT" )
+         .text( "vendorPn", "NL-1" )
+         .text( "vendorSn", serialNumber )
+         .bit( "diagsMonitoringType", "digital diagnostics" )
+         .bit( "diagsMonitoringType", "internally calibrated" )
+         .value( "domTemperature", temperature );
+      return builder.a0h() + builder.a2h();
+   }
+   static std::string appeared( std::string const & slot, std::string const & serialNumber ) {
+      return slot + ": appeared: Unknown, NORTHLIGHT NL-1, serial number " + serialNumber + "\n";
+   }
+};
+
+TEST_F( AgentTest, whatIsServedIsShownAsTheFilesAre ) {
+   std::vector<std::string> agentWords = { "agent", "--listen", "socket" };
+   std::vector<std::string> showWords = { "show", "--json" };
+   for ( auto const & entry :
+         std::filesystem::directory_iterator( XCVR_SOURCE_DIR "/examples/modules" ) ) {
+      std::string const name = entry.path().filename();
+      if ( entry.path().extension() == ".txt" ) {
+         agentWords.insert( agentWords.end(), { "--slot", name + '=' + entry.path().string() } );
+         showWords.push_back( entry.path() );
+      }
+   }
+   auto const agent = tool( "agent", agentWords );
+   ASSERT_TRUE( eventually( [&] { return file( "agent.out" ).starts_with( "serving" ); } ) );
+   EXPECT_EQ( tool( "files", showWords )->end(), 0 );
+   EXPECT_EQ( tool( "slots", { "show", "--json", "--connect", "socket" } )->end(), 0 );
+   auto files = nlohmann::json::parse( file( "files.out" ) );
+   auto slots = nlohmann::json::parse( file( "slots.out" ) );
+   std::map<std::string, nlohmann::json> byName;
+   for ( auto & module : files["modules"] ) {
+      std::string const name = std::filesystem::path( module["file"] ).filename();
+      module.erase( "file" );
+      byName[name] = module;
+   }
+   ASSERT_GT( byName.size(), 20u );
+   EXPECT_EQ( slots["modules"].size(), byName.size() );
+   EXPECT_EQ( slots["units"], files["units"] );
+   for ( auto & module : slots["modules"] ) {
+      std::string const name = module["slot"];
+      module.erase( "slot" );
+      EXPECT_EQ( module, byName[name] ) << nlohmann::json::diff( byName[name], module ) << name;
+   }
+   EXPECT_EQ( file( "slots.err" ), "" );
+}
+
+TEST_F( AgentTest, aPersonPlaysHardware ) {
+   fileIs( "a", module( "A", 20 ) );
+   fileIs( "b", module( "B", 20 ) );
+   std::vector<std::string> const fixedWords = { "agent",       "--listen", "fixed",       "--slot",
+                                                 "Ethernet1=a", "--slot",   "Ethernet10=c" };
+   std::vector<std::string> const sliceWords = { "agent",         "--listen", "slice", "--slot",
+                                                 "Ethernet2/1=b", "--slice",  "L1" };
+   auto const fixed = tool( "fixed", fixedWords );
+   auto slice = tool( "slice", sliceWords );
+   std::string const greeting = "serving 1 slot on slice\n";
+   ASSERT_TRUE(
+      becomes( "slice.out",
+               greeting + "Ethernet2/1: inserted: Unknown, NORTHLIGHT NL-1, serial number B\n" ) );
+   auto const watch = tool( "watch", { "watch", "--connect", "fixed", "--connect", "slice" } );
+   std::string const first = appeared( "Ethernet1", "A" );
+   std::string const second = appeared( "Ethernet2/1", "B" );
+   EXPECT_TRUE(
+      eventually( [&] { return file( "watch.out" ).size() == ( first + second ).size(); } ) );
+   std::string lines = file( "watch.out" );
+   EXPECT_TRUE( lines == first + second || lines == second + first ) << lines;
+
+   fileIs( "a", module( "A", 40 ) ); // what is measured
+   ASSERT_TRUE(
+      becomes( "watch.out", lines += "Ethernet1: domInfo/0/temperature: 20 °C -> 40 °C\n" ) );
+   fileIs( "c", module( "C", 20 ) ); // a module comes
+   ASSERT_TRUE( becomes( "watch.out", lines += appeared( "Ethernet10", "C" ) ) );
+   fileIs( "c", "nonsense" ); // and cannot be read for a while
+   EXPECT_TRUE( eventually( [&] { return !file( "fixed.err" ).empty(); } ) );
+   fileIs( "c", module( "C2", 20 ) ); // another one
+   ASSERT_TRUE(
+      becomes( "watch.out", lines += "Ethernet10: withdrawn\n" + appeared( "Ethernet10", "C2" ) ) );
+   EXPECT_THAT( file( "fixed.err" ),
+                testing::MatchesRegex( "xcvr: Ethernet10: c: text, but [^\n]*; "
+                                       "the slot stays as it was\n" ) );
+   std::filesystem::remove( folder / "a" );
+   ASSERT_TRUE( becomes( "watch.out", lines += "Ethernet1: withdrawn\n" ) );
+
+   // Killed, an agent leaves its socket; what it served is gone until there is another one.
+   EXPECT_EQ( slice->end( SIGKILL ), -SIGKILL );
+   ASSERT_TRUE( becomes( "watch.out", lines += "Ethernet2/1: withdrawn\n" ) );
+   fileIs( "b", module( "B2", 20 ) );
+   EXPECT_TRUE( std::filesystem::exists( folder / "slice" ) );
+   slice = tool( "slice", sliceWords );
+   ASSERT_TRUE( becomes( "watch.out", lines += appeared( "Ethernet2/1", "B2" ) ) );
+   ASSERT_TRUE( becomes( "watch.err", "xcvr: slice: the agent has gone; start it again\n" ) );
+
+   EXPECT_EQ( tool( "second", fixedWords )->end(), 3 );
+   EXPECT_EQ( file( "second.err" ),
+              "xcvr: fixed: another agent listens there; end it or give another name\n" );
+   EXPECT_EQ( tool( "show", { "show", "--connect", "slice", "--connect", "fixed" } )->end(), 0 );
+   EXPECT_THAT( file( "show.out" ),
+                testing::ContainsRegex( "^Ethernet2/1\n   [^$]*\n\nEthernet10\n   " ) );
+
+   EXPECT_EQ( fixed->end( SIGTERM ), 0 );
+   EXPECT_FALSE( std::filesystem::exists( folder / "fixed" ) );
+   ASSERT_TRUE( becomes( "watch.out", lines += "Ethernet10: withdrawn\n" ) );
+   EXPECT_EQ( tool( "show", { "show", "--connect", "slice", "--connect", "fixed" } )->end(), 3 );
+   EXPECT_THAT( file( "show.out" ), testing::ContainsRegex( "^Ethernet2/1\n   " ) );
+   EXPECT_EQ( file( "show.err" ), "xcvr: fixed: no agent can be reached (No such file or "
+                                  "directory); start one with xcvr agent --listen\n" );
+}
+
+// ---------------------------------------------------------------------------------------------
+// Many writes
+
+/// All that the writes below write to.
+std::string textOf( std::vector<Vel::Ptr<Xcvr::XcvrNewStatus const>> const & statuses ) {
+   std::map<std::string, std::string> all;
+   auto const add = [&]( std::string const & name, Vel::Entity const & entity ) {
+      for ( auto const * model = &entity.velModel(); model; model = model->base ) {
+         for ( Vel::AttrInfo const & row : *model ) {
+            if ( row.kind == Vel::AttrKind::plain || row.kind == Vel::AttrKind::counter ) {
+               all[name + '/' + std::string( row.name )] = row.text( entity );
+            }
+         }
+      }
+   };
+   for ( auto const & status : statuses ) {
+      std::string const name( status->name() );
+      add( name, *status );
+      for ( auto const & [lane, child] : status->laneStatusMap() ) {
+         add( name + "/lane" + std::to_string( lane.value() ), *child );
+      }
+      for ( auto const & [index, place] : status->enhancedDomMappingMap() ) {
+         all[name + "/mapping" + std::to_string( index )] = std::to_string( place );
+      }
+      auto const sfp = Vel::dynamicPtr<SfpNewStatus const>( status );
+      for ( auto const & [address, value] : sfp->registerDataMap() ) {
+         all[name + "/register" + std::to_string( address )] = std::to_string( value.data() );
+      }
+   }
+   std::string text;
+   for ( auto const & [name, value] : all ) {
+      text += name + '=' + value + '\n';
+   }
+   return text;
+}
+
+Vel::Ptr<SfpNewStatus> newSlot( unsigned number ) {
+   return Xcvr::sfpNewStatusFactory( Vel::Name( "slot" + std::to_string( number ) ) );
+}
+
+/// Where a text leaves the other: its lines are many.
+std::string firstDifference( std::string const & text, std::string const & other ) {
+   std::istringstream lines( text );
+   std::istringstream others( other );
+   std::string line;
+   std::string of;
+   while ( std::getline( lines, line ) && std::getline( others, of ) ) {
+      if ( line != of ) {
+         return line + " and not " + of;
+      }
+   }
+   return text.size() == other.size() ? "" : "one ends at " + line;
+}
+
+/// Eight slots, which come and go, and whose attributes change, at random.
+class RandomAgent {
+ public:
+   explicit RandomAgent( SlotSet & set ) : set_( set ) {}
+
+   void write() {
+      unsigned const slot = pick( 8 );
+      Vel::Ptr<SfpNewStatus> & status = statuses_[slot];
+      if ( !status || pick( 300 ) == 0 ) {
+         status = newSlot( slot );
+         set_.statusIs( status );
+         return;
+      }
+      Xcvr::LaneId const lane( static_cast<uint8_t>( pick( 4 ) ) );
+      switch ( pick( 7 ) ) {
+      case 0:
+         return status->channelIs( pick( 5 ) );
+      case 1:
+         return status->lastDomUpdateTimeIs( pick( 1000000 ) / 7. );
+      case 2:
+         return status->presenceChangesInc( 1 );
+      case 3:
+         return status->enhancedDomMappingIs( pick( 50 ), static_cast<uint16_t>( pick( 9 ) ) );
+      case 4:
+         return status->enhancedDomMappingDel( pick( 50 ) );
+      case 5:
+         return pick( 4 ) ? status->laneStatusIs( lane )->txLosIs( pick( 2 ) )
+                          : status->laneStatusDel( lane );
+      default:
+         return status->registerDataIs( Xcvr::XcvrSff8472DomRegisterData(
+            static_cast<uint16_t>( 0xa260 + pick( 20 ) ), static_cast<uint8_t>( pick( 256 ) ) ) );
+      }
+   }
+   /// The last thing: a slot whose appearance says that there is no more.
+   void end() {
+      statuses_[9] = newSlot( 9 );
+      set_.statusIs( statuses_[9] );
+   }
+   [[nodiscard]] std::string text() const {
+      std::vector<Vel::Ptr<Xcvr::XcvrNewStatus const>> all;
+      for ( auto const & entry : statuses_ ) {
+         all.push_back( entry.second );
+      }
+      return textOf( all );
+   }
+   unsigned pick( unsigned count ) { return static_cast<unsigned>( random_() % count ); }
+
+ private:
+   SlotSet & set_;
+   std::mt19937 random_{ 7 };
+   std::map<unsigned, Vel::Ptr<SfpNewStatus>> statuses_;
+};
+
+class ManyWritesTest : public XcvrTest::ProcessTest {
+ protected:
+   /// What a reader has in the end goes to a file.
+   [[nodiscard]] std::unique_ptr<Process> reader( std::string const & name ) const {
+      return std::make_unique<Process>( [this, name] {
+         ::alarm( 60 );
+         Readers readers( { socket }, []( std::string const & ) {} );
+         while ( true ) {
+            readers.turn( 100 );
+            auto const published = readers.published();
+            if ( !published.empty() && published.back()->name() == "slot9" ) {
+               fileIs( name, textOf( published ) );
+               return 0;
+            }
+         }
+      } );
+   }
+   void serveUntil( std::function<bool()> const & condition ) {
+      ASSERT_TRUE( eventually( [&] {
+         server.turn( 0 );
+         return condition();
+      } ) );
+   }
+   static std::size_t residentBytes() {
+      std::size_t pages = 0;
+      std::ifstream( "/proc/self/statm" ) >> pages >> pages;
+      return pages * static_cast<std::size_t>( ::sysconf( _SC_PAGESIZE ) );
+   }
+
+   std::string const socket = folder / "socket";
+   std::string complaints;
+   Statedb::EntityManager tree;
+   SlotSet set{ tree, "L1" };
+   RandomAgent agent{ set };
+   Server server{ socket, tree, [this]( std::string const & line ) { complaints += line + '\n'; } };
+};
+
+TEST_F( ManyWritesTest, readersAgreeWhateverOthersDo ) {
+   std::unique_ptr<Process> const readers[] = { reader( "r0" ), reader( "r1" ), reader( "r2" ) };
+   serveUntil( [&] { return server.readerCount() == 3; } );
+   for ( unsigned written = 0; written < 10000; ++written ) {
+      agent.write();
+      if ( agent.pick( 20 ) == 0 ) {
+         server.turn( 0 );
+      }
+      if ( written == 5000 ) {
+         Descriptor const stranger = connectTo( socket );
+         ASSERT_EQ( ::send( stranger.fd(), "GET / HTTP/1.1\r\n\r\n", 18, 0 ), 18 );
+         serveUntil( [&] { return !complaints.empty(); } );
+      }
+   }
+   agent.end();
+   serveUntil( [&] { return server.readerCount() == 0; } );
+   for ( auto const & name : { "r0", "r1", "r2" } ) {
+      EXPECT_EQ( firstDifference( file( name ), agent.text() ), "" ) << name;
+   }
+   for ( auto const & process : readers ) {
+      EXPECT_EQ( process->end(), 0 );
+   }
+   EXPECT_EQ( complaints, "reader 4 (process " + std::to_string( ::getpid() ) +
+                             ") dropped: state database session: a message of 1195725856 bytes\n" );
+}
+
+TEST_F( ManyWritesTest, aReaderThatStopsReadingCostsNothing ) {
+   Statedb::EntityManager own;
+   Vel::Ptr<Statedb::MountGroup> const group( new Statedb::MountGroup( "sleeper" ) );
+   Vel::Ptr<Statedb::Mount> const mount(
+      new Statedb::Mount( StatusPaths::status( "slice/L1" ), "Vel::Dir" ) );
+   group->mountIs( mount );
+   Stream sleeper( connectTo( socket ), own );
+   sleeper.session().mountGroupIs( group );
+   serveUntil( [&] {
+      return sleeper.step( POLLIN | POLLOUT ) && mount->state() == Statedb::MountState::mounted;
+   } );
+   std::vector<Vel::Ptr<SfpNewStatus>> statuses;
+   for ( unsigned i = 0; i < 8; ++i ) {
+      statuses.push_back( newSlot( i ) );
+      set.statusIs( statuses.back() );
+   }
+   std::size_t const before = residentBytes();
+   for ( uint32_t i = 0; i < 1000000; ++i ) {
+      statuses[i % 8]->enhancedDomMappingIs( i % 400000, static_cast<uint16_t>( i ) );
+      statuses[i % 8]->enhancedDomMappingDel( i % 400000 );
+      if ( i % 1000 == 0 ) {
+         server.turn( 0 );
+      }
+   }
+   EXPECT_EQ( server.readerCount(), 1u );
+   // Sanitizers keep what was freed.
+#if !defined( __SANITIZE_ADDRESS__ ) && !defined( XCVR_SANITIZED )
+   EXPECT_LT( residentBytes(), before + 8 * 1024 * 1024 );
+#endif
+   // Nobody has waited for it, and it may go on.
+   auto const other = reader( "other" );
+   agent.end();
+   serveUntil( [&] { return !file( "other" ).empty() && other->end() == 0; } );
+   serveUntil( [&] {
+      return sleeper.step( POLLIN ) && own.entity( "hardware/xcvr/status/slice/L1/slot9" );
+   } );
+}
+
+} // namespace
+} // namespace XcvrTool

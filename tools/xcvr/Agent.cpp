@@ -1,0 +1,182 @@
+#include "tools/xcvr/Agent.h"
+
+#include "tools/xcvr/Module.h"
+#include "tools/xcvr/Server.h"
+#include "tools/xcvr/StatusImage.h"
+#include "tools/xcvr/StatusPaths.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fmt/format.h>
+#include <set>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace XcvrTool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds lookEvery( 200 );
+
+std::pair<std::string, std::string> slotOf( std::string const & option ) {
+   std::size_t const end = std::min( option.find( '=' ), option.size() );
+   return { option.substr( 0, end ), option.substr( std::min( end + 1, option.size() ) ) };
+}
+
+/// Makes an entity as the other is, which has the same type: what is so already is left alone.
+void copy( Xcvr::XcvrNewStatus const & from, Xcvr::XcvrNewStatus & to ) {
+   Vel::Ptr<Vel::FlowOut> const flow( new Vel::FlowOut );
+   auto const adaptor = Vel::NboAttrLogSa::attached( from, flow, 0 );
+   while ( flow->pending() ) {
+      Vel::NboAttrLog log( flow->piece() );
+      to.doHandleAttrDeserialization( log );
+   }
+}
+
+} // namespace
+
+SlotSet::SlotSet( Statedb::EntityManager & tree, std::string const & slice ) {
+   Vel::Name const set = slice.empty() ? StatusPaths::fixed : StatusPaths::slice + "/" + slice;
+   Vel::Name const name = Statedb::lastName( set );
+   config_ = Xcvr::allConfigDirFactory( name );
+   agent_ = Xcvr::xcvrSliceStatusFactory( name );
+   statuses_ = Vel::dirFactory( name );
+   config_->readyIs( true );
+   tree.entityIs( StatusPaths::config( set ), config_ );
+   tree.entityIs( StatusPaths::status( set ), statuses_ );
+   tree.entityIs( StatusPaths::agent( set ), agent_ );
+}
+
+void SlotSet::statusIs( Vel::Ptr<Xcvr::XcvrNewStatus> const & status ) {
+   config_->generationIdIs( config_->generationId() + 1 );
+   statuses_->entryIs( status );
+   agent_->generationIdIs( config_->generationId() );
+}
+
+std::optional<FileSlot::Version> FileSlot::version() const {
+   struct stat status {};
+   if ( ::stat( file_.c_str(), &status ) != 0 ) {
+      // What cannot be seen for another reason is complained of when it is read.
+      return errno == ENOENT || errno == ENOTDIR ? std::optional<Version>() : Version{};
+   }
+   return Version{ status.st_dev, status.st_ino, status.st_size, status.st_mtim };
+}
+
+void FileSlot::look( SlotSet & set, Console const & console ) {
+   std::optional<Version> const now = version();
+   bool const isSettled = !std::exchange( isLooked_, true ) || now == seen_;
+   seen_ = now;
+   if ( !isSettled || now == done_ ) {
+      return;
+   }
+   done_ = now;
+   now ? read( set, console ) : remove( set, console );
+}
+
+void FileSlot::read( SlotSet & set, Console const & console ) {
+   auto const complain = [&]( std::string const & text ) {
+      if ( text != std::exchange( complaint_, text ) ) {
+         console.complain( fmt::format( "{}: {}", shownFileName( name_.view() ), text ) );
+      }
+   };
+   struct stat status {};
+   if ( ::stat( file_.c_str(), &status ) == 0 && !S_ISREG( status.st_mode ) ) {
+      complain( shownFileName( file_ ) + ": is no regular file; give one with a module's image" );
+      return;
+   }
+   try {
+      auto const module = moduleOf( readImage( file_, anyFamily ) );
+      write( set, module->status(), console );
+      std::string warnings;
+      for ( std::string const & warning : module->image().warnings ) {
+         warnings += fmt::format( "{}: warning: {}", shownFileName( file_ ), warning );
+      }
+      warnings.empty() ? complaint_.clear() : complain( warnings );
+   } catch ( ImageError const & error ) {
+      complain( fmt::format( "{}; the slot stays as it was", error.what() ) );
+   }
+}
+
+void FileSlot::write( SlotSet & set, Xcvr::XcvrNewStatus const & read, Console const & console ) {
+   std::string_view const type = read.velModel().typeName;
+   bool const isNew = !status_ || status_->velModel().typeName != type ||
+                      !( status_->vendorInfo() == read.vendorInfo() ); // another module
+   if ( isNew ) {
+      presenceChanges_ += status_ ? 1 : 0; // that the one before went
+      status_ = Vel::dynamicPtr<Xcvr::XcvrNewStatus>( Vel::TypeRegistry::newEntity( type, name_ ) );
+      ++presenceChanges_;
+   }
+   copy( read, *status_ );
+   status_->presenceChangesInc( presenceChanges_ );
+   if ( isNew ) {
+      set.statusIs( status_ );
+   }
+   console.print( fmt::format( "{}: {}: {}", shownFileName( name_.view() ),
+                               isNew ? "inserted" : "read again", moduleSummary( *status_ ) ) );
+}
+
+void FileSlot::remove( SlotSet & set, Console const & console ) {
+   complaint_.clear();
+   if ( std::exchange( status_, nullptr ) ) {
+      ++presenceChanges_;
+      set.statusDel( name_ );
+      console.print( fmt::format( "{}: removed", shownFileName( name_.view() ) ) );
+   }
+}
+
+std::string problemOf( AgentOptions const & options ) {
+   std::set<std::string> names;
+   for ( std::string const & option : options.slots ) {
+      auto const [name, file] = slotOf( option );
+      if ( name.empty() || file.empty() || file == "-" ) {
+         return fmt::format( "--slot {}: has to be NAME=FILE", option );
+      }
+      if ( !names.insert( name ).second ) {
+         return fmt::format( "--slot {}: there is a slot of that name", option );
+      }
+   }
+   return options.slice.find( '/' ) != std::string::npos
+             ? fmt::format( "--slice {}: has to be a name without /", options.slice )
+             : "";
+}
+
+void runAgent( AgentOptions const & options, Console const & console ) {
+   sigset_t signals;
+   ::sigemptyset( &signals );
+   ::sigaddset( &signals, SIGINT );
+   ::sigaddset( &signals, SIGTERM );
+   ::sigprocmask( SIG_BLOCK, &signals, nullptr );
+   Descriptor const ended( ::signalfd( -1, &signals, SFD_CLOEXEC | SFD_NONBLOCK ) );
+
+   Statedb::EntityManager tree;
+   Vel::Ptr<Vel::Entity> const forAllReaders[] = { Xcvr::modelToAttenuationFactory( "attenuation" ),
+                                                   Xcvr::xgcFactory( "xgc" ) };
+   for ( auto const & entity : forAllReaders ) {
+      tree.entityIs( "hardware/xcvr/" + entity->name(), entity );
+   }
+   SlotSet set( tree, options.slice );
+   std::vector<FileSlot> slots;
+   for ( std::string const & option : options.slots ) {
+      auto const [name, file] = slotOf( option );
+      slots.emplace_back( name, file );
+   }
+   Server server( options.socket, tree, console.complain );
+   console.print( fmt::format( "serving {} slot{} on {}", slots.size(),
+                               slots.size() == 1 ? "" : "s", shownFileName( options.socket ) ) );
+   Clock::time_point nextLook;
+   for ( signalfd_siginfo signal; ::read( ended.fd(), &signal, sizeof signal ) < 0; ) {
+      if ( Clock::now() >= nextLook ) {
+         for ( FileSlot & slot : slots ) {
+            slot.look( set, console );
+         }
+         nextLook = Clock::now() + lookEvery;
+      }
+      server.turn( static_cast<int>( lookEvery.count() ), ended.fd() );
+   }
+}
+
+} // namespace XcvrTool

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tools/xcvr/Socket.h"
+
+#include <functional>
+#include <list>
+#include <string>
+
+namespace XcvrTool {
+
+/// Serves a tree to any number of readers. None waits for another, and one that breaks the protocol is
+/// dropped, with a line that says so.
+class Server {
+ public:
+   Server( std::string path, Statedb::EntityManager & tree,
+           std::function<void( std::string const & )> say );
+   /// One round: waits until a reader or `besides` has something, or for so long, and serves them.
+   void turn( int milliseconds, int besides = -1 );
+   [[nodiscard]] std::size_t readerCount() const { return readers_.size(); }
+   /// Whether there is anything left to send.
+   [[nodiscard]] bool wantsToSend() const;
+
+ private:
+   struct Reader {
+      unsigned number;
+      Stream stream;
+   };
+   [[nodiscard]] bool step( Reader & reader, short events );
+   void accept();
+
+   Statedb::EntityManager & tree_;
+   std::function<void( std::string const & )> say_;
+   Listener listener_;
+   bool isFull_ = false; // no more readers for now, as the system has no descriptors
+   unsigned lastNumber_ = 0;
+   std::list<Reader> readers_;
+};
+
+} // namespace XcvrTool
