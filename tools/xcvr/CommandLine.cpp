@@ -58,7 +58,8 @@ struct Arguments {
    ControlSetChange change;
    std::vector<std::string> sockets; // of agents, instead of files
    bool isWatch = false;
-   AgentOptions agent; // with a socket: this one
+   bool isAgent = false;
+   AgentOptions agent;
 };
 
 /// Results on standard output. What cannot be written is noticed, not lost.
@@ -121,7 +122,7 @@ void describeControlSet( CLI::App & app, Arguments & arguments ) {
 CLI::Option & describeConnect( CLI::App & command, Arguments & arguments ) {
    return *command
               .add_option( "--connect", arguments.sockets,
-                           "Socket of an xcvr agent; may be given several times" )
+                           "Socket of an xcvr agent; any number of times" )
               ->type_name( "SOCKET" )
               ->expected( 1 )
               ->take_all();
@@ -135,13 +136,15 @@ void describeWatch( CLI::App & app, Arguments & arguments ) {
    sub.callback( [&arguments] { arguments.isWatch = true; } );
 }
 
-void describeAgent( CLI::App & app, AgentOptions & options ) {
+void describeAgent( CLI::App & app, Arguments & arguments ) {
+   AgentOptions & options = arguments.agent;
    CLI::App & sub =
       *app.add_subcommand( "agent", "Serve slots, whose modules are image files, to readers" );
    sub.add_option( "--listen", options.socket, "Socket for readers (show --connect, watch)" )
       ->type_name( "SOCKET" )
       ->required();
-   sub.add_option( "--slot", options.slots, "A slot and the file that is its module" )
+   sub.add_option( "--slot", options.slots,
+                   "A slot and the file that is its module; any number of times" )
       ->type_name( "NAME=FILE" )
       ->required()
       ->expected( 1 )
@@ -149,6 +152,7 @@ void describeAgent( CLI::App & app, AgentOptions & options ) {
    sub.add_option( "--slice", options.slice, "Serve the slots as those of a slice" )
       ->type_name( "NAME" );
    sub.footer( "Example:\n  xcvr agent --listen /tmp/agent.sock --slot Ethernet1=module.bin" );
+   sub.callback( [&arguments] { arguments.isAgent = true; } );
 }
 
 void describeArguments( CLI::App & app, Arguments & arguments ) {
@@ -172,22 +176,27 @@ void describeArguments( CLI::App & app, Arguments & arguments ) {
          *sub.add_option( "FILE", arguments.files, "Module images; - is standard input" )
              ->required()
              ->type_name( "" );
+      CLI::Option & family =
+         *sub.add_option_function<std::string>(
+                "--family",
+                [&arguments]( std::string const & name ) {
+                   arguments.family = familyOfName( name );
+                },
+                "Kind of module, instead of finding out: " + joined( familyNames() ) )
+             ->type_name( "KIND" )
+             ->check( CLI::IsMember( familyNames() ).description( "" ) );
       if ( command.takesAgents ) {
-         files.required( false )->excludes( &describeConnect( sub, arguments ) );
+         CLI::Option & agents = describeConnect( sub, arguments );
+         files.required( false )->excludes( &agents );
+         family.excludes( &agents );
       }
-      sub.add_option_function<std::string>(
-            "--family",
-            [&arguments]( std::string const & name ) { arguments.family = familyOfName( name ); },
-            "Kind of module, instead of finding out: " + joined( familyNames() ) )
-         ->type_name( "KIND" )
-         ->check( CLI::IsMember( familyNames() ).description( "" ) );
       if ( command.json ) {
          describeJson( sub, arguments );
       }
       sub.footer( fmt::format( "Example:\n  {}", command.example ) );
       sub.callback( [&arguments, &command] { arguments.command = &command; } );
    }
-   describeAgent( app, arguments.agent );
+   describeAgent( app, arguments );
    describeWatch( app, arguments );
    describeControlSet( app, arguments );
    CLI::App & mediaTypes = *app.add_subcommand(
@@ -356,7 +365,7 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
       complain( "standard input (-) can be read only once; name it once" );
       return exitUsage;
    }
-   if ( !arguments.agent.socket.empty() ) {
+   if ( arguments.isAgent ) {
       return printAgent( arguments.agent, output );
    }
    if ( arguments.isWatch ) {

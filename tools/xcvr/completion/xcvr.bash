@@ -8,7 +8,7 @@ _xcvr() {
 
    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
       case $word in
-      show | hexdump | explain | check | control-set | media-types)
+      show | hexdump | explain | check | agent | watch | control-set | media-types)
          command=$word
          break
          ;;
@@ -23,7 +23,10 @@ _xcvr() {
    local options='--help'
    case $command in
    '') options+=' --version' ;;
-   show | check) options+=' --family --json' ;;
+   show) options+=' --family --json --connect' ;;
+   check) options+=' --family --json' ;;
+   agent) options+=' --listen --slot --slice' ;;
+   watch) options+=' --connect' ;;
    media-types) options+=' --json' ;;
    control-set)
       options+=' --lane --application --data-path --explicit --tx-adaptive --tx-eq --rx-pre'
@@ -35,7 +38,7 @@ _xcvr() {
    if [[ $current == -* ]]; then
       mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
    elif [[ -z $command ]]; then
-      mapfile -t COMPREPLY < <(compgen -W 'show hexdump explain check control-set media-types' -- "$current")
+      mapfile -t COMPREPLY < <(compgen -W 'show hexdump explain check agent watch control-set media-types' -- "$current")
    elif [[ $command != media-types ]]; then
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
