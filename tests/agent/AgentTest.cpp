@@ -301,7 +301,8 @@ TEST_F( ManyWritesTest, readersAgreeWhateverOthersDo ) {
       if ( written == 5000 ) {
          Descriptor const stranger = connectTo( socket );
          ASSERT_EQ( ::send( stranger.fd(), "GET / HTTP/1.1\r\n\r\n", 18, 0 ), 18 );
-         serveUntil( [&] { return !complaints.empty(); } );
+         char byte;
+         serveUntil( [&] { return ::recv( stranger.fd(), &byte, 1, 0 ) == 0; } );
       }
    }
    agent.end();
