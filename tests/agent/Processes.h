@@ -90,8 +90,10 @@ class ProcessTest : public ::testing::Test {
       content << std::ifstream( folder / name, std::ios::binary ).rdbuf();
       return content.str();
    }
+   /// The file is there as a whole or not at all.
    void fileIs( std::string const & name, std::string_view content ) const {
-      std::ofstream( folder / name, std::ios::binary ) << content;
+      std::ofstream( folder / ( name + ".new" ), std::ios::binary ) << content;
+      std::filesystem::rename( folder / ( name + ".new" ), folder / name );
    }
    /// Whether what has been printed becomes this.
    [[nodiscard]] ::testing::AssertionResult becomes( std::string const & name,

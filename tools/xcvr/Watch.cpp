@@ -15,7 +15,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds longestWait( 20 ); // of `show` for an agent that does not answer
-constexpr std::chrono::milliseconds longestPause( 200 ); // of `watch` for one that is changing
+constexpr std::chrono::milliseconds longestPause( 1000 ); // of `watch` for one that is changing
 constexpr int roundMs = 100;
 constexpr char noModules[] = "no slot has a module at present";
 
