@@ -199,9 +199,14 @@ bool Readers::allComplete() const {
                                []( auto const & remote ) { return remote->isComplete(); } );
 }
 
-bool Readers::allDone() const {
-   return std::ranges::all_of(
-      remotes_, []( auto const & remote ) { return remote->isComplete() || remote->hasFailed(); } );
+std::vector<std::string> Readers::late() const {
+   std::vector<std::string> sockets;
+   for ( auto const & remote : remotes_ ) {
+      if ( !remote->isComplete() && !remote->hasFailed() ) {
+         sockets.push_back( remote->socket() );
+      }
+   }
+   return sockets;
 }
 
 std::vector<Vel::Ptr<Xcvr::XcvrNewStatus const>> Readers::published() const {

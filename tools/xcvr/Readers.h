@@ -23,6 +23,7 @@ class Remote {
 
    /// Connects if it is not connected and the time for that has come.
    void connect();
+   [[nodiscard]] std::string const & socket() const { return socket_; }
    [[nodiscard]] bool isConnected() const { return stream_ != nullptr; }
    /// The last attempt to reach the agent, or to mount what it serves, failed.
    [[nodiscard]] bool hasFailed() const { return hasFailed_; }
@@ -62,8 +63,8 @@ class Readers {
    /// No agent that is connected is on the way to something else.
    [[nodiscard]] bool isSettled() const;
    [[nodiscard]] bool allComplete() const;
-   /// Every agent is complete or has failed.
-   [[nodiscard]] bool allDone() const;
+   /// The sockets of agents that are not complete, but have not failed either.
+   [[nodiscard]] std::vector<std::string> late() const;
    /// By name, in the order of people: 2 before 10.
    [[nodiscard]] std::vector<Vel::Ptr<Xcvr::XcvrNewStatus const>> published() const;
 

@@ -45,11 +45,12 @@ bool forEachRemoteModule( std::vector<std::string> const & sockets,
    Clock::time_point const last = Clock::now() + longestWait;
    do {
       readers.turn( roundMs );
-   } while ( !readers.allDone() && Clock::now() < last );
+   } while ( !readers.late().empty() && Clock::now() < last );
    bool isGood = readers.allComplete();
-   if ( !readers.allDone() ) {
-      complain( fmt::format( "an agent is not done with its configuration ({} s); try again later",
-                             longestWait.count() ) );
+   for ( std::string const & socket : readers.late() ) {
+      complain( fmt::format( "{}: not all is there that the agent should serve ({} s); try again "
+                             "later",
+                             shownFileName( socket ), longestWait.count() ) );
    }
    auto const published = readers.published();
    if ( published.empty() && isGood ) {
