@@ -373,7 +373,7 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
                       [&]( Console const & console ) { runWatch( arguments.sockets, console ); } );
    }
    if ( arguments.command && arguments.files.empty() && arguments.sockets.empty() ) {
-      complain( "FILE or --connect is required; see xcvr show --help" );
+      complain( "FILE is required, or --connect SOCKET; see xcvr show --help" );
       return exitUsage;
    }
    if ( arguments.isControlSet ) {
