@@ -21,6 +21,14 @@ bool MountGroup::complete() const {
    } );
 }
 
+std::vector<Vel::Name> MountGroup::paths() const {
+   std::vector<Vel::Name> paths;
+   for ( auto const & entry : mountMap() ) {
+      paths.push_back( entry.first );
+   }
+   return paths;
+}
+
 // Paths
 
 namespace {
@@ -148,9 +156,8 @@ class EntityManager::Group : public MountGroup::NotifieeConst {
    Group( EntityManager & manager, Vel::Ptr<MountGroup> const & group )
       : manager_( manager ), group_( group ) {
       notifierIs( group.get() );
-      for ( auto const & entry :
-            std::vector( group->mountMap().begin(), group->mountMap().end() ) ) {
-         onMount( entry.first );
+      for ( Vel::Name const & path : group->paths() ) {
+         onMount( path );
       }
    }
    void onMount( Vel::Name const & path ) override {

@@ -193,9 +193,8 @@ class Session::Group : public MountGroup::NotifieeConst {
    Group( Session & session, Vel::Ptr<MountGroup> const & group )
       : session_( session ), group_( group ) {
       notifierIs( group.get() );
-      for ( auto const & entry :
-            std::vector( group->mountMap().begin(), group->mountMap().end() ) ) {
-         onMount( entry.first );
+      for ( Vel::Name const & path : group->paths() ) {
+         onMount( path );
       }
    }
    void onMount( Vel::Name const & path ) override {

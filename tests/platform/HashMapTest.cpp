@@ -60,12 +60,12 @@ TYPED_TEST( HashMap, BehavesAsAMapUnderALongSequenceOfOperations ) {
             ASSERT_NO_FATAL_FAILURE( this->expectEqual() );
          }
          TypeParam const key = keyOf<TypeParam>( static_cast<uint32_t>( random() ) % few );
-         auto * const found = this->map.find( key );
+         auto const found = this->map.find( key );
          auto const inModel = this->model.find( key );
          ASSERT_EQ( found != this->map.end(), inModel != this->model.end() );
          auto const value = static_cast<uint32_t>( random() );
          if ( found == this->map.end() ) {
-            this->map.emplace( key, value );
+            this->map.try_emplace( key, value );
             this->model.emplace( key, value );
             continue;
          }
@@ -88,7 +88,8 @@ TYPED_TEST( HashMap, BehavesAsAMapUnderALongSequenceOfOperations ) {
    EXPECT_GT( this->map.size(), 0U );
    this->map.clear();
    ASSERT_NO_FATAL_FAILURE( this->expectEqual() );
-   this->map.emplace( keyOf<TypeParam>( 7 ), 7 );
+   this->map.try_emplace( keyOf<TypeParam>( 7 ), 7 );
+   EXPECT_FALSE( this->map.try_emplace( keyOf<TypeParam>( 7 ), 8 ).second );
    EXPECT_EQ( this->map.find( keyOf<TypeParam>( 7 ) )->second, 7U );
 }
 
