@@ -1,3 +1,4 @@
+#include "tests/platform/Hex.h"
 #include "tests/platform/SampleTypes.h"
 #include "tests/support/AllocationCount.h"
 
@@ -14,24 +15,6 @@ namespace {
 
 using Vel::AttrLogException;
 using Vel::NboAttrLog;
-
-std::string hex( std::string_view bytes ) {
-   std::string text;
-   for ( char c : bytes ) {
-      auto const byte = static_cast<unsigned char>( c );
-      for ( int digit : { byte >> 4, byte & 15 } )
-         text += "0123456789abcdef"[digit];
-   }
-   return text;
-}
-
-std::string unhex( std::string_view text ) {
-   std::string bytes;
-   for ( ; !text.empty(); text.remove_prefix( text[0] == ' ' ? 1 : 2 ) )
-      if ( text[0] != ' ' )
-         bytes += static_cast<char>( std::stoi( std::string( text.substr( 0, 2 ) ), nullptr, 16 ) );
-   return bytes;
-}
 
 // The records of filledAll and filledMaps, one group a field.
 constexpr char const allRecord[] = "01 ff ffff 8000 01234567 ffffffffffffffff fff0000000000000 "
@@ -50,46 +33,35 @@ std::string record( T const & value ) {
 TEST( AttrLog, FieldsInNetworkOrderWithoutHeads ) {
    EXPECT_EQ( hex( record( filledAll() ) ), hex( unhex( allRecord ) ) );
    EXPECT_EQ( hex( record( filledMaps() ) ), hex( unhex( mapsRecord ) ) );
-   EXPECT_EQ( hex( record( Maps() ) ), "000000000000000000000000" );
-   EXPECT_EQ( hex( record( 1.0 ) ), "3ff0000000000000" );
-   EXPECT_EQ( hex( record( Mode::on ) ), "00000007" );
+   EXPECT_EQ( hex( record( Maps() ) ), "00 00 00 00 00 00 00 00 00 00 00 00" );
+   EXPECT_EQ( hex( record( Mode::on ) ), "00 00 00 07" );
+   for ( uint64_t bits :
+         { 0x8000000000000000UL, 1UL, 0x7ff8000000000123UL, 0xfff4000000000001UL } ) {
+      NboAttrLog log( record( std::bit_cast<double>( bits ) ) );
+      EXPECT_EQ( std::bit_cast<uint64_t>( log.read<double>() ), bits ) << "every bit of a double";
+   }
 }
 
 TEST( AttrLog, ValuesFollowEachOther ) {
    NboAttrLog log;
-   for ( int round = 0; round < 2; ++round ) {
+   for ( int round = 0; round < 2; ++round, log.clear() ) {
       for ( uint16_t i = 0; i < 1000; ++i ) {
-         All value = filledAll();
-         value.wordIs( i );
-         log.write( value );
-         log.write( filledMaps() );
          log.write( i );
+         log.write( filledAll() );
+         log.write( filledMaps() );
       }
       NboAttrLog received( log.bytes() );
       for ( uint16_t i = 0; i < 1000; ++i ) {
-         All value = filledAll();
-         value.wordIs( i );
-         ASSERT_EQ( All( received ), value );
-         ASSERT_EQ( Maps( received ), filledMaps() );
          ASSERT_EQ( received.read<uint16_t>(), i );
+         ASSERT_EQ( All( received ), filledAll() );
+         ASSERT_EQ( Maps( received ), filledMaps() );
       }
       EXPECT_EQ( received.position(), received.bytes().size() );
       EXPECT_THROW( static_cast<void>( received.read<uint8_t>() ), AttrLogException );
       received.positionIs( 2 );
-      EXPECT_EQ( received.read<uint16_t>(), 0 );
+      EXPECT_EQ( received.read<uint8_t>(), 1 ) << "the flag of the first one";
       received.positionIs( 1u << 31 );
       EXPECT_EQ( received.position(), received.bytes().size() );
-      log.clear();
-      EXPECT_EQ( log.bytes(), "" );
-   }
-}
-
-TEST( AttrLog, DoublesKeepEveryBit ) {
-   for ( uint64_t bits :
-         { 0x8000000000000000UL, 1UL, 0x7ff8000000000123UL, 0xfff4000000000001UL } ) {
-      NboAttrLog log;
-      log.write( std::bit_cast<double>( bits ) );
-      EXPECT_EQ( std::bit_cast<uint64_t>( log.read<double>() ), bits );
    }
 }
 
@@ -145,7 +117,6 @@ TEST( AttrLog, HostileContentIsRefusedBeforeItIsBelieved ) {
               *again = "a key that was given before";
    HostileRecord const hostile[] = {
       { "a bool of 2", "", "02", "neither 0 nor 1 for a bool" },
-      { "a bool of 255", "", "ff", "neither 0 nor 1 for a bool" },
       { "an enumeration code in a gap", toMode, "00000001", noMode },
       { "an enumeration code beyond all", toMode, "00000009", noMode },
       { "an enumeration code with a high byte", toMode, "08000008", noMode },
@@ -156,7 +127,6 @@ TEST( AttrLog, HostileContentIsRefusedBeforeItIsBelieved ) {
       expectRefused<All>( one );
    // The length's own bytes are good; what follows them is too little.
    expectRefused<All>( { "a text of 4 GiB", toLabel + "ffffffff", "", truncated } );
-   expectRefused<All>( { "a text of 2 GiB", toLabel + "7fffffff", "", truncated } );
    expectRefused<All>( { "a text of a byte too many", toLabel + "00000065", "", truncated } );
 
    HostileRecord const hostileMaps[] = {
