@@ -246,37 +246,26 @@ TEST_F( AggregationTest, theLastWordIsThatOfAHandshakeWithinAHandshake ) {
    EXPECT_FALSE( top()->sliceStatusSm( "1" ) );
 }
 
-std::vector<std::string> notes( TraceCapture & capture ) {
-   std::vector<std::string> all;
-   for ( auto const & record : capture.takeRecords() ) {
-      EXPECT_EQ( record.source, "XcvrAllStatusDirSm" );
-      EXPECT_EQ( record.level, 8 );
-      if ( !record.text.empty() ) {
-         all.push_back( record.operation + ": " + record.text );
-      }
-   }
-   return all;
-}
-
 TEST_F( AggregationTest, traces ) {
    statuses( "1" )->entryDel( "1/b" );
    auto const configured = sliceConfigDir->entry( "1" );
    sliceConfigDir->entryDel( "1" );
-   TraceCapture capture( "XcvrAllStatusDirSm" );
+   TraceCapture capture( "XcvrAllStatusDirSm", 8 );
    singleton->doStartSm();
-   EXPECT_THAT( notes( capture ),
+   EXPECT_THAT( capture.takeNotes(),
                 ElementsAre( "handleFixedStatusGenId: Adding fixed xcvr Ethernet1",
                              "handleInitialized: Creating xcvrStatus reactor for 1",
                              "handleAgentStatusGenId: 1 no xcvrConfig" ) );
    agent( "1", 1 );
-   EXPECT_THAT( notes( capture ), ElementsAre( "handleAgentStatusGenId: 1 no xcvrConfig" ) );
+   EXPECT_THAT( capture.takeNotes(), ElementsAre( "handleAgentStatusGenId: 1 no xcvrConfig" ) );
    sliceConfigDir->entryIs( configured );
-   EXPECT_THAT( notes( capture ), ElementsAre( "handleEntryState: handleEntryState for 1",
-                                               "handleAgentStatusGenId: 1 xcGenId 1 xsGenId 1",
-                                               "handleAgentStatusGenId: Adding sliced xcvr 1/a" ) );
+   EXPECT_THAT( capture.takeNotes(),
+                ElementsAre( "handleEntryState: handleEntryState for 1",
+                             "handleAgentStatusGenId: 1 xcGenId 1 xsGenId 1",
+                             "handleAgentStatusGenId: Adding sliced xcvr 1/a" ) );
    config( "1", 2 );
    fixedConfigDir->generationIdIs( 2 );
-   EXPECT_THAT( notes( capture ),
+   EXPECT_THAT( capture.takeNotes(),
                 ElementsAre( "handleAgentStatusGenId: 1 xcGenId 2 xsGenId 1",
                              "handleAgentStatusGenId: Removing sliced xcvr 1/a",
                              "handleFixedStatusGenId: Removing fixed xcvr Ethernet1" ) );
