@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <tuple>
 
 namespace Xcvr {
 namespace {
@@ -26,15 +28,14 @@ struct Polynomial {
 };
 
 double rxPower( unsigned raw, Polynomial const & p ) {
-   auto const byte = []( float coefficient, int index ) {
-      return static_cast<uint8_t>( std::bit_cast<uint32_t>( coefficient ) >> ( 24 - 8 * index ) );
-   };
-   return decodeDomECRxPower( msb( raw ), lsb( raw ), byte( p.c0, 0 ), byte( p.c0, 1 ),
-                              byte( p.c0, 2 ), byte( p.c0, 3 ), byte( p.c1, 0 ), byte( p.c1, 1 ),
-                              byte( p.c1, 2 ), byte( p.c1, 3 ), byte( p.c2, 0 ), byte( p.c2, 1 ),
-                              byte( p.c2, 2 ), byte( p.c2, 3 ), byte( p.c3, 0 ), byte( p.c3, 1 ),
-                              byte( p.c3, 2 ), byte( p.c3, 3 ), byte( p.c4, 0 ), byte( p.c4, 1 ),
-                              byte( p.c4, 2 ), byte( p.c4, 3 ) );
+   std::array<uint8_t, 22> bytes = { msb( raw ), lsb( raw ) };
+   auto * at = &bytes[2];
+   for ( float coefficient : { p.c0, p.c1, p.c2, p.c3, p.c4 } ) {
+      for ( int shift = 24; shift >= 0; shift -= 8 ) {
+         *at++ = static_cast<uint8_t>( std::bit_cast<uint32_t>( coefficient ) >> shift );
+      }
+   }
+   return std::apply( decodeDomECRxPower, bytes );
 }
 
 double dBm( double tenthMicrowatts ) {
@@ -105,10 +106,7 @@ TEST( ExternalCalibration, SlopeAndOffset ) {
    EXPECT_DOUBLE_EQ( decodeDomECTxPower( msb( 4000 ), lsb( 4000 ), 1, 0x80, 0x00, 0x64 ),
                      dBm( 6100 ) );
    EXPECT_EQ( decodeDomECTxPower( 0, 10, 1, 0, 0xff, 0x00 ), -infinity ); // negative power
-}
-
-// A raw value is signed; what calibration lifts to 128 °C or more reads as negative all the same.
-TEST( ExternalCalibration, TemperatureFolds ) {
+   // A raw temperature is signed; what calibration lifts to 128 °C or more reads as negative.
    EXPECT_DOUBLE_EQ( decodeDomECTemperature( 100, 0, 1, 0x80, 0, 0 ), 150 - 256 );
    EXPECT_DOUBLE_EQ( decodeDomECTemperature( 127, 0, 1, 0, 1, 0 ), -128 );
    EXPECT_DOUBLE_EQ( decodeDomECTemperature( 0x80, 0, 2, 0, 0, 0 ), -256 );
@@ -130,12 +128,11 @@ TEST( ExternalCalibration, RxPowerTakesTheCoefficientsInTheirOrder ) {
 // Whatever a module's calibration holds, no measurement comes out as not-a-number.
 TEST( ExternalCalibration, AnyCoefficientsGiveANumber ) {
    std::mt19937 random( 1 );
-   auto const coefficient = [&random] {
-      return std::bit_cast<float>( static_cast<uint32_t>( random() ) );
-   };
    for ( int i = 0; i < 20000; ++i ) {
-      Polynomial const p{ coefficient(), coefficient(), coefficient(), coefficient(),
-                          coefficient() };
+      Polynomial p;
+      for ( float * coefficient : { &p.c0, &p.c1, &p.c2, &p.c3, &p.c4 } ) {
+         *coefficient = std::bit_cast<float>( static_cast<uint32_t>( random() ) );
+      }
       ASSERT_FALSE( std::isnan( rxPower( random() & 0xffff, p ) ) );
    }
 }

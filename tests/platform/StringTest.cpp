@@ -75,49 +75,47 @@ TEST( String, PartsAndPlaces ) {
 // A few strings under every operation in a long seeded sequence, each beside a std::string.
 TEST( String, BehavesAsAByteStringUnderAnySequenceOfOperations ) {
    std::mt19937 random( 1 );
-   auto const below = [&random]( std::size_t bound ) { return random() % bound; };
    std::array<String, 4> strings;
    std::array<std::string, 4> models;
    for ( int step = 0; step < 100000; ++step ) {
-      std::size_t const to = below( 4 ), from = below( 4 );
-      std::size_t const at = below( 60 ), count = below( 30 );
-      std::string const part = models[from].substr( std::min( at, models[from].size() ), count );
-      switch ( below( 7 ) ) {
+      String &to = strings[random() % 4], &from = strings[random() % 4];
+      std::string & model = models[static_cast<std::size_t>( &to - strings.data() )];
+      std::string & source = models[static_cast<std::size_t>( &from - strings.data() )];
+      std::size_t const at = random() % 60, count = random() % 30;
+      std::size_t const begin = std::min( at, source.size() );
+      std::string const part = source.substr( begin, count );
+      switch ( random() % 7 ) {
       case 0:
-         models[to] = letters( at, count );
-         strings[to] = String( models[to] );
+         to = String( model = letters( at, count ) );
          break;
       case 1:
-         models[to] = models[from];
-         strings[to] = strings[from];
+         model = source, to = from;
          break;
       case 2:
-         models[to] = std::string( models[from] );
-         models[from] = to == from ? models[to] : std::string();
-         strings[to] = std::move( strings[from] );
+         to = std::move( from );
+         if ( &to != &from ) {
+            model = std::exchange( source, {} );
+         }
          break;
       case 3:
-         models[to] = part;
-         strings[to] = strings[from].substr( at, count );
+         model = part, to = from.substr( at, count );
          break;
       case 4:
-         models[to] += part;
-         strings[to] +=
-            std::string_view( strings[from] ).substr( std::min( at, strings[from].size() ), count );
+         model += part, to += std::string_view( from ).substr( begin, count );
          break;
       case 5:
-         if ( at < models[to].size() )
-            models[to][at] = static_cast<char>( step );
-         strings[to].byteIs( at, static_cast<uint8_t>( step ) );
+         if ( at < model.size() ) {
+            model[at] = static_cast<char>( step );
+         }
+         to.byteIs( at, static_cast<uint8_t>( step ) );
          break;
       default:
-         std::swap( models[to], models[from] );
-         std::swap( strings[to], strings[from] );
+         std::swap( model, source ), std::swap( to, from );
       }
       for ( std::size_t i = 0; i < strings.size(); ++i ) {
          ASSERT_EQ( strings[i].view(), models[i] ) << "step " << step;
-         ASSERT_EQ( strings[i] == strings[from], models[i] == models[from] ) << "step " << step;
-         ASSERT_EQ( strings[i] <=> strings[from], models[i] <=> models[from] ) << "step " << step;
+         ASSERT_EQ( strings[i] == from, models[i] == source ) << "step " << step;
+         ASSERT_EQ( strings[i] <=> from, models[i] <=> source ) << "step " << step;
          ASSERT_EQ( strings[i][at], at < models[i].size() ? models[i][at] : '\0' );
       }
    }
