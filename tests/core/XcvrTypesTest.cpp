@@ -10,7 +10,6 @@
 
 #include <limits>
 #include <map>
-#include <set>
 #include <sstream>
 #include <string>
 
@@ -181,19 +180,6 @@ TEST( XcvrTypes, StringFormsAsOtherProgramsReadThem ) {
                       "'maxEepromPages': 4, 'pageSizeBytes': {0: 256, 3: 128}})" );
    EXPECT_DEATH( static_cast<void>( EepromDescriptor( stringValue( pages ) ) ),
                  "!\"No String constructor for EepromDescriptor - has collection\"" );
-}
-
-TEST( XcvrTypes, KeysHaveHashAndOrder ) {
-   std::set<std::size_t> hashes;
-   ChannelDesc before;
-   for ( unsigned value = 1; value < 0x10000; value += 51 ) {
-      ChannelDesc const key( static_cast<uint8_t>( value >> 8 ), static_cast<uint8_t>( value ) );
-      EXPECT_LT( before, key );
-      EXPECT_TRUE( hashes.insert( key.hash() ).second );
-      before = key;
-   }
-   EXPECT_LT( LaneId( 1 ), LaneId( 200 ) );
-   EXPECT_NE( LaneId( 1 ).hash(), LaneId( 2 ).hash() );
 }
 
 TEST( XcvrTypes, AChannelOutOfRangeIsFatalButInTextOrLogAnOrdinaryError ) {

@@ -4,7 +4,7 @@
 
 #include <Vel/Define.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <bit>
 #include <cmath>
@@ -84,26 +84,19 @@ TEST( AttrLog, TruncatedItIsRefusedAndStaysWhereItWas ) {
    expectRefusedTruncated<Maps>( unhex( mapsRecord ) );
 }
 
-/// A record from which some bytes, at the ^, are what T cannot hold.
-struct HostileRecord {
-   char const * what;
-   std::string before, bad; // hexadecimal
-   char const * problem;
-};
-
+/// A record of T that is good up to some bytes: those are refused, before anything is believed.
 template <typename T>
-void expectRefused( HostileRecord const & hostile ) {
-   SCOPED_TRACE( hostile.what );
-   std::string const before = unhex( hostile.before );
-   NboAttrLog log( before + unhex( hostile.bad ) + std::string( 100, '\0' ) );
+void expectRefused( std::string const & good, std::string const & bad, char const * problem ) {
+   SCOPED_TRACE( bad );
+   std::string const before = unhex( good );
+   NboAttrLog log( before + unhex( bad ) + std::string( 100, '\0' ) );
    AllocationCount const count;
    try {
-      FAIL() << T( log );
+      ADD_FAILURE() << T( log );
    } catch ( AttrLogException const & error ) {
       EXPECT_LT( count.bytes(), 2000U ) << "it allocated what the log claims to hold";
       EXPECT_EQ( error.position(), before.size() );
-      EXPECT_NE( std::string( error.what() ).find( hostile.problem ), std::string::npos )
-         << error.what();
+      EXPECT_THAT( error.what(), testing::HasSubstr( problem ) );
       EXPECT_EQ( log.position(), 0U );
    }
 }
@@ -113,30 +106,20 @@ TEST( AttrLog, HostileContentIsRefusedBeforeItIsBelieved ) {
    std::string const toLabel = record.substr( 0, record.find( "00000009" ) );
    std::string const toMode = record.substr( 0, record.find( "00000008" ) );
    std::string const toNibble = record.substr( 0, record.rfind( "0f" ) );
-   char const *noMode = "no Sample::Mode has code", *truncated = "truncated",
-              *again = "a key that was given before";
-   HostileRecord const hostile[] = {
-      { "a bool of 2", "", "02", "neither 0 nor 1 for a bool" },
-      { "an enumeration code in a gap", toMode, "00000001", noMode },
-      { "an enumeration code beyond all", toMode, "00000009", noMode },
-      { "an enumeration code with a high byte", toMode, "08000008", noMode },
-      { "an enumeration code in a nested value", toMode + "000000080000", "00000006", noMode },
-      { "a bounded number out of range", toNibble, "10", "out of range" },
-   };
-   for ( HostileRecord const & one : hostile )
-      expectRefused<All>( one );
-   // The length's own bytes are good; what follows them is too little.
-   expectRefused<All>( { "a text of 4 GiB", toLabel + "ffffffff", "", truncated } );
-   expectRefused<All>( { "a text of a byte too many", toLabel + "00000065", "", truncated } );
-
-   HostileRecord const hostileMaps[] = {
-      { "4 Gi entries", "ffffffff 000000", "00", again },
-      { "a key twice", "00000003 070000 080000", "070001", again },
-      { "a text key twice", "00000000 00000003 00000001 61 ffff00000007", "00000001 61", again },
-      { "a bounded key out of range", "00000000 00000000 00000001", "10", "out of range" },
-   };
-   for ( HostileRecord const & one : hostileMaps )
-      expectRefused<Maps>( one );
+   char const *noMode = "no Sample::Mode has code", *again = "a key that was given before";
+   expectRefused<All>( "", "02", "neither 0 nor 1 for a bool" );
+   expectRefused<All>( toMode, "00000001", noMode );                  // in a gap
+   expectRefused<All>( toMode, "00000009", noMode );                  // beyond all
+   expectRefused<All>( toMode, "08000008", noMode );                  // with a high byte
+   expectRefused<All>( toMode + "000000080000", "00000006", noMode ); // in a nested value
+   expectRefused<All>( toNibble, "10", "out of range" );
+   // The length of a text is good; what follows is too little.
+   expectRefused<All>( toLabel + "ffffffff", "", "truncated" );
+   expectRefused<All>( toLabel + "00000065", "", "truncated" );
+   expectRefused<Maps>( "ffffffff 000000", "00", again ); // 4 Gi entries
+   expectRefused<Maps>( "00000003 070000 080000", "070001", again );
+   expectRefused<Maps>( "00000000 00000003 00000001 61 ffff00000007", "00000001 61", again );
+   expectRefused<Maps>( "00000000 00000000 00000001", "10", "out of range" );
 }
 
 } // namespace

@@ -18,12 +18,6 @@ VEL_ENUM_DEFINE( Register )
 VEL_ENUM( Switch, off, on )
 VEL_ENUM_DEFINE( Switch )
 
-class Holder {
- public:
-   VEL_MEMBER_ENUM( Reason, none, heat )
-};
-VEL_MEMBER_ENUM_DEFINE( Holder, Reason )
-
 template <typename E>
 std::string printed( E value ) {
    std::ostringstream out;
@@ -44,8 +38,6 @@ TEST( Enum, NamesAndCodesAsDeclared ) {
       EXPECT_EQ( printed( value ), code == 16 ? "status" : name );
    }
    EXPECT_EQ( Register::decimal, Register::statusMirror );
-   EXPECT_EQ( Holder::ReasonInstance( "heat" ), Holder::Reason::heat );
-   EXPECT_EQ( velEnumModel( Holder::Reason::heat ).typeName, "EnumTest::Holder::Reason" );
    for ( uint32_t code : { 1U, 15U, 18U, 0xfffffffeU } ) {
       EXPECT_EQ( printed( Register( code ) ), std::to_string( code ) ) << "has no name";
       EXPECT_EQ( velEnumModel( Register() ).byCode( code ), nullptr );

@@ -191,15 +191,31 @@ TEST_F( FlowTest, childrenArriveBeforeValuesThatWereWrittenAfterThem ) {
    EXPECT_THAT( speed.heard, ElementsAre( true ) );
 }
 
+TEST_F( FlowTest, whatIsMadeAnewUnderTheSameKeyIsMadeAnewInTheReplica ) {
+   slot->laneIs( LaneNumber( 1 ) );
+   deliver();
+   auto const lane = copy()->lane( LaneNumber( 1 ) );
+   slot->laneDel( LaneNumber( 1 ) );
+   slot->laneIs( LaneNumber( 1 ) );
+   deliver();
+   EXPECT_TRUE( copy()->laneHas( LaneNumber( 1 ) ) );
+   EXPECT_NE( copy()->lane( LaneNumber( 1 ) ), lane );
+}
+
 TEST_F( FlowTest, aNameThatLeadsNowhereYetIsFollowedLater ) {
    // What is pointed to is beside the directory, and arrives later, by another flow.
    auto const top = Vel::dirFactory( "top" ), copiedTop = Vel::dirFactory( "elsewhere" );
-   auto const far = slotFactory( "far" );
+   auto const far = slotFactory( "far" ), further = slotFactory( "further" );
    top->entryIs( dir );
    top->entryIs( far );
+   top->entryIs( further );
    copiedTop->entryIs( replica );
    slot->tableIs( far );
    slot->peerIs( far );
+   slot->peerIs( further );
+   deliver();
+   EXPECT_EQ( in.unresolved(), 3u );
+   slot->peerDel( "further" );
    deliver();
    EXPECT_EQ( copy()->table(), nullptr );
    EXPECT_FALSE( copy()->peerHas( "far" ) );
