@@ -228,6 +228,8 @@ TEST_F( EntityTest, anImageIsWrittenWholeBeforeItIsTold ) {
    EXPECT_THAT( recorder.takeHeard(), ElementsAre( "flag 6", "flag" ) );
    EXPECT_EQ( Vel::stringForm( slot->flagMap() ), "{0: True, 4: False, 5: True, 6: True}" );
    slot->codeImageIs( 0xf0000210u, 0x07 );
+   EXPECT_THAT( recorder.takeHeard(),
+                ElementsAre( "code 0", "code", "code 1", "code", "code 2", "code" ) );
    slot->codeIs( 7, 7 );
    recorder.takeHeard();
    slot->codeImageIs( 0x00000310u, 0x07 );
@@ -253,6 +255,9 @@ TEST_F( EntityTest, childrenHaveTheirParentWhileItHoldsThem ) {
    EXPECT_EQ( lane->parent(), nullptr );
    EXPECT_EQ( lane->fullName(), "3" );
    EXPECT_EQ( lane->refCount(), 1u );
+   Vel::Ptr<Lane> const sorted = slot->sortedIs( "x" );
+   slot->sortedDelAll();
+   EXPECT_EQ( sorted->parent(), nullptr );
 
    slot->partIs( Mode::remote, LaneNumber( 8 ) );
    Vel::Ptr<Lane> const part = slot->part( Mode::remote );
@@ -337,7 +342,7 @@ struct ThreeObservers {
          observers.push_back( std::make_unique<Recorder>( nullptr, name ) );
          observers.back()->heard = &heard;
       }
-      for ( std::size_t i : { 0, 1, 2 } ) {
+      for ( std::size_t i : { 0u, 1u, 2u } ) {
          attach( i );
       }
    }
