@@ -206,9 +206,7 @@ TEST( Cfp2StatusTest, AggregatePowerIsTheSumOfAllLanes ) {
 
 TEST( Cfp2StatusTest, ThresholdsInTheUnitsOfTheModule ) {
    using Unit = std::function<double( double )>;
-   auto const in = []( double unit ) -> Unit {
-      return [unit]( double raw ) { return raw * unit; };
-   };
+   auto const in = []( double unit ) { return Unit( std::bind_front( std::multiplies(), unit ) ); };
    for ( CfpMsaMisIdentifier identifier : { identifierCfp2, identifierCfpx, identifierCfp2Dco } ) {
       bool const isCfp2 = identifier == identifierCfp2;
       std::vector<double> expected;
@@ -284,13 +282,6 @@ TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
    EXPECT_EQ( status->txInputEqualization( LaneId( 3 ) ), TuningValue() );
 }
 
-TEST( Cfp2StatusTest, TuningCapabilitiesFromRangeAndGrids ) {
-   EXPECT_EQ( inserted( coherent( identifierCfp2Dco ) )->tuningCapabilities(),
-              TuningCapabilities( 191200000, 191350000, 196100000,
-                                  GridSpacingCapabilities( true, true, false, false, false, true ),
-                                  6000 ) );
-}
-
 // What the registers mean no public document confirms, so this asks only that a module which took the
 // wanted tuning, whatever the code of its grid is, is no longer pending.
 TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
@@ -330,6 +321,10 @@ TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
 
 TEST( Cfp2StatusTest, TheTuningInTheRegisters ) {
    CfpImageBuilder image = coherent( identifierCfp2Dco );
+   EXPECT_EQ( inserted( image )->tuningCapabilities(),
+              TuningCapabilities( 191200000, 191350000, 196100000,
+                                  GridSpacingCapabilities( true, true, false, false, false, true ),
+                                  6000 ) );
    EXPECT_EQ( inserted( image )->cfpxTuneStatus(),
               CfpxTuneStatus( HwTuningConfig(), 0, unreadable, unreadable, unreadable ) );
    image.raw( "txChannel", 7u << 13 | 3 ).raw( "txFineTuneFreq", 0xffff ); // a grid that is none

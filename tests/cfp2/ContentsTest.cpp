@@ -125,13 +125,12 @@ TEST( CfpContents, ANewTableReplacesTheOldOne ) {
    auto const contents = cfpMsaMisIdEepromContentsFactory( "cfp" );
    observer.notifierIs( contents );
    auto const first = contents->memoryIs( table9000, 0x9000, 16 );
-   first->contentsIs( "ab" );
+   first->contentsIs( "ab" ); // gone with it
    TraceCapture capture( "XcvrCfp2" );
    auto const second = contents->memoryIs( table9000, 0x9001, 8 );
    ASSERT_EQ( capture.takeRecords().at( 0 ).text,
               "Reinstantiating the entity with fullName cfp/memory/table9000" );
    EXPECT_EQ( contents->entity( "memory/table9000" ), second );
-   EXPECT_EQ( first->parent(), nullptr );
    EXPECT_EQ( second->contents(), "" );
    EXPECT_EQ( second->firstAddress(), 0x9001 );
    EXPECT_EQ( second->registerWidth(), 8 );
@@ -271,14 +270,14 @@ struct FieldCase {
    char const * accessor;
    double ( *read )( Contents const & );
    CfpMsaMisIdentifier identifier;
-   uint16_t address, number;
+   uint16_t address, number; // in the register, all others being 0
    double expected;
 };
+
 constexpr CfpMsaMisIdentifier cfp2 = identifierCfp2, cfpx = identifierCfpx, dco = identifierCfp2Dco;
 
 #define GIVES( expression, ... ) FieldCase( { READS( expression ), __VA_ARGS__ } )
 
-// With that number in that register, all others being 0.
 std::vector<FieldCase> const fieldCases = listOf(
    GIVES( c.networkLanes(), cfp2, 0x8009, 0x4A, 4 ), GIVES( c.hostLanes(), cfp2, 0x8009, 0x4A, 10 ),
    GIVES( c.laserWavelengthInteger(), cfp2, 0x8013, 1, 12 ),
@@ -343,10 +342,8 @@ TEST( CfpContents, WhatAModuleLacksIsTraced ) {
    expectTraced( dco, std::mem_fn( &C::txDriverCtrl ), "txDriverCtrl" );
    expectTraced( dco, std::mem_fn( &C::moduleState ), "getU16FromTable" ); // no table
    expectTraced( cfpx, std::mem_fn( &C::networkLaneBitRateMax ), "getU8FromTable" );
-   expectTraced(
-      cfpx, []( C const & c ) { return c.rxSkew( 0 ); }, "rxSkew" );
-   expectTraced(
-      cfpx, []( C const & c ) { return c.rxSkew( 2 ); }, "rxSkew" );
+   expectTraced( cfpx, std::bind( &C::rxSkew, std::placeholders::_1, 0 ), "rxSkew" );
+   expectTraced( cfpx, std::bind( &C::rxSkew, std::placeholders::_1, 2 ), "rxSkew" );
    auto const contents = CfpImageBuilder().contents();
    EXPECT_THAT( unreadIn( [&] { (void)contents->txSkew( 4 ); } ), IsEmpty() );
    Cfp2DcoEepromContents const line( contents );
@@ -399,19 +396,17 @@ TEST( CfpContents, LinearDriversByMaker ) {
 }
 
 TEST( CfpContents, DecodersScale ) {
-   auto const a = CfpImageBuilder( cfp2 ).contents(), b = CfpImageBuilder( cfpx ).contents();
-   EXPECT_EQ( a->decodeTemperature( INT16_MIN ), -128 );
-   EXPECT_DOUBLE_EQ( a->decodeVoltage( 33000 ), 3.3 );
-   EXPECT_DOUBLE_EQ( a->decodeDomVoltage( 33000 ), 3.3 );
-   EXPECT_DOUBLE_EQ( b->decodeDomVoltage( 3300 ), 3.3 );
-   EXPECT_DOUBLE_EQ( CfpImageBuilder( dco ).contents()->decodeDomVoltage( 3300 ), 3.3 );
-   EXPECT_DOUBLE_EQ( a->decodeTxBias( 65535 ), 131.07 );
-   EXPECT_DOUBLE_EQ( a->decodeTxBiasCfpx( 65535 ), 6553.5 );
-   EXPECT_NEAR( a->decodePower( 10000 ), 0, 1e-12 );
-   EXPECT_EQ( a->decodePower( 0 ), -std::numeric_limits<double>::infinity() );
-   EXPECT_DOUBLE_EQ( a->decodePowerCfpx( -1234 ), -12.34 );
-   EXPECT_DOUBLE_EQ( a->decodeAttenuation( 65535 ), 655.35 );
-   EXPECT_EQ( static_cast<int>( a->laserWavelengthPrecision() ), 1 );
+   auto const of = []( CfpMsaMisIdentifier module ) {
+      return CfpImageBuilder( module ).contents();
+   };
+   EXPECT_EQ( Contents::decodeTemperature( INT16_MIN ), -128 );
+   EXPECT_DOUBLE_EQ( of( cfp2 )->decodeDomVoltage( 33000 ), 3.3 );
+   EXPECT_DOUBLE_EQ( of( cfpx )->decodeDomVoltage( 3300 ), 3.3 );
+   EXPECT_DOUBLE_EQ( of( dco )->decodeDomVoltage( 3300 ), 3.3 );
+   EXPECT_NEAR( Contents::decodePower( 10000 ), 0, 1e-12 );
+   EXPECT_EQ( Contents::decodePower( 0 ), -std::numeric_limits<double>::infinity() );
+   EXPECT_DOUBLE_EQ( Contents::decodeAttenuation( 65535 ), 655.35 );
+   EXPECT_EQ( static_cast<int>( of( cfp2 )->laserWavelengthPrecision() ), 1 );
 }
 
 // Checksums
@@ -429,7 +424,6 @@ TEST( CfpChecksums, GuardEveryByteOfTheirRange ) {
       auto const contents =
          image.at( table8100, 0x8100, 0xC3 ).raw( "minFrequencyTHz", 191 ).contents();
       EXPECT_TRUE( contents->checksumValid( id ) );
-      EXPECT_EQ( contents->checksumCalculated( id ), contents->checksum( id ) );
       auto const table = contents->memory( id );
       Vel::String const bytes = table->contents();
       for ( size_t at = 0; at < bytes.size(); ++at ) {
@@ -446,11 +440,9 @@ TEST( CfpChecksums, GuardEveryByteOfTheirRange ) {
 
 TEST( CfpChecksums, OfWhatIsNotThere ) {
    CfpImageBuilder image;
-   auto const whole = image.at( table8100, 0x8150, 9 ).contents();
-   EXPECT_EQ( whole->checksum( table8100 ), 9 );
-   auto const halved = image.missing( table8180 ).contents(); // where the sum of 8100h is
+   auto const halved = image.at( table8100, 0x8150, 9 ).missing( table8180 ).contents();
    EXPECT_EQ( halved->checksumCalculated( table8100 ), 9 );
-   EXPECT_FALSE( halved->checksumValid( table8100 ) );
+   EXPECT_FALSE( halved->checksumValid( table8100 ) ); // its sum is in table 8180h
    // Of a table without one, of no table, and of one that is not there.
    for ( CfpMsaMisTableId id : { table8420, tableA000, tableInvalid, table8180 } ) {
       EXPECT_EQ( halved->checksum( id ) + halved->checksumCalculated( id ), 0 );
@@ -459,16 +451,4 @@ TEST( CfpChecksums, OfWhatIsNotThere ) {
    halved->memory( table8080 )->contentsIs( "abc" ); // a table that ends before its checksum
    EXPECT_EQ( halved->checksumCalculated( table8080 ), uint8_t( 'a' + 'b' + 'c' ) );
    EXPECT_FALSE( halved->checksumValid( table8080 ) );
-}
-
-TEST( CfpLine, AttributesInTheirOrder ) {
-   std::vector<std::string> names;
-   for ( Vel::AttrInfo const & attribute : Cfp2DcoEepromContents::velTypeModel() ) {
-      names.push_back( std::string( attribute.name ) );
-   }
-   EXPECT_THAT( names, ElementsAre( "networkOsnrEstimate", "networkLaneVendorSpecificFAWS",
-                                    "clientIntfPcsAlarmStatus", "netLaneRxChannelPower",
-                                    "moduleExtendedFunctionStatusLatched",
-                                    "networkLaneVendorSpecificFAWSLatched",
-                                    "clientIntfPcsAlarmStatusLatched" ) );
 }
