@@ -1,5 +1,5 @@
 #include "tests/support/AllocationCount.h"
-#include "tests/support/CfpImageBuilder.h"
+#include "tests/support/CfpModules.h"
 #include "tests/support/StatusValues.h"
 #include "tests/support/TraceCapture.h"
 
@@ -18,45 +18,6 @@ using testing::ElementsAre;
 
 namespace {
 
-/// A module with all monitors, whose registers tell the lane, and all thresholds: 100h in the first
-/// register of their table, 200h in the next, and so on.
-CfpImageBuilder module( CfpMsaMisIdentifier identifier, uint32_t application, uint32_t lanes ) {
-   CfpImageBuilder image( identifier );
-   image.raw( "ethernetApplicationCode", application )
-      .raw( "networkLanes", lanes & 15 )
-      .raw( "hostLanes", 10 )
-      .text( "vendorPn", "PN-1" )
-      .value( "temperature", -12.5 )
-      .value( "voltage", 3.3 );
-   for ( char const * monitor : { "temp", "voltage", "txBias", "txPower", "rxPower" } ) {
-      image.raw( std::string( monitor ) + "Supported", 1 );
-   }
-   for ( uint8_t lane = 0; lane < lanes; ++lane ) {
-      image.raw( "txBias", 2000u + lane, lane )
-         .raw( "txPower", 3000u + lane, lane )
-         .raw( "rxPower", 1000u + lane, lane );
-   }
-   for ( uint16_t limit = 0; limit < 36; ++limit ) {
-      image.at( table8080, static_cast<uint16_t>( 0x8080 + 2 * limit ),
-                static_cast<uint16_t>( limit + 1 ) );
-   }
-   return image;
-}
-CfpImageBuilder lr4() {
-   return module( identifierCfp2, 1, 4 );
-}
-CfpImageBuilder coherent( CfpMsaMisIdentifier identifier ) {
-   return module( identifier, 17, 1 )
-      .raw( "minFrequencyTHz", 191 )
-      .value( "minFrequencyGHz", 350.05 )
-      .raw( "maxFrequencyTHz", 196 )
-      .value( "maxFrequencyGHz", 100 )
-      .raw( "tuningCapabilities", 0x8C60 ) // 6.25, 50 and 100 GHz; 96 channels
-      .raw( "txFineTuneRange", 6000 )
-      .raw( "txPowerCfpx", 0xff38 )
-      .raw( "rxPowerCfpx", 0xfc18 );
-}
-
 template <typename Status = Cfp2NewStatus>
 Vel::Ptr<Status> inserted( CfpImageBuilder const & image ) {
    Vel::Ptr<Status> const status( new Status( "Ethernet1" ) );
@@ -72,7 +33,7 @@ TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
    Vel::Ptr<Cfp2NewStatus> const status = cfp2NewStatusFactory( "Ethernet1" );
    for ( CfpMsaMisTableId id : { table8000, tableA000 } ) {
       status->idEepromContentsIs( static_cast<uint8_t>( id ), "old" );
-      status->idEepromContentsIs( static_cast<uint8_t>( id ), lr4().bytes( id ) );
+      status->idEepromContentsIs( static_cast<uint8_t>( id ), cfp2Lr4().bytes( id ) );
    }
    EXPECT_EQ( status->vendorInfo().vendorPn(), "PN-1            " );
    EXPECT_EQ( status->cfpMsaMisIdEepromContents().temperature( 0 ), 0xF380 );
@@ -88,11 +49,11 @@ TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
 }
 
 TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( lr4() );
+   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
    Vel::Ptr<Cfp2CellConfig> const cell = cfp2CellConfigFactory( "1" );
    status->xcvrConfigIs( cell->xcvrConfigIs( "Ethernet1" ) );
    Vel::Ptr<Cfp2DiagConfig> const diag = cell->xcvrConfig( "Ethernet1" )->diagConfigIs( "diag" );
-   coherent( identifierCfp2Dco ).writeTo( *diag->overrideIdEepromContentsIs() );
+   coherentCfp( identifierCfp2Dco ).writeTo( *diag->overrideIdEepromContentsIs() );
    EXPECT_EQ( status->mediaType(), xcvr100GBaseLr4 );
    diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00D );
    EXPECT_EQ( status->mediaType(), xcvr100GDwdmDco );
@@ -106,7 +67,7 @@ TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
 // Identity
 
 TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( lr4()
+   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4()
                                                        .raw( "networkLaneBitRateMax", 129 )
                                                        .raw( "minWavelength", 51780 )
                                                        .raw( "maxWavelength", 52376 ) );
@@ -116,7 +77,7 @@ TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
    EXPECT_EQ( status->laserWavelength(), 1301950u );
    EXPECT_NE( status->powerClass(), xcvrPowerClassUnknown );
    EXPECT_EQ( status->capabilities(), Capabilities( 10, false, false, false, false, 0 ) );
-   EXPECT_EQ( inserted( coherent( identifierCfpx ) )->capabilities(),
+   EXPECT_EQ( inserted( coherentCfp( identifierCfpx ) )->capabilities(),
               Capabilities( 10, true, true, false, false, 1 ) );
    status->overrideMediaTypeIs( xcvr100GBaseEr4 );
    EXPECT_EQ( status->mediaType(), xcvr100GBaseEr4 );
@@ -143,7 +104,7 @@ TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
 // Monitors and thresholds
 
 TEST( Cfp2StatusTest, MonitorsAreValidOnceReadFromThisModule ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( lr4() );
+   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
    auto const valid = [&status] {
       return std::pair( status->domInfoValid( LaneId( 3 ) ), status->domThresholdValid() );
    };
@@ -159,28 +120,28 @@ TEST( Cfp2StatusTest, MonitorsAreValidOnceReadFromThisModule ) {
    asRead( status )->presenceIs( xcvrNotPresent );
    EXPECT_EQ( valid(), std::pair( false, false ) );
    // A count of 0 is 16 lanes.
-   EXPECT_TRUE( inserted( module( identifierCfp2, 3, 16 ) )->domInfoValid( LaneId( 15 ) ) );
+   EXPECT_TRUE( inserted( cfpModule( identifierCfp2, 3, 16 ) )->domInfoValid( LaneId( 15 ) ) );
 }
 
 TEST( Cfp2StatusTest, MonitorsOfALaneInTheUnitsOfTheModule ) {
    auto const monitors = []( CfpImageBuilder const & image, uint8_t lane ) {
       return doubles( inserted( image )->domInfo( LaneId( lane ) ) );
    };
-   EXPECT_THAT( monitors( lr4(), 3 ),
+   EXPECT_THAT( monitors( cfp2Lr4(), 3 ),
                 ElementsAre( 20, -12.5, DoubleEq( 3.3 ), DoubleEq( 4.006 ), DoubleEq( dBm( 3003 ) ),
                              DoubleEq( dBm( 1003 ) ), unreadable ) );
    // A CFPx has its powers in 0.01 dBm and its voltage in mV; its bias is read like that of a CFP2.
-   EXPECT_THAT( monitors( coherent( identifierCfpx ), 0 ),
+   EXPECT_THAT( monitors( coherentCfp( identifierCfpx ), 0 ),
                 ElementsAre( 20, -12.5, DoubleEq( 3.3 ), 4, -2, -10, unreadable ) );
    // A CFP2-DCO has bias and powers where a CFP2 has them.
-   EXPECT_THAT( monitors( coherent( identifierCfp2Dco ), 0 ),
+   EXPECT_THAT( monitors( coherentCfp( identifierCfp2Dco ), 0 ),
                 ElementsAre( 20, -12.5, DoubleEq( 3.3 ), 4, DoubleEq( dBm( 3000 ) ),
                              DoubleEq( dBm( 1000 ) ), unreadable ) );
 }
 
 TEST( Cfp2StatusTest, MonitorsThatAreNotThereAreUnreadable ) {
    for ( CfpMsaMisIdentifier identifier : { identifierCfp2, identifierCfpx, identifierCfp2Dco } ) {
-      CfpImageBuilder image = coherent( identifier );
+      CfpImageBuilder image = coherentCfp( identifier );
       for ( CfpMsaMisTableId id : { tableA000, tableA280, tableB000, tableB300, tableB480 } ) {
          image.missing( id );
       }
@@ -190,18 +151,18 @@ TEST( Cfp2StatusTest, MonitorsThatAreNotThereAreUnreadable ) {
                    testing::Contains( unreadable ).Times( 6 ) );
       EXPECT_EQ( status->domAggPower().aggRxPower(), unreadable );
    }
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( lr4().raw( "txPowerSupported", 0 ) );
+   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4().raw( "txPowerSupported", 0 ) );
    EXPECT_EQ( status->domInfo( LaneId( 0 ) ).txPower(), unreadable );
    EXPECT_EQ( status->domCapabilities(),
               DomCapabilities( true, true, true, false, true, false, false, true ) );
 }
 
 TEST( Cfp2StatusTest, AggregatePowerIsTheSumOfAllLanes ) {
-   DomAggPower const ten = inserted( module( identifierCfp2, 3, 10 ) )->domAggPower();
-   EXPECT_NEAR( ten.aggTxPower(), dBm( 30045 ), 1e-9 );
-   EXPECT_NEAR( ten.aggRxPower(), dBm( 10045 ), 1e-9 );
-   EXPECT_EQ( ten.updateTime(), 20 );
-   EXPECT_NEAR( inserted( coherent( identifierCfpx ) )->domAggPower().aggTxPower(), -2, 1e-9 );
+   DomAggPower const all = inserted( cfpModule( identifierCfp2, 3, 16 ) )->domAggPower();
+   EXPECT_NEAR( all.aggTxPower(), dBm( 48120 ), 1e-9 );
+   EXPECT_NEAR( all.aggRxPower(), dBm( 16120 ), 1e-9 );
+   EXPECT_EQ( all.updateTime(), 20 );
+   EXPECT_NEAR( inserted( coherentCfp( identifierCfpx ) )->domAggPower().aggTxPower(), -2, 1e-9 );
 }
 
 TEST( Cfp2StatusTest, ThresholdsInTheUnitsOfTheModule ) {
@@ -221,13 +182,13 @@ TEST( Cfp2StatusTest, ThresholdsInTheUnitsOfTheModule ) {
       add( 0x19, isCfp2 ? Unit( dBm ) : in( 0.01 ) );
       add( 0x21, dBm ); // always
       add( 0, []( double ) { return unreadable; } );
-      EXPECT_THAT( doubles( inserted( coherent( identifier ) )->domThreshold() ),
+      EXPECT_THAT( doubles( inserted( coherentCfp( identifier ) )->domThreshold() ),
                    testing::Pointwise( DoubleEq(), expected ) );
    }
 }
 
 TEST( Cfp2StatusTest, ThresholdsOfAShortTableAndOfTheOperator ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( lr4() );
+   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
    auto const limits = status->actualIdEepromContents()->memory( table8080 );
    limits->contentsIs( limits->contents().substr( 0, 0xC7 - 0x80 ) );
    EXPECT_EQ( status->domThreshold().rxPowerHighAlarm(), dBm( 0x2100 ) );
@@ -253,7 +214,8 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
       }
       return std::pair( status.laneStatusMap().size(), mask );
    };
-   Vel::Ptr<Cfp2NewStatus> const cfp2 = inserted( lr4().raw( "networkLaneFaultStatus", 0x80, 2 ) );
+   Vel::Ptr<Cfp2NewStatus> const cfp2 =
+      inserted( cfp2Lr4().raw( "networkLaneFaultStatus", 0x80, 2 ) );
    EXPECT_EQ( faults( *cfp2 ), std::pair( size_t{ 4 }, 1u << 2 ) );
    cfp2->presenceIs( xcvrNotPresent );
    EXPECT_EQ( faults( *cfp2 ).second, 0u );
@@ -262,30 +224,30 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
    cfp2->clearIdEepromContents(); // a module without lanes
    EXPECT_EQ( faults( *cfp2 ), std::pair( size_t{ 4 }, 0u ) );
    CfpImageBuilder const whole =
-      module( identifierCfp2Dco, 17, 2 ).raw( "moduleGeneralStatus", 0x80 );
+      cfpModule( identifierCfp2Dco, 17, 2 ).raw( "moduleGeneralStatus", 0x80 );
    EXPECT_EQ( faults( *inserted( whole ) ), std::pair( size_t{ 2 }, 3u ) );
 }
 
 // Tuning
 
 TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
-   Vel::Ptr<Cfp2NewStatus> const status =
-      inserted( lr4().raw( "txInputEqualization", 0xAB, 3 ).raw( "rxOutputPreEmphasis", 9, 3 ) );
+   Vel::Ptr<Cfp2NewStatus> const status = inserted(
+      cfp2Lr4().raw( "txInputEqualization", 0xAB, 3 ).raw( "rxOutputPreEmphasis", 9, 3 ) );
    EXPECT_EQ( status->txInputEqualization( LaneId( 3 ) ), TuningValue( true, 0xAB, false ) );
    EXPECT_EQ( status->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue( true, 9, false ) );
    EXPECT_EQ( status->txInputEqualization( LaneId( 16 ) ), TuningValue() );
-   EXPECT_EQ( inserted( lr4() )->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue() );
+   EXPECT_EQ( inserted( cfp2Lr4() )->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue() );
    // A table of bytes has no part of a word.
    status->actualIdEepromContents()
       ->memoryIs( tableA400, 0xA400, 8 )
-      ->contentsIs( lr4().bytes( tableA400 ) );
+      ->contentsIs( cfp2Lr4().bytes( tableA400 ) );
    EXPECT_EQ( status->txInputEqualization( LaneId( 3 ) ), TuningValue() );
 }
 
 // What the registers mean no public document confirms, so this asks only that a module which took the
 // wanted tuning, whatever the code of its grid is, is no longer pending.
 TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
-   CfpImageBuilder image = coherent( identifierCfpx ).value( "minFrequencyGHz", 350 );
+   CfpImageBuilder image = coherentCfp( identifierCfpx ).value( "minFrequencyGHz", 350 );
    Vel::Ptr<Cfp2NewStatus> const status = inserted( image );
    Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
    status->xgcIs( xgc );
@@ -299,28 +261,28 @@ TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
    EXPECT_EQ( status->cfpxTuneConfig(), CfpxTuneConfig( HwTuningConfig( 36, 50000, 0 ), -1.25 ) );
    config->channelIs( 0 );
    config->gridIs( 0 );
-   config->frequencyIs( 193101000 ); // off the grid: the nearest channel, the rest by fine tuning
+   config->frequencyIs( 193105000 ); // off the grid: the nearest channel, the rest by fine tuning
    EXPECT_TRUE( status->isFreqTuningPending() );
-   EXPECT_EQ( status->cfpxTuneConfig().frequency(), HwTuningConfig( 281, 6250, 1000 ) );
+   EXPECT_EQ( status->cfpxTuneConfig().frequency(), HwTuningConfig( 282, 6250, -1250 ) );
 
-   image.value( "txFineTuneFreq", 1000 ).value( "txPowerConfig", -1.25 );
+   image.value( "txFineTuneFreq", -1250 ).value( "txPowerConfig", -1.25 );
    unsigned fitting = 0;
    for ( unsigned code = 0; code < 8; ++code ) {
-      image.raw( "txChannel", code << 13 | 281 ).writeTo( *status->actualIdEepromContents() );
+      image.raw( "txChannel", code << 13 | 282 ).writeTo( *status->actualIdEepromContents() );
       if ( !status->isFreqTuningPending() ) {
          ++fitting;
-         EXPECT_EQ( status->cfpxTuneStatus().txFrequency(), 193101000u );
-         EXPECT_EQ( status->resolvedTuningStatus().operationalFrequency(), 193101000u );
+         EXPECT_EQ( status->cfpxTuneStatus().txFrequency(), 193105000u );
+         EXPECT_EQ( status->resolvedTuningStatus().operationalFrequency(), 193105000u );
       }
    }
    EXPECT_EQ( fitting, 1u );
-   EXPECT_EQ( status->hwChannel(), 281u );
+   EXPECT_EQ( status->hwChannel(), 282u );
    EXPECT_FALSE( status->isPowerTuningPending() );
-   EXPECT_FALSE( inserted( lr4() )->isFreqTuningPending() );
+   EXPECT_FALSE( inserted( cfp2Lr4() )->isFreqTuningPending() );
 }
 
 TEST( Cfp2StatusTest, TheTuningInTheRegisters ) {
-   CfpImageBuilder image = coherent( identifierCfp2Dco );
+   CfpImageBuilder image = coherentCfp( identifierCfp2Dco );
    EXPECT_EQ( inserted( image )->tuningCapabilities(),
               TuningCapabilities( 191200000, 191350000, 196100000,
                                   GridSpacingCapabilities( true, true, false, false, false, true ),
@@ -336,7 +298,7 @@ TEST( Cfp2StatusTest, TheTuningInTheRegisters ) {
 // The line of a CFP2-DCO
 
 TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
-   CfpImageBuilder image = coherent( identifierCfp2Dco );
+   CfpImageBuilder image = coherentCfp( identifierCfp2Dco );
    image.value( "networkOsnrEstimate", 25.5 )
       .value( "rxCarrierFreqOffset", -300 )
       .value( "netLaneRxChannelPower", -11.25 )
@@ -356,7 +318,7 @@ TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
 
 TEST( Cfp2StatusTest, ReadingAllocatesNothing ) {
    Vel::Ptr<Cfp2DcoNewStatus> const dco =
-      inserted<Cfp2DcoNewStatus>( coherent( identifierCfp2Dco ) );
+      inserted<Cfp2DcoNewStatus>( coherentCfp( identifierCfp2Dco ) );
    double sum = 0;
    AllocationCount const count;
    sum += static_cast<double>( dco->vendorInfo().vendorName().size() );
