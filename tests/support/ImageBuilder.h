@@ -24,6 +24,7 @@ class ModulePages {
    void textIs( std::string_view field, std::string_view text );
    void bitIs( std::string_view field, std::string_view bit );
    void checksumBrokenIs( std::string_view field );
+   void pageIs( std::string_view label, std::string_view bytes ) { pages_.at( label ) = bytes; }
 
    [[nodiscard]] std::string const & page( std::string_view label ) const {
       return pages_.at( label );
@@ -68,6 +69,11 @@ class ImageBuilder {
    /// Stores a checksum that is one off; the field is one of the stored checksums.
    Builder & checksumBroken( std::string_view field ) {
       pages_.checksumBrokenIs( field );
+      return builder();
+   }
+   /// All bytes of a page.
+   Builder & pageIs( std::string_view label, std::string_view bytes ) {
+      pages_.pageIs( label, bytes );
       return builder();
    }
 
