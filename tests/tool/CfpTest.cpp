@@ -98,15 +98,12 @@ TEST_F( CfpToolTest, MonitorsOfNetworkLanes ) {
 
 TEST_F( CfpToolTest, Json ) {
    std::string const part = dco().missing( "ba00h" );
-   Json const document = Json::parse( run( "show --json -", part ).out );
-   Json const & module = document["modules"][0];
-   EXPECT_EQ( module["family"], "cfp2" );
-   EXPECT_NEAR( module["dcoMonitors"]["osnr"], 26.4, 1e-9 );
-   EXPECT_EQ( module["dcoMonitors"]["rawCarrierFreqOffset"], 0xff4c );
-   EXPECT_EQ( module["dcoMonitors"]["snr"], nullptr );
-   EXPECT_EQ( module["cfpxTuneStatus"]["txFrequency"], 193100000 );
-   EXPECT_EQ( module["domInfo"].size(), 1u );
-   EXPECT_EQ( document["units"]["dcoMonitors"]["osnr"], "dB" );
+   expectJson( Json::parse( run( "show --json -", part ).out ), R"( {
+      "units": { "dcoMonitors": { "osnr": "dB" } },
+      "modules": [ {
+         "family": "cfp2",
+         "dcoMonitors": { "osnr": 26.4, "rawCarrierFreqOffset": 65356, "snr": null, "rawSnr": null },
+         "cfpxTuneStatus": { "txFrequency": 193100000 } } ] } )" );
 }
 
 TEST_F( CfpToolTest, HexdumpOfRegisters ) {

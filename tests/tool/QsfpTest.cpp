@@ -79,27 +79,23 @@ TEST_F( QsfpToolTest, MonitorsOfLanesOfAllAndEnhancedOnes ) {
                   " TEC current 31.0 mA -200.0 -180.0 180.0 200.0\n" } );
    EXPECT_THAT( out, Not( HasSubstr( "SNR, lane 2" ) ) );
 
-   Json const document = Json::parse( run( "show --json -", image ).out );
-   Json const & module = document["modules"][0];
-   EXPECT_EQ( module["domInfo"][1]["txBias"], 10.0 );
-   EXPECT_NEAR( module["domAggPower"]["aggRxPower"], 5.19, 0.01 );
-   EXPECT_EQ( module["enhancedDom"]["snr"], Json::parse( R"( [ { "lane": 0, "value": 21.5,
-      "highAlarm": 40.0, "lowAlarm": 16.0, "highWarn": 38.0, "lowWarn": 17.0 } ] )" ) );
-   EXPECT_EQ( module["enhancedDom"]["tecCurrent"][0]["lane"], nullptr );
-   EXPECT_EQ( document["units"]["enhancedDom"]["snr"][0]["value"], "dB" );
+   expectJson( Json::parse( run( "show --json -", image ).out ), R"( {
+      "units": { "enhancedDom": { "snr": { "0": { "value": "dB" } } } },
+      "modules": [ {
+         "family": "qsfpPlus", "domInfo": { "1": { "txBias": 10.0 } },
+         "enhancedDom": {
+            "snr": [ { "lane": 0, "value": 21.5, "highAlarm": 40.0, "lowAlarm": 16.0,
+                       "highWarn": 38.0, "lowWarn": 17.0 } ],
+            "tecCurrent": { "0": { "lane": null } } } } ] } )" );
 }
 
 TEST_F( QsfpToolTest, JsonHasALaneEach ) {
    file( "cwdm4", labelled( cwdm4().raw( "losFlags", 0x02 ) ) );
    file( "cable", labelled( cable() ) );
-   Json const modules = Json::parse( run( "show --json cwdm4 cable" ).out )["modules"];
-   EXPECT_EQ( modules[0]["family"], "qsfpPlus" );
-   EXPECT_EQ( modules[0]["laneFlags"].size(), 4u );
-   EXPECT_EQ( modules[0]["laneFlags"][1]["rxLos"], true );
-   EXPECT_EQ( modules[0]["laneFlags"][2]["rxLos"], false );
-   EXPECT_EQ( modules[0]["rxOutputAmplitude"], ( Json{ 2, 2, 2, 2 } ) );
-   EXPECT_EQ( modules[1]["laneFlags"], nullptr );
-   EXPECT_EQ( modules[1]["domInfo"][0]["temperature"], nullptr );
+   expectJson( Json::parse( run( "show --json cwdm4 cable" ).out ), R"( { "modules": [
+      { "laneFlags": { "1": { "rxLos": true }, "2": { "rxLos": false } },
+        "rxOutputAmplitude": [ 2, 2, 2, 2 ] },
+      { "laneFlags": null, "domInfo": { "0": { "temperature": null } } } ] } )" );
 }
 
 TEST_F( QsfpToolTest, HexdumpOfCodesAmongBits ) {
@@ -127,8 +123,6 @@ TEST_F( QsfpToolTest, Findings ) {
         "value-alarm: Rx power, lane 2 is 5.0000 mW / 6.99" },
       { labelled( dr().raw( "parameter1Value", 41 * 256 ) ),
         "value-alarm: SNR, lane 1 is 41.00 dB, above" },
-      { labelled( dr().raw( "thresholdSet0", 0x1000280026001100 ) ),
-        "threshold-order: The limits of SNR" },
       { labelled( dr().missing( "lower" ) ), "dom-missing: .*lacks the lower page up to byte 57" },
       { labelled( dr().missing( "00h" ) ), "page-missing: .* has page 00h .identification., but" },
       { labelled( dr().missing( "20h" ) ),

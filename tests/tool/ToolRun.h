@@ -92,6 +92,16 @@ std::string labelledImage( Builder const & built, std::vector<std::string> const
    return labelledForm( result );
 }
 
+/// The values in `expected` are those in the same places of `actual`; in an object, elements of an
+/// array have their index for a name.
+inline void expectJson( Json const & actual, std::string const & expected ) {
+   Json const leaves = Json::parse( expected ).flatten();
+   for ( auto const & [place, value] : leaves.items() ) {
+      Json::json_pointer const pointer( place );
+      EXPECT_EQ( actual.contains( pointer ) ? actual.at( pointer ) : "absent", value ) << place;
+   }
+}
+
 /// What one run of the program came to.
 struct ToolRun {
    int exitCode;
