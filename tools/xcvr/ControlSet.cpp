@@ -107,15 +107,14 @@ std::string readControlSet( std::string const & path ) {
 
 namespace {
 
-/// The lanes, by their numbers from 1, on which any setting differs.
-std::vector<unsigned> differingLanes( Set const & before, Set const & after ) {
-   std::vector<unsigned> lanes;
+/// The lanes on which any setting differs, a bit each.
+unsigned differingLanes( Set const & before, Set const & after ) {
+   unsigned lanes = 0;
    for ( std::uint8_t lane = 0; lane < Xcvr::osfpLanes; ++lane ) {
-      if ( std::ranges::any_of( laneSettings, [&]( LaneSetting const & setting ) {
-              return setting.get( before, Lane( lane ) ) != setting.get( after, Lane( lane ) );
-           } ) ) {
-         lanes.push_back( lane + 1u );
-      }
+      bool const differs = std::ranges::any_of( laneSettings, [&]( LaneSetting const & setting ) {
+         return setting.get( before, Lane( lane ) ) != setting.get( after, Lane( lane ) );
+      } );
+      lanes |= unsigned{ differs } << lane;
    }
    return lanes;
 }
@@ -167,11 +166,11 @@ ControlSetOutcome editControlSet( std::string const & image, ControlSetChange co
       }
    }
    // Where a byte below has its highest bit set, the library sets the codes of lanes above to 15.
-   std::vector<unsigned> others = differingLanes( *before, *after );
-   std::erase_if( others, [&]( unsigned lane ) {
-      return std::ranges::find( change.lanes, lane ) != change.lanes.end();
-   } );
-   if ( !others.empty() && !change.force ) {
+   unsigned others = differingLanes( *before, *after );
+   for ( unsigned const number : change.lanes ) {
+      others &= ~( 1u << ( number - 1 ) );
+   }
+   if ( others != 0 && !change.force ) {
       return {
          {},
          fmt::format( "this would also change settings {}, and nothing is changed; name those "
