@@ -196,6 +196,25 @@ TEST_F( CmisToolTest, ControlSet ) {
                                " 0x81" ) );
 }
 
+TEST_F( CmisToolTest, ControlSetForPrograms ) {
+   file( "set", std::string( 29, '\0' ) );
+   std::string const change = "control-set --json set --lane 2 --application 3 --rx-post 4 ";
+   ToolRun const run = this->run( change + "--output set" );
+   expectJson( Json::parse( run.out ), R"( {
+      "schema": 1, "applyMask": 2, "image": "0030000000000000000000000000000000000000004000000000000000",
+      "lanes": { "0": { "application": 0 },
+                 "1": { "application": 3, "rxOutputPostEmphasis": 4, "rxOutputPreEmphasis": 0 } },
+      "changes": [ { "address": 207, "before": 0, "after": 48 },
+                   { "address": 227, "before": 0, "after": 64 } ] } )" );
+   // What it wrote has the changes.
+   expectJson( Json::parse( this->run( change ).out ), R"( { "applyMask": 0 } )" );
+   EXPECT_EQ( contentOf( path( "set" ) ).size(), 29u );
+   ToolRun const unwritten = this->run( change + "--output /dev/full" );
+   EXPECT_EQ( unwritten.exitCode, 3 );
+   EXPECT_THAT( unwritten.err, HasSubstr( "xcvr: /dev/full: cannot be written (No space left" ) );
+   EXPECT_THAT( this->run( change + "--output ." ).err, HasSubstr( "(Is a directory)" ) );
+}
+
 TEST_F( CmisToolTest, ControlSetRefusesToAlterOtherLanes ) {
    std::string set( 29, '\0' );
    set[11] = static_cast<char>( 0x80 ); // lane 2 has the code 8: lanes above are set to 15

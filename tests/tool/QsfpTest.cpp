@@ -52,10 +52,12 @@ TEST_F( QsfpToolTest, ShowFacts ) {
         { "Lane controls", "Tx disable on lanes 1/2, Rx CDR on all lanes, Tx CDR on all lanes" },
         { "Rx output amplitude", untold },
         { "User text", "Hall 2, rack 7, spare since 2024-10" } } );
-   expectFacts( labelled( cable() ), { { "Length (cable)", "3 m" },
-                                       { "Attenuation at 12.9 GHz", "16 dB" },
-                                       { "Lane flags", untold },
-                                       { "Monitors", untold } } );
+   expectFacts( labelled( cable().raw( "txDisable", 0x03 ) ),
+                { { "Lane controls", "Tx disable on lanes 1/2" },
+                  { "Length (cable)", "3 m" },
+                  { "Attenuation at 12.9 GHz", "16 dB" },
+                  { "Lane flags", untold },
+                  { "Monitors", untold } } );
    expectFacts(
       labelled( cwdm4().missing( "lower" ) ),
       { { "Monitors", "advertised, but the image lacks the lower page up to byte 57" } } );

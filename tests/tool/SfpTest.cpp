@@ -107,12 +107,8 @@ TEST_F( SfpToolTest, Json ) {
            "bitrate": { "nominal": 10300, "max": 10300, "min": 0 },
            "lengths": { "lengthOm4": 400, "lengthCopper": 0 } },
          { "file": "cable", "date": null, "laserWavelength": "absent",
-           "checksums": {
-      "1" : {
-         "name" : "ccExt", "page" : "a0h", "stored" : 97, "computed" : 96, "valid" : false
-      } }
-} ]
-} )" );
+           "checksums": { "1": { "name": "ccExt", "page": "a0h", "stored": 244, "computed": 243,
+                                 "valid": false } } } ] } )" );
 }
 
 TEST_F( SfpToolTest, JsonOfMonitors ) {

@@ -282,9 +282,9 @@ void QsfpModule::flags( Report & report ) const {
              *status_, &QsfpNewStatus::laneFlags );
 }
 
-/// What the host has set.
+/// What the host has set, in a module without monitors too.
 void QsfpModule::controls( Report & report ) const {
-   bool const isRead = status_->domInfoValid( LaneId() );
+   bool const isRead = lower().has( 0, row( "pinControl" ).end() );
    Xcvr::QsfpModuleControls const module = status_->moduleControls();
    addIf( isRead, report,
           { .member = "moduleControls",
