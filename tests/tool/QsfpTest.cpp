@@ -29,14 +29,15 @@ std::string labelled( QsfpImageBuilder const & image ) {
 using QsfpToolTest = ToolTest;
 
 TEST_F( QsfpToolTest, ShowFacts ) {
-   expectFacts( labelled( cwdm4() ), { { "Extended identifier", "power class 4, Tx CDR, Rx CDR" },
-                                       { "Encoding", "0x05 (64B/66B)" }, // 05h is SONET in an SFP
-                                       { "Bit rate", "25750 MBd a lane" },
-                                       { "Wavelength", "1301.00 nm" },
-                                       { "Maximum power", "3.5 W" },
-                                       { "Maximum case temperature", "70 °C" },
-                                       { "Lane flags", "Rx power low warning on lane 2" },
-                                       { "Rx output amplitude", "code 2 / 2 / 2 / 2" } } );
+   expectFacts( labelled( cwdm4().raw( "rxOutputAmplitude", 0x1230 ) ),
+                { { "Extended identifier", "power class 4, Tx CDR, Rx CDR" },
+                  { "Encoding", "0x05 (64B/66B)" }, // 05h is SONET in an SFP
+                  { "Bit rate", "25750 MBd a lane" },
+                  { "Wavelength", "1301.00 nm" },
+                  { "Maximum power", "3.5 W" },
+                  { "Maximum case temperature", "70 °C" },
+                  { "Lane flags", "Rx power low warning on lane 2" },
+                  { "Rx output amplitude", "code 1 / 2 / 3 / 0" } } );
    expectFacts(
       labelled( dr()
                    .raw( "losFlags", 0x04 )
