@@ -1,6 +1,5 @@
-#include "tools/xcvr/CfpModule.h"
-
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FieldText.h"
 
 #include <Xcvr/XcvrCfp2.h>

@@ -1,7 +1,6 @@
-#include "tools/xcvr/CmisModule.h"
-
 #include "tools/xcvr/CodeNames.h"
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FamilyChecks.h"
 #include "tools/xcvr/FieldText.h"
 

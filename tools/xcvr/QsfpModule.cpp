@@ -1,6 +1,5 @@
-#include "tools/xcvr/QsfpModule.h"
-
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FamilyChecks.h"
 #include "tools/xcvr/FieldText.h"
 

@@ -1,6 +1,5 @@
-#include "tools/xcvr/SfpModule.h"
-
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FieldText.h"
 
 #include <Xcvr/XcvrSfpStatus.h>
