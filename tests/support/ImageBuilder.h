@@ -96,6 +96,11 @@ class ImageBuilder {
       missing_.erase( std::string( page ) );
       return builder();
    }
+   /// All bytes of a page.
+   Builder & pageIs( std::string_view label, std::string_view bytes ) {
+      pages_.at( label ) = bytes;
+      return builder();
+   }
 
    /// By the label of the page: "lower", "00h", …; empty for one that is missing.
    [[nodiscard]] std::string page( std::string_view label ) const {
