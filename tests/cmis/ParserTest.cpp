@@ -256,7 +256,7 @@ TEST( CmisApplicationTest, ADescriptorAndItsNames ) {
    EXPECT_EQ( known.hostLaneCount(), 8 );
    EXPECT_EQ( known.mediaLaneCount(), 4 );
    EXPECT_EQ( known.hostLaneAssignment(), 5 );
-   EXPECT_EQ( OsfpApplication( 0x97050000, 0 ).hostInterfaceName(), "RTLR 800G-8-L" );
+   EXPECT_EQ( OsfpApplication( 0x97050000, 0 ).hostInterfaceName(), "RTLR" );
    // A code without a name is its number.
    EXPECT_EQ( OsfpApplication( 0xfe050000, 0 ).hostInterfaceName(), "0xfe" );
    EXPECT_EQ( known.mediaInterfaceName( osfpTypeUndefined ), "0x1c" );
