@@ -159,7 +159,7 @@ Capabilities Cfp2NewStatus::capabilities() const {
    return result;
 }
 
-uint32_t Cfp2NewStatus::bitrate() const {
+uint8_t Cfp2NewStatus::bitrate() const {
    VEL_TRACE_SCOPE( trace );
    return contentsInEffect( *this ).networkLaneBitRateMax();
 }
@@ -480,7 +480,7 @@ uint32_t gridOfCode( unsigned code ) {
 }
 
 /// Counted from the module's first frequency; 0 for none.
-uint32_t channelIn( uint16_t txChannel ) {
+uint16_t channelIn( uint16_t txChannel ) {
    return txChannel & 0x3ffu;
 }
 
@@ -491,7 +491,7 @@ int16_t powerCode( double dBm ) {
 
 } // namespace
 
-uint32_t Cfp2NewStatus::hwChannel() const {
+uint16_t Cfp2NewStatus::hwChannel() const {
    VEL_TRACE_SCOPE( trace );
    return channelIn( contentsInEffect( *this ).txChannel() );
 }

@@ -199,7 +199,8 @@ TEST( QsfpStatusTest, IdentityIsThatOfTheContents ) {
    EXPECT_EQ( status->bitrateKbps(), 100000000u );
    EXPECT_EQ( status->electricalInterface(), xcvr25GLimiting );
    EXPECT_EQ( status->capabilities(), Capabilities( 4, false, false, false, false, 0 ) );
-   EXPECT_EQ( status->bitrate(), 257u ); // 25750 MBd in 100 MBd
+   EXPECT_EQ( status->bitrate(), 255 ); // 25750 MBd are beyond
+   EXPECT_EQ( inserted( cwdm4().value( "bitrateExtended", 10250 ) )->bitrate(), 102 );
    EXPECT_EQ( inserted( cwdm4().raw( "bitrateNominal", 103 ) )->bitrate(), 103u );
    EXPECT_EQ( status->laserWavelength(), 1311050u );
    EXPECT_EQ( status->laserWavelengthPrecision(), laserWavelengthPrecisionPm );
