@@ -142,19 +142,5 @@ TEST( QsfpMediaType, OrderAndEdges ) {
    } );
 }
 
-// A page that ends early decides as one whose missing bytes are 0.
-TEST( QsfpMediaType, OfAShortPage ) {
-   for ( auto const & [module, mediaType] : witnesses() ) {
-      for ( size_t size = 1; size < 96; ++size ) {
-         Contents cut, whole;
-         std::string page = module.page( "00h" ).substr( 0, size );
-         cut.eepromPage00UpperDataIs( std::string_view( page ) );
-         page.resize( 128 );
-         whole.eepromPage00UpperDataIs( std::string_view( page ) );
-         ASSERT_EQ( cut.mediaType(), whole.mediaType() ) << size << " bytes";
-      }
-   }
-}
-
 } // namespace
 } // namespace Xcvr

@@ -33,6 +33,14 @@ class TraceCapture {
    }
 
    [[nodiscard]] std::vector<Record> takeRecords() { return std::exchange( records_, {} ); }
+   /// Those of the records so far.
+   [[nodiscard]] std::vector<std::string> operations() const {
+      std::vector<std::string> result;
+      for ( Record const & record : records_ ) {
+         result.push_back( record.operation );
+      }
+      return result;
+   }
 
  private:
    std::vector<Record> records_;
