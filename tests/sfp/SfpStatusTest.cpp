@@ -20,8 +20,8 @@ namespace {
 
 LaneId const lane( 0 );
 
-/// A 10GBASE-SR module with monitors, not calibrated in any way.
-SfpImageBuilder opticalModule() {
+/// A 10GBASE-SR module with monitors.
+SfpImageBuilder internallyCalibrated() {
    return SfpImageBuilder()
       .bit( "compliance", "10GBASE-SR" )
       .value( "lengthOm3", 300 )
@@ -32,12 +32,7 @@ SfpImageBuilder opticalModule() {
       .text( "vendorSn", "SN-1" )
       .text( "vendorRev", "A" )
       .text( "dateCode", "260101" )
-      .bit( "diagsMonitoringType", "digital diagnostics" );
-}
-
-SfpImageBuilder internallyCalibrated() {
-   return opticalModule()
-      .bit( "diagsMonitoringType", "internally calibrated" )
+      .raw( "diagsMonitoringType", 0x60 )
       .value( "domTemperature", -12.5 )
       .value( "domSupplyVoltage", 3.3 )
       .value( "domBiasCurrent", 6.5 )
@@ -48,7 +43,7 @@ SfpImageBuilder internallyCalibrated() {
 /// Raw values 0x1000 everywhere, with the constants of a slope of 2 and an offset of 256 and, for
 /// the received power, 2 + 0.5 r.
 SfpImageBuilder externallyCalibrated() {
-   SfpImageBuilder image = opticalModule().bit( "diagsMonitoringType", "externally calibrated" );
+   SfpImageBuilder image = internallyCalibrated().raw( "diagsMonitoringType", 0x50 );
    for ( std::string const monitor :
          { "domTemperature", "domSupplyVoltage", "domBiasCurrent", "domTxPower" } ) {
       image.raw( monitor, 0x1000 ).value( monitor + "Slope", 2 ).value( monitor + "Offset", 256 );
@@ -88,39 +83,33 @@ TEST( SfpRegisterTest, AByteIsStoredOnceAndToldOnChange ) {
    } watcher;
    Vel::Ptr<SfpNewStatus> const status = sfpNewStatusFactory( "Ethernet1" );
    watcher.notifierIs( status );
-   XcvrSff8472DomRegisterData const byte( 0xA260, 0x19 );
-   EXPECT_EQ( status->registerData( 0xA260 ), XcvrSff8472DomRegisterData( 0, 0 ) );
-   status->registerDataIs( byte );
-   status->registerDataIs( byte );
-   EXPECT_EQ( status->registerData( 0xA260 ), byte );
-   EXPECT_EQ( stringValue( byte ),
-              "Value('Xcvr::XcvrSff8472DomRegisterData', ** {'address': 41568, 'data': 25})" );
+   for ( int twice = 0; twice < 2; ++twice ) {
+      registerIs( *status, 0x60, 0x19 );
+      EXPECT_EQ( status->registerData( 0xA260 ), XcvrSff8472DomRegisterData( 0xA260, 0x19 ) );
+   }
    registerIs( *status, 0x61, 0 ); // a zero is there too
    EXPECT_TRUE( status->registerDataHas( 0xA261 ) );
-   status->registerDataDel( 0xA261 );
-   status->registerDataDel( 0xA261 );
-   EXPECT_FALSE( status->registerDataHas( 0xA261 ) );
+   for ( int twice = 0; twice < 2; ++twice ) {
+      status->registerDataDel( 0xA261 );
+      EXPECT_FALSE( status->registerDataHas( 0xA261 ) );
+   }
    status->registerDataNotify( 0xA260 );
    status->registerDataDelAll();
    status->registerDataDelAll();
    EXPECT_EQ( status->registerData( 0xA260 ), XcvrSff8472DomRegisterData() );
    EXPECT_THAT( watcher.told, ElementsAre( 0xA260, 0xA261, 0xA261, 0xA260, 0xA260 ) );
    EXPECT_EQ( watcher.whole, 5 );
-}
 
-TEST( SfpRegisterTest, BytesOfAllDevicesAreIteratedInOrder ) {
-   Vel::Ptr<SfpNewStatus> const status = sfpNewStatusFactory( "Ethernet1" );
-   for ( unsigned address : { 0xA2FFu, 0xA200u, 0xA05Cu, 0xFFFFu, 0u, 0xA260u } ) {
-      status->registerDataIs(
-         XcvrSff8472DomRegisterData( uint16_t( address ), uint8_t( ~address ) ) );
+   // Those of all devices are iterated in order.
+   for ( unsigned address : { 0xA2FFu, 0xA200u, 0xA05Cu, 0xFFFFu, 0u } ) {
+      status->registerDataIs( XcvrSff8472DomRegisterData( uint16_t( address ), 7 ) );
    }
    std::vector<unsigned> keys;
    for ( auto const & [key, value] : status->registerDataMap() ) {
-      EXPECT_EQ( value, XcvrSff8472DomRegisterData( key, uint8_t( ~key ) ) );
+      EXPECT_EQ( value, XcvrSff8472DomRegisterData( key, 7 ) );
       keys.push_back( key );
    }
-   EXPECT_THAT( keys, ElementsAre( 0, 0xA05C, 0xA200, 0xA260, 0xA2FF, 0xFFFF ) );
-   EXPECT_EQ( status->registerDataMap().size(), 6u );
+   EXPECT_THAT( keys, ElementsAre( 0, 0xA05C, 0xA200, 0xA2FF, 0xFFFF ) );
 }
 
 // Where the bytes come from
@@ -160,7 +149,6 @@ TEST( SfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
                                           .value( "lengthOm3", 100 )
                                           .value( "domTemperature", 60 )
                                           .contents();
-   other.lastValidDataIs( 77 );
    Vel::Ptr<SfpConfig> const config = sfpConfigFactory( "Ethernet1" );
    Vel::Ptr<SfpDiagConfig> const diag = config->diagConfigIs( "diag" );
    status->xcvrConfigIs( config );
@@ -170,27 +158,20 @@ TEST( SfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
    EXPECT_EQ( status->vendorInfo().vendorName(), "Other           " );
    EXPECT_EQ( status->detectedMediaType(), xcvr10GBaseSrLite );
    EXPECT_EQ( temperature( status ), 60 );
-   EXPECT_EQ( status->domThreshold().tempHighAlarm(), 0 );
-
-   // It destroys nothing of what was read.
-   status->updateLastValidTime( 99 );
-   EXPECT_EQ( status->actualIdEepromContents(),
-              XcvrSff8472IdEepromContents( actual.buf(), actual.eepromPageA2Data(), 99 ) );
-
    // Without a page A2h of its own all its bytes are 0, whatever was read.
    other.eepromPageA2DataIs( "" );
    diag->overrideIdEepromContentsIs( other );
    EXPECT_EQ( temperature( status ), 0 );
+   // It destroys nothing of what was read.
+   status->updateLastValidTime( 99 );
+   EXPECT_EQ( status->actualIdEepromContents(),
+              XcvrSff8472IdEepromContents( actual.buf(), actual.eepromPageA2Data(), 99 ) );
    diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00C );
    EXPECT_EQ( temperature( status ), 30.5 );
-   diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00D );
-   EXPECT_EQ( temperature( status ), 0 );
-   config->diagConfigDel( "diag" );
-   EXPECT_EQ( status->vendorInfo().vendorName(), "Vendor          " );
 
    status->clearIdEepromContents();
    EXPECT_TRUE( !status->actualIdEepromContents() );
-   EXPECT_EQ( status->mediaType(), xcvrUnknown );
+   EXPECT_EQ( status->laserWavelengthPrecision(), laserWavelengthPrecisionUnknown );
    EXPECT_FALSE( status->domInfoValid( lane ) );
    EXPECT_EQ( status->domThreshold().tempHighAlarm(), unreadable );
 }
@@ -239,7 +220,6 @@ TEST( SfpStatusTest, MonitorsFollowTheCalibration ) {
 }
 
 TEST( SfpStatusTest, EveryThresholdComesFromItsOwnWord ) {
-   // Word n of the block holds 256 n + 256: n + 1 °C, and so on.
    for ( bool const internal : { true, false } ) {
       Vel::Ptr<SfpNewStatus> const status =
          inserted( internal ? internallyCalibrated() : externallyCalibrated() );
@@ -247,18 +227,10 @@ TEST( SfpStatusTest, EveryThresholdComesFromItsOwnWord ) {
          registerIs( *status, 2 * word, word + 1 );
          registerIs( *status, 2 * word + 1, 0 );
       }
-      std::vector<double> const found = doubles( status->domThreshold() );
-      ASSERT_EQ( found.size(), 24u );
-      for ( unsigned word = 0; word < 24; ++word ) {
+      XcvrTest::expectThresholds( status->domThreshold(), [internal]( unsigned word ) {
          double const raw = 256 * ( word + 1 );
-         double const code = internal ? raw : 2 * raw + 256;
-         double const expected = word < 4                                 ? code / 256
-                                 : word < 8                               ? code * 0.0001
-                                 : word < 12                              ? code * 0.002
-                                 : word < 16 || ( word < 20 && internal ) ? dBm( code )
-                                                                          : unreadable;
-         EXPECT_DOUBLE_EQ( found[word], expected ) << word << internal;
-      }
+         return internal ? raw : word < 16 ? 2 * raw + 256 : 0; // no power is minus infinity
+      } );
    }
 }
 
@@ -308,48 +280,7 @@ TEST( SfpStatusTest, EveryStatusBitAndFlagIsABitOfItsOwn ) {
 }
 
 TEST( SfpStatusTest, TheClosestOperatorThresholdsAreInForce ) {
-   Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
-   Vel::Ptr<SfpNewStatus> const status = inserted( internallyCalibrated() );
-   DomThreshold const own = status->domThreshold();
-   auto const rowIs = [&]( char const * name, char const * vendor, char const * pn, char const * sn,
-                           double power ) {
-      Vel::Ptr<DomThresholdOverride> const row = xgc->domThresholdOverrideDataIs( name );
-      row->vendorNameIs( vendor );
-      row->vendorPnIs( pn );
-      row->vendorSnIs( sn );
-      row->txPowerHighAlarmIs( Units::Decibels( power ) );
-      row->txPowerLowAlarmIs( Units::Decibels( power - 1 ) );
-      row->txPowerHighWarnIs( Units::Decibels( power - 2 ) );
-      row->txPowerLowWarnIs( Units::Decibels( power - 3 ) );
-      row->rxPowerHighAlarmIs( Units::Decibels( power - 4 ) );
-      row->rxPowerLowAlarmIs( Units::Decibels( power - 5 ) );
-      row->rxPowerHighWarnIs( Units::Decibels( power - 6 ) );
-      row->rxPowerLowWarnIs( Units::Decibels( power - 7 ) );
-   };
-   auto const inForce = [&] { return status->domThresholdInForce().txPowerHighAlarm(); };
-
-   status->domThresholdOverriddenIs( true );
-   EXPECT_EQ( status->domThresholdInForce(), own ); // no table
-   status->xgcIs( xgc );
-   rowIs( "a", "", "", "", 1 );               // means no module
-   rowIs( "b", "Vendor", "PN-2", "", 2 );     // another part
-   rowIs( "c", "Vendor", "PN-1", "SN-2", 3 ); // another module of the part
-   rowIs( "d", "Vend", "", "", 4 );           // another vendor
-   EXPECT_EQ( status->domThresholdInForce(), own );
-   rowIs( "e", "Vendor", "", "", 5 );
-   rowIs( "f", "Vendor  ", "", "", 6 ); // padding does not count, and the first of equals stays
-   EXPECT_EQ( inForce(), 5 );
-   rowIs( "g", "Vendor", "PN-1   ", "", 7 );
-   EXPECT_EQ( inForce(), 7 );
-   rowIs( "0", "Vendor          ", "PN-1", "SN-1", 8 );
-   std::vector<double> expected = doubles( own );
-   for ( unsigned i = 0; i < 8; ++i ) {
-      expected[12 + i] = 8 - i;
-   }
-   EXPECT_EQ( doubles( status->domThresholdInForce() ), expected );
-   EXPECT_EQ( status->domThreshold(), own );
-   status->domThresholdOverriddenIs( false );
-   EXPECT_EQ( status->domThresholdInForce(), own );
+   XcvrTest::expectClosestOperatorThresholds( *inserted( internallyCalibrated() ) );
 }
 
 // Identity
@@ -362,7 +293,6 @@ TEST( SfpStatusTest, IdentityIsThatOfTheContents ) {
                                                "SN-1            ", "A   ", "260101  " ) );
    EXPECT_EQ( status.bitrate(), 103 );
    EXPECT_EQ( status.mediaTypeString(), "10GBASE-SR" );
-   EXPECT_EQ( status.laserWavelength(), 850000u );
    EXPECT_EQ( status.capabilities(), Capabilities( 1, false, false, false, false, 0 ) );
    EXPECT_EQ( status.domCapabilities(),
               DomCapabilities( true, true, true, true, true, false, false, false ) );
@@ -379,7 +309,8 @@ TEST( SfpStatusTest, IdentityIsThatOfTheContents ) {
       EXPECT_TRUE( sfp->assertRateSelect0() && sfp->assertRateSelect1() );
    }
    EXPECT_FALSE( sfp->is1GConfigurable() );
-   sfp->actualIdEepromContentsIs( opticalModule().bit( "compliance", "1000BASE-SX" ).contents() );
+   sfp->actualIdEepromContentsIs(
+      internallyCalibrated().bit( "compliance", "1000BASE-SX" ).contents() );
    EXPECT_TRUE( sfp->is1GConfigurable() );
 }
 
@@ -397,6 +328,9 @@ TEST( SfpStatusTest, WavelengthIsInPicometresUnlessTheModuleIsAnActiveCable ) {
    dwdm->overrideMediaTypeIs( xcvr10GBaseAr );
    EXPECT_EQ( dwdm->laserWavelength(), 850000u );
    EXPECT_EQ( dwdm->laserWavelengthPrecision(), laserWavelengthPrecisionNm );
+   EXPECT_EQ(
+      inserted( internallyCalibrated().raw( "extIdentifier", 0x20 ) )->laserWavelengthPrecision(),
+      laserWavelengthPrecisionNm );
 }
 
 TEST( SfpStatusTest, AttenuationOfAPassiveCableComesFromTheTableOrItsLength ) {
@@ -410,7 +344,7 @@ TEST( SfpStatusTest, AttenuationOfAPassiveCableComesFromTheTableOrItsLength ) {
    };
    EXPECT_DOUBLE_EQ( cable( 4 )->electricalPathAttenuation().value(), 12.8 );
    EXPECT_DOUBLE_EQ( cable( 5 )->electricalPathAttenuation().value(), 8.5 );
-   EXPECT_EQ( inserted( opticalModule() )->electricalPathAttenuation().value(), 0 );
+   EXPECT_EQ( inserted( internallyCalibrated() )->electricalPathAttenuation().value(), 0 );
 
    Vel::Ptr<ModelToAttenuation> const table = modelToAttenuationFactory( "attenuation" );
    Vel::Ptr<SfpNewStatus> const status = cable( 2 );
@@ -449,18 +383,13 @@ TEST( SfpTuningTest, CapabilitiesComeFromTheTuningPage ) {
    EXPECT_EQ( status->mediaType(), xcvr10GBaseDwdmZt );
    EXPECT_TRUE( status->capabilities().tunableWavelength() );
    EXPECT_EQ( status->hwChannel(), 0x0201 );
-   struct Case {
-      double ghz;
-      bool has100, has50, has25;
-   };
-   for ( Case const & c :
-         { Case{ 100, true, false, false }, Case{ 50, true, true, false },
-           Case{ 25, true, true, true }, Case{ 12.5, false, false, false }, // cut to 12 GHz
-           Case{ 6.2, false, false, false }, Case{ 33, false, false, false },
-           Case{ 75, false, false, false } } ) {
-      GridSpacingCapabilities const grids( c.has100, c.has50, false, c.has25, false, false );
+   // 12.5 GHz are cut to 12.
+   for ( double const ghz : { 100., 50., 25., 12.5, 6.2, 33., 75. } ) {
+      bool const known = ghz == 100 || ghz == 50 || ghz == 25;
+      GridSpacingCapabilities const grids( known, known && ghz <= 50, false, known && ghz <= 25,
+                                           false, false );
       EXPECT_EQ(
-         inserted( tunableModule().value( "tuningGridSpacingGHz", c.ghz ) )->tuningCapabilities(),
+         inserted( tunableModule().value( "tuningGridSpacingGHz", ghz ) )->tuningCapabilities(),
          TuningCapabilities( 191200000, 191300000, 196100000, grids, 0 ) );
    }
    EXPECT_EQ( inserted( tunableModule().a2hMissing() )->tuningCapabilities(),
@@ -485,7 +414,6 @@ TEST( SfpTuningTest, ATuningIsPendingUntilTheModuleIsThere ) {
                                     191300000, 299792458.0 / 191300, grids ) );
    registerIs( *status, 145, 38 );
    EXPECT_FALSE( status->isFreqTuningPending() );
-   EXPECT_EQ( status->resolvedTuningStatus().operationalFrequency(), 193150000u );
 
    config->channelIs( 0 );
    config->gridIs( 0 );
@@ -493,7 +421,19 @@ TEST( SfpTuningTest, ATuningIsPendingUntilTheModuleIsThere ) {
    EXPECT_TRUE( status->isFreqTuningPending() );
    EXPECT_EQ( status->hwTuningConfig(), HwTuningConfig( 39, 50000, 0 ) );
 
-   // Off the resolved grid, and below its base, there is no operational channel.
+   // What fails, and what nobody configured, falls back to 193.1 THz.
+   config->frequencyIs( 200000000 );
+   EXPECT_TRUE( status->isFreqTuningPending() );
+   EXPECT_EQ( status->hwTuningConfig(), HwTuningConfig( 37, 50000, 0 ) );
+   EXPECT_FALSE( status->ituTuningConfig().laserEnabled() );
+   xgc->tuningConfigDel( "Ethernet1" );
+   registerIs( *status, 145, 37 );
+   EXPECT_FALSE( status->isFreqTuningPending() );
+   EXPECT_EQ( status->resolvedTuningStatus().configuredFrequency(), 0u );
+}
+
+TEST( SfpTuningTest, OffTheGridThereIsNoChannel ) {
+   // Of the resolved grid, and below its base.
    for ( unsigned const ghz : { 191325u, 190000u } ) {
       Vel::Ptr<SfpNewStatus> const off =
          inserted( tunableModule()
@@ -505,36 +445,20 @@ TEST( SfpTuningTest, ATuningIsPendingUntilTheModuleIsThere ) {
       EXPECT_EQ( off->resolvedTuningStatus().operationalChannel(), 0u );
       EXPECT_EQ( off->resolvedTuningStatus().operationalGrid(), 0u );
    }
-
-   // What fails, and what nobody configured, falls back to 193.1 THz.
-   config->frequencyIs( 200000000 );
-   EXPECT_TRUE( status->isFreqTuningPending() );
-   EXPECT_EQ( status->hwTuningConfig(), HwTuningConfig( 37, 50000, 0 ) );
-   EXPECT_FALSE( status->ituTuningConfig().laserEnabled() );
-   xgc->tuningConfigDel( "Ethernet1" );
-   registerIs( *status, 145, 37 );
-   EXPECT_FALSE( status->isFreqTuningPending() );
-   EXPECT_EQ( status->resolvedTuningStatus().configuredFrequency(), 0u );
-
-   // A module that cannot be tuned is never pending, and nothing is written.
-   Vel::Ptr<SfpNewStatus> const fixed = inserted( opticalModule() );
-   EXPECT_FALSE( fixed->isFreqTuningPending() );
-   EXPECT_EQ( fixed->ituTuningConfig(), ItuTuningConfig() );
-   EXPECT_EQ( fixed->resolvedTuningStatus(), ResolvedTuningStatus() );
-}
-
-TEST( SfpTuningTest, RegistersAreExactWhereCapabilitiesAreCut ) {
-   // A module of a 12.5 GHz grid whose first frequency is no whole GHz.
+   // The registers are exact: a grid of 12.5 GHz whose first frequency is no whole GHz.
    Vel::Ptr<SfpNewStatus> const status = inserted( tunableModule()
                                                       .value( "tuningFirstFrequencyGHz", 262.5 )
                                                       .value( "tuningGridSpacingGHz", 12.5 ) );
    status->ituTuningConfigIs( ItuTuningConfig( 39, 50000, 0, true ) ); // 193.1 THz
    status->updateHwTuningConfig();
    EXPECT_EQ( status->hwTuningConfig(), HwTuningConfig( 148, 12500, 0 ) );
-   // What does not lie on its grid it has no channel for.
    status->ituTuningConfigIs( ItuTuningConfig( 39, 33000, 0, true ) );
    status->updateHwTuningConfig();
    EXPECT_EQ( status->hwTuningConfig(), HwTuningConfig() );
+   // A module that cannot be tuned is never pending, and nothing is written.
+   Vel::Ptr<SfpNewStatus> const fixed = inserted( internallyCalibrated() );
+   EXPECT_FALSE( fixed->isFreqTuningPending() );
+   EXPECT_EQ( fixed->ituTuningConfig(), ItuTuningConfig() );
 }
 
 // The cost
@@ -544,15 +468,14 @@ TEST( SfpStatusTest, ReadingAndWritingRegistersAllocatesNothing ) {
       Vel::Ptr<SfpNewStatus> const sfp = inserted( image );
       registerIs( *sfp, 96, 1 ); // the page
       XcvrNewStatus const & status = *sfp;
-      double sum = 0;
       AllocationCount const allocations;
       for ( unsigned i = 0; i < 256; ++i ) {
          registerIs( *sfp, i, i );
-         sum += static_cast<double>( status.vendorInfo().vendorSn().size() ) +
-                static_cast<double>( status.mediaType() ) + status.domInfo( lane ).temperature() +
-                status.domThreshold().tempHighAlarm();
+         static_cast<void>( status.vendorInfo() );
+         static_cast<void>( status.mediaType() );
+         static_cast<void>( status.domInfo( lane ) );
+         static_cast<void>( status.domThreshold() );
       }
       EXPECT_EQ( allocations.calls(), 0u );
-      EXPECT_GT( sum, 0 );
    }
 }

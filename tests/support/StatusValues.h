@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Xcvr/XcvrDirs.h>
 #include <Xcvr/XcvrStatus.h>
 
 #include <gtest/gtest.h>
@@ -34,6 +35,32 @@ inline void insert( Xcvr::XcvrNewStatus & status ) {
    status.lastEnhancedDomThresholdsUpdateTimeIs( 15 );
 }
 
+/// The fields of a value that are measurements, in their order.
+template <typename Value>
+std::vector<double> doubles( Value const & value ) {
+   std::vector<double> result;
+   Value::velFields( [&]( auto const &, auto field ) {
+      if constexpr ( std::is_same_v<decltype( field ), double Value::*> ) {
+         result.push_back( value.*field );
+      }
+   } );
+   return result;
+}
+
+/// The names of a value's fields that are not 0 or false, each behind a prefix.
+template <typename Value>
+std::vector<std::string> fieldsSet( Value const & value, std::string const & prefix = "" ) {
+   std::vector<std::string> result;
+   Value::velFields( [&]( std::string_view label, auto field ) {
+      if ( value.*field ) {
+         size_t const from = label.find( '\'' ) + 1; // the label has the name in quotes
+         result.push_back( prefix );
+         result.back() += label.substr( from, label.rfind( '\'' ) - from );
+      }
+   } );
+   return result;
+}
+
 /// Of a slot with monitors and thresholds of which all is valid, lane 0 at -12.5 °C: when they are not.
 template <typename Status>
 void expectValidOnceRead( std::function<Vel::Ptr<Status>()> const & inserted ) {
@@ -63,30 +90,65 @@ void expectValidOnceRead( std::function<Vel::Ptr<Status>()> const & inserted ) {
    }
 }
 
-/// The fields of a value that are measurements, in their order.
-template <typename Value>
-std::vector<double> doubles( Value const & value ) {
-   std::vector<double> result;
-   Value::velFields( [&]( auto const &, auto field ) {
-      if constexpr ( std::is_same_v<decltype( field ), double Value::*> ) {
-         result.push_back( value.*field );
-      }
-   } );
-   return result;
+/// Thresholds whose registers, in their order, hold what `code` has of 0 to 19: those of temperature
+/// in 1/256 °C, voltage, Tx bias, and the powers.
+template <typename Code>
+void expectThresholds( Xcvr::DomThreshold const & thresholds, Code const & code ) {
+   std::vector<double> const found = doubles( thresholds );
+   ASSERT_EQ( found.size(), 24u );
+   for ( unsigned i = 0; i < 24; ++i ) {
+      double const expected = i < 4    ? code( i ) / 256
+                              : i < 8  ? code( i ) * 0.0001
+                              : i < 12 ? code( i ) * 0.002
+                              : i < 20 ? dBm( code( i ) )
+                                       : unreadable;
+      EXPECT_DOUBLE_EQ( found[i], expected ) << i;
+   }
 }
 
-/// The names of a value's fields that are not 0 or false, each behind a prefix.
-template <typename Value>
-std::vector<std::string> fieldsSet( Value const & value, std::string const & prefix = "" ) {
-   std::vector<std::string> result;
-   Value::velFields( [&]( std::string_view label, auto field ) {
-      if ( value.*field ) {
-         size_t const from = label.find( '\'' ) + 1; // the label has the name in quotes
-         result.push_back( prefix );
-         result.back() += label.substr( from, label.rfind( '\'' ) - from );
+/// Which rows of the operator's table apply to "Vendor", "PN-1", "SN-1".
+template <typename Status>
+void expectClosestOperatorThresholds( Status & status ) {
+   Vel::Ptr<Xcvr::Xgc> const xgc = Xcvr::xgcFactory( "xgc" );
+   Xcvr::DomThreshold const own = status.domThreshold();
+   auto const rowIs = [&xgc]( char const * name, char const * vendor, char const * pn,
+                              char const * sn, double power ) {
+      using Row = Xcvr::DomThresholdOverride;
+      Vel::Ptr<Row> const row = xgc->domThresholdOverrideDataIs( name );
+      row->vendorNameIs( vendor );
+      row->vendorPnIs( pn );
+      row->vendorSnIs( sn );
+      for ( auto const limitIs :
+            { &Row::txPowerHighAlarmIs, &Row::txPowerLowAlarmIs, &Row::txPowerHighWarnIs,
+              &Row::txPowerLowWarnIs, &Row::rxPowerHighAlarmIs, &Row::rxPowerLowAlarmIs,
+              &Row::rxPowerHighWarnIs, &Row::rxPowerLowWarnIs } ) {
+         ( ( *row ).*limitIs )( Units::Decibels( power-- ) );
       }
-   } );
-   return result;
+   };
+   auto const inForce = [&status] { return status.domThresholdInForce().txPowerHighAlarm(); };
+
+   status.domThresholdOverriddenIs( true );
+   EXPECT_EQ( status.domThresholdInForce(), own ); // no table
+   status.xgcIs( xgc );
+   rowIs( "a", "", "", "", 1 );               // means no module
+   rowIs( "b", "Vendor", "PN-2", "", 2 );     // another part
+   rowIs( "c", "Vendor", "PN-1", "SN-2", 3 ); // another module of the part
+   rowIs( "d", "Vend", "", "", 4 );           // another vendor
+   EXPECT_EQ( status.domThresholdInForce(), own );
+   rowIs( "e", "Vendor", "", "", 5 );
+   rowIs( "f", "Vendor  ", "", "", 6 ); // padding does not count, and the first of equals stays
+   EXPECT_EQ( inForce(), 5 );
+   rowIs( "g", "Vendor", "PN-1   ", "", 7 );
+   EXPECT_EQ( inForce(), 7 );
+   rowIs( "0", "Vendor          ", "PN-1", "SN-1", 8 );
+   std::vector<double> expected = doubles( own );
+   for ( unsigned i = 0; i < 8; ++i ) {
+      expected[12 + i] = 8 - i;
+   }
+   EXPECT_EQ( doubles( status.domThresholdInForce() ), expected );
+   EXPECT_EQ( status.domThreshold(), own );
+   status.domThresholdOverriddenIs( false );
+   EXPECT_EQ( status.domThresholdInForce(), own );
 }
 
 } // namespace XcvrTest
