@@ -8,10 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <string>
-#include <string_view>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 // What the tests of several families ask a status, and compare with.
@@ -42,20 +39,6 @@ std::vector<double> doubles( Value const & value ) {
    Value::velFields( [&]( auto const &, auto field ) {
       if constexpr ( std::is_same_v<decltype( field ), double Value::*> ) {
          result.push_back( value.*field );
-      }
-   } );
-   return result;
-}
-
-/// The names of a value's fields that are not 0 or false, each behind a prefix.
-template <typename Value>
-std::vector<std::string> fieldsSet( Value const & value, std::string const & prefix = "" ) {
-   std::vector<std::string> result;
-   Value::velFields( [&]( std::string_view label, auto field ) {
-      if ( value.*field ) {
-         size_t const from = label.find( '\'' ) + 1; // the label has the name in quotes
-         result.push_back( prefix );
-         result.back() += label.substr( from, label.rfind( '\'' ) - from );
       }
    } );
    return result;
