@@ -37,38 +37,38 @@ Contents withBytes( size_t byte, std::string_view bytes, size_t size = 128 ) {
 }
 
 // The places here are those of the standard, as the module's bytes.
-XcvrTest::NumberCase<Contents> const numbers[] = { { &Contents::identifier, 128 },
-                                                   { &Contents::identifierExtended, 129 },
-                                                   { &Contents::connector, 130 },
-                                                   { &Contents::complianceEth10And40G, 131 },
-                                                   { &Contents::encoding, 139 },
-                                                   { &Contents::bitrateNominal, 140 },
-                                                   { &Contents::extendedRateSelectCompliance, 141 },
-                                                   { &Contents::lengthSmf, 142 },
-                                                   { &Contents::lengthOm3, 143 },
-                                                   { &Contents::lengthOm2, 144 },
-                                                   { &Contents::lengthOm1, 145 },
-                                                   { &Contents::lengthCableOrOm4, 146 },
-                                                   { &Contents::deviceTech, 147 },
-                                                   { &Contents::vendorOui, 165, 3 },
-                                                   { &Contents::laserWavelength, 186, 2, 50 },
-                                                   { &Contents::cableAttn, 186, 4 },
-                                                   { &Contents::attenuation2p5GHz, 186 },
-                                                   { &Contents::attenuation5GHz, 187 },
-                                                   { &Contents::attenuation7GHz, 188 },
-                                                   { &Contents::attenuation12p9GHz, 189 },
-                                                   { &Contents::wavelengthTolerance, 188, 2 },
-                                                   { &Contents::maxCaseTemp, 190 },
-                                                   { &Contents::complianceExtended, 192 },
-                                                   { &Contents::options, 193, 3 },
-                                                   { &Contents::diagsMonitoringType, 220 },
-                                                   { &Contents::enhancedOptions, 221 },
-                                                   { &Contents::bitrateExtended, 222 } };
-XcvrTest::TextCase<Contents> const texts[] = { { &Contents::vendorName, 148, 16 },
-                                               { &Contents::vendorPn, 168, 16 },
-                                               { &Contents::vendorRev, 184, 2 },
-                                               { &Contents::vendorSn, 196, 16 },
-                                               { &Contents::dateCode, 212, 8 } };
+using Number = XcvrTest::NumberCase<Contents>;
+Number const numbers[] = { Number{ &Contents::identifier, 128 },
+                           Number{ &Contents::identifierExtended, 129 },
+                           Number{ &Contents::connector, 130 },
+                           Number{ &Contents::complianceEth10And40G, 131 },
+                           Number{ &Contents::encoding, 139 },
+                           Number{ &Contents::bitrateNominal, 140 },
+                           Number{ &Contents::extendedRateSelectCompliance, 141 },
+                           Number{ &Contents::lengthSmf, 142 },
+                           Number{ &Contents::lengthOm3, 143 },
+                           Number{ &Contents::lengthOm2, 144 },
+                           Number{ &Contents::lengthOm1, 145 },
+                           Number{ &Contents::lengthCableOrOm4, 146 },
+                           Number{ &Contents::deviceTech, 147 },
+                           Number{ &Contents::vendorOui, 165, 3 },
+                           Number{ &Contents::laserWavelength, 186, 2, 50 },
+                           Number{ &Contents::cableAttn, 186, 4 },
+                           Number{ &Contents::attenuation2p5GHz, 186 },
+                           Number{ &Contents::attenuation5GHz, 187 },
+                           Number{ &Contents::attenuation7GHz, 188 },
+                           Number{ &Contents::attenuation12p9GHz, 189 },
+                           Number{ &Contents::wavelengthTolerance, 188, 2 },
+                           Number{ &Contents::maxCaseTemp, 190 },
+                           Number{ &Contents::complianceExtended, 192 },
+                           Number{ &Contents::options, 193, 3 },
+                           Number{ &Contents::diagsMonitoringType, 220 },
+                           Number{ &Contents::enhancedOptions, 221 },
+                           Number{ &Contents::bitrateExtended, 222 } };
+using Text = XcvrTest::TextCase<Contents>;
+Text const texts[] = { Text{ &Contents::vendorName, 148, 16 }, Text{ &Contents::vendorPn, 168, 16 },
+                       Text{ &Contents::vendorRev, 184, 2 }, Text{ &Contents::vendorSn, 196, 16 },
+                       Text{ &Contents::dateCode, 212, 8 } };
 
 TEST( QsfpContents, FieldsLieWhereTheStandardPutsThem ) {
    XcvrTest::expectNumbers<Contents>( numbers, numberedContents, 128 );
@@ -82,8 +82,7 @@ TEST( QsfpContents, ComplianceIsPackedWithSignExtension ) {
    EXPECT_EQ( packed( "\x01\x23\x45\x67\x09\x2b\x4d\x6f" ), 0x01234567092b4d6fu );
    EXPECT_EQ( packed( "\x80" ), 0x8000000000000000u );     // shifted out
    EXPECT_EQ( packed( "\x04\x80" ), 0xff80000000000000u ); // covers the first
-   EXPECT_EQ( packed( "\1\2\3\4\5\6\xff\1" ), 0xffffffffffffff01u );
-   EXPECT_EQ( numberedContents( 10 ).compliance(), 0u ); // its last byte is not there
+   EXPECT_EQ( numberedContents( 10 ).compliance(), 0u );   // its last byte is not there
 }
 
 TEST( QsfpContents, TestsAreTheBitsTheyName ) {
