@@ -5,14 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 namespace Xcvr {
 namespace {
 
 using Builder = XcvrTest::QsfpImageBuilder;
-using Contents = Sff8436IdEepromContents;
 
 constexpr uint8_t qsfp = 12, qsfpPlus = 13, qsfp28 = 17;
 constexpr uint8_t lc = 7, mpo = 12;
@@ -38,61 +36,59 @@ Builder bidi() {
 using Cases = std::vector<XcvrTest::MediaTypeCase<Builder>>;
 
 /// One module for each rule, in the order of the rules; the first rule is that of an empty page.
-Cases witnesses() {
-   return {
-      { with( 3, 0x04 ), xcvrUnknown },
-      { model( "MOLEX", "1064273000", qsfp28 ), xcvr100GBaseDr },
-      { model( "Molex Inc.", "74763-0025" ), xcvr40GBaseMfg },
-      { model( "LEONI", "L45593-D915-M115", qsfp28 ), xcvr100GBaseMfg },
-      { extended( 1, 0x81 ), xcvr100GBaseAr4 },
-      { extended( 24, 0x81 ), xcvr100GBaseAr4N },
-      { extended( 3, 0x82 ), xcvr100GBaseLr4 },
-      { extended( 2, 0x84 ).raw( "lengthCableOrOm4", 150 ), xcvr100GBaseXsr4 },
-      { extended( 2, 0x84 ).raw( "lengthCableOrOm4", 149 ), xcvr100GBaseSr4 },
-      { extended( 11, 0x88 ), xcvr100GBaseCr4 },
-      { extended( 12, 0x88 ), xcvr100GBaseCr4S },
-      { extended( 13, 0x88 ), xcvr100GBaseCr4N },
-      { with( qsfpPlus, 0x01 ), xcvr40GBaseAr4 },
-      { bidi(), xcvr40GBaseSrbd },
-      { with( qsfpPlus, 0x20 ).raw( "lengthSmf", 9 ), xcvr40GBasePlrl4 },
-      { with( qsfpPlus, 0x20 ).raw( "lengthSmf", 10 ), xcvr40GBasePlr4 },
-      { with( qsfpPlus, 0x02, lc ).raw( "lengthSmf", 10 ), xcvr40GBaseLr4 },
-      { with( qsfpPlus, 0x02, lc ).raw( "lengthSmf", 1 ).raw( "lengthOm3", 75 ), xcvr40GBaseUniv },
-      { with( qsfpPlus, 0x02, lc ).raw( "lengthSmf", 9 ), xcvr40GBaseLrl4 },
-      { with( qsfpPlus, 0x04, lc ).raw( "lengthOm3", 120 ), xcvr40GBaseSr4d },
-      { with( qsfpPlus, 0x04 ).raw( "lengthOm3", 150 ), xcvr40GBaseXsr4 },
-      { with( qsfpPlus, 0x04 ).raw( "lengthOm3", 149 ), xcvr40GBaseSr4 },
-      { with( qsfpPlus, 0x08 ), xcvr40GBaseCr4 },
-      { extended( 2 ).raw( "lengthCableOrOm4", 150 ), xcvr100GBaseXsr4 },
-      { extended( 2 ), xcvr100GBaseSr4 },
-      { extended( 3 ).raw( "lengthSmf", 10 ), xcvr100GBaseLr4 },
-      { extended( 3 ).raw( "lengthSmf", 9 ), xcvr100GBaseLrl4 },
-      { extended( 4 ).raw( "lengthSmf", 31 ), xcvr100GBaseEr4 },
-      { extended( 4 ).raw( "lengthSmf", 30 ), xcvr100GBaseErl4 },
-      { extended( 5 ), xcvr100GBaseSr10 },
-      { extended( 6 ), xcvr100GBaseCwdm4 },
-      { extended( 11 ), xcvr100GBaseCr4 },
-      { extended( 12 ), xcvr100GBaseCr4S },
-      { extended( 13 ), xcvr100GBaseCr4N },
-      { extended( 7 ), xcvr100GBasePsm4 },
-      { extended( 18 ), xcvr40GBasePsm4 },
-      { extended( 16 ), xcvr40GBaseEr4 },
-      { extended( 1 ), xcvr100GBaseAr4 },
-      { extended( 24 ), xcvr100GBaseAr4N },
-      { extended( 23 ), xcvr100GUnknown },
-      { extended( 26 ).raw( "lengthSmf", 40 ), xcvr100GEDwdm2 },
-      { extended( 32 ), xcvr100GBaseSwdm4 },
-      { extended( 33 ), xcvr100GBaseSrbd },
-      { extended( 37 ), xcvr100GBaseDr },
-      { with( qsfp28, 0 ).raw( "deviceTech", 0xa0 ), xcvr100GBaseCr4 },
-      { with( qsfpPlus, 0 ).raw( "deviceTech", 0xb5 ), xcvr40GBaseCr4 },
-      { with( qsfp28, 0 ), xcvr100GUnknown },
-      { with( qsfp, 0 ), xcvrUnknown },
-   };
-}
+Cases const witnesses{
+   { with( 3, 0x04 ), xcvrUnknown },
+   { model( "MOLEX", "1064273000", qsfp28 ), xcvr100GBaseDr },
+   { model( "Molex Inc.", "74763-0025" ), xcvr40GBaseMfg },
+   { model( "LEONI", "L45593-D915-M115", qsfp28 ), xcvr100GBaseMfg },
+   { extended( 1, 0x81 ), xcvr100GBaseAr4 },
+   { extended( 24, 0x81 ), xcvr100GBaseAr4N },
+   { extended( 3, 0x82 ), xcvr100GBaseLr4 },
+   { extended( 2, 0x84 ).raw( "lengthCableOrOm4", 150 ), xcvr100GBaseXsr4 },
+   { extended( 2, 0x84 ).raw( "lengthCableOrOm4", 149 ), xcvr100GBaseSr4 },
+   { extended( 11, 0x88 ), xcvr100GBaseCr4 },
+   { extended( 12, 0x88 ), xcvr100GBaseCr4S },
+   { extended( 13, 0x88 ), xcvr100GBaseCr4N },
+   { with( qsfpPlus, 0x01 ), xcvr40GBaseAr4 },
+   { bidi(), xcvr40GBaseSrbd },
+   { with( qsfpPlus, 0x20 ).raw( "lengthSmf", 9 ), xcvr40GBasePlrl4 },
+   { with( qsfpPlus, 0x20 ).raw( "lengthSmf", 10 ), xcvr40GBasePlr4 },
+   { with( qsfpPlus, 0x02, lc ).raw( "lengthSmf", 10 ), xcvr40GBaseLr4 },
+   { with( qsfpPlus, 0x02, lc ).raw( "lengthSmf", 1 ).raw( "lengthOm3", 75 ), xcvr40GBaseUniv },
+   { with( qsfpPlus, 0x02, lc ).raw( "lengthSmf", 9 ), xcvr40GBaseLrl4 },
+   { with( qsfpPlus, 0x04, lc ).raw( "lengthOm3", 120 ), xcvr40GBaseSr4d },
+   { with( qsfpPlus, 0x04 ).raw( "lengthOm3", 150 ), xcvr40GBaseXsr4 },
+   { with( qsfpPlus, 0x04 ).raw( "lengthOm3", 149 ), xcvr40GBaseSr4 },
+   { with( qsfpPlus, 0x08 ), xcvr40GBaseCr4 },
+   { extended( 2 ).raw( "lengthCableOrOm4", 150 ), xcvr100GBaseXsr4 },
+   { extended( 2 ), xcvr100GBaseSr4 },
+   { extended( 3 ).raw( "lengthSmf", 10 ), xcvr100GBaseLr4 },
+   { extended( 3 ).raw( "lengthSmf", 9 ), xcvr100GBaseLrl4 },
+   { extended( 4 ).raw( "lengthSmf", 31 ), xcvr100GBaseEr4 },
+   { extended( 4 ).raw( "lengthSmf", 30 ), xcvr100GBaseErl4 },
+   { extended( 5 ), xcvr100GBaseSr10 },
+   { extended( 6 ), xcvr100GBaseCwdm4 },
+   { extended( 11 ), xcvr100GBaseCr4 },
+   { extended( 12 ), xcvr100GBaseCr4S },
+   { extended( 13 ), xcvr100GBaseCr4N },
+   { extended( 7 ), xcvr100GBasePsm4 },
+   { extended( 18 ), xcvr40GBasePsm4 },
+   { extended( 16 ), xcvr40GBaseEr4 },
+   { extended( 1 ), xcvr100GBaseAr4 },
+   { extended( 24 ), xcvr100GBaseAr4N },
+   { extended( 23 ), xcvr100GUnknown },
+   { extended( 26 ).raw( "lengthSmf", 40 ), xcvr100GEDwdm2 },
+   { extended( 32 ), xcvr100GBaseSwdm4 },
+   { extended( 33 ), xcvr100GBaseSrbd },
+   { extended( 37 ), xcvr100GBaseDr },
+   { with( qsfp28, 0 ).raw( "deviceTech", 0xa0 ), xcvr100GBaseCr4 },
+   { with( qsfpPlus, 0 ).raw( "deviceTech", 0xb5 ), xcvr40GBaseCr4 },
+   { with( qsfp28, 0 ), xcvr100GUnknown },
+   { with( qsfp, 0 ), xcvrUnknown },
+};
 
 TEST( QsfpMediaType, EveryRuleHasAWitness ) {
-   XcvrTest::expectWitnesses( sff8436MediaTypeRules(), witnesses() );
+   XcvrTest::expectWitnesses( sff8436MediaTypeRules(), witnesses );
 }
 
 // Modules that several rules match: the earlier one decides. And modules that miss a rule by little.

@@ -25,50 +25,43 @@ inline std::string numberedPage( size_t size ) {
    return page;
 }
 
-/// An accessor, and the bytes that it reads, the first the most significant.
+/// Checks accessors of a contents value of which `numbered( n )` has the first n bytes of a numbered
+/// page, which begins at `pageStart`.
 template <typename Contents>
-struct NumberCase {
-   std::function<uint64_t( Contents const & )> read;
-   size_t at;
-   size_t width = 1;
-   unsigned factor = 1;
-};
+struct AccessorCheck {
+   std::function<Contents( size_t )> numbered;
+   size_t pageStart = 0;
 
-template <typename Contents>
-struct TextCase {
-   Vel::String ( Contents::*read )() const;
-   size_t at, width;
-};
-
-/// `numbered( n )` has the first n bytes of a numbered page, which begins at `pageStart`.
-template <typename Contents, typename Numbered>
-void expectNumbers( std::span<NumberCase<Contents> const> cases, Numbered const & numbered,
-                    size_t pageStart = 0 ) {
-   std::string const page = numberedPage( 256 );
-   for ( NumberCase<Contents> const & number : cases ) {
-      size_t const at = number.at - pageStart;
+   /// A number, the first byte the most significant, times a factor.
+   void number( size_t first, size_t width,
+                std::function<uint64_t( Contents const & )> const & read,
+                unsigned factor = 1 ) const {
+      std::string const page = numberedPage( 256 );
+      size_t const at = first - pageStart;
       uint64_t const expected =
-         Xcvr::PageView( page ).unsignedBe( uint32_t( at ), uint32_t( number.width ) );
-      EXPECT_EQ( number.read( numbered( 256 ) ), expected * number.factor ) << number.at;
+         Xcvr::PageView( page ).unsignedBe( uint32_t( at ), uint32_t( width ) );
+      EXPECT_EQ( read( numbered( 256 ) ), expected * factor ) << first;
       // One byte less, and the last byte of the field is not there.
-      EXPECT_EQ( number.read( numbered( at + number.width - 1 ) ), 0u ) << number.at;
-      EXPECT_EQ( number.read( Contents() ), 0u ) << number.at;
+      EXPECT_EQ( read( numbered( at + width - 1 ) ), 0u ) << first;
+      EXPECT_EQ( read( Contents() ), 0u ) << first;
    }
-}
-
-template <typename Contents, typename Numbered>
-void expectTexts( std::span<TextCase<Contents> const> cases, Numbered const & numbered,
-                  std::string_view ofNoPage, size_t pageStart = 0 ) {
-   std::string const page = numberedPage( 256 );
-   for ( TextCase<Contents> const & text : cases ) {
-      SCOPED_TRACE( text.at );
-      size_t const at = text.at - pageStart;
-      EXPECT_EQ( ( numbered( 256 ).*text.read )(), page.substr( at, text.width ) );
-      EXPECT_EQ( ( numbered( at + 1 ).*text.read )(), page.substr( at, 1 ) );
-      EXPECT_EQ( ( numbered( at ).*text.read )(), "" );
-      EXPECT_EQ( ( Contents().*text.read )(), ofNoPage );
+   /// Single bytes that follow each other.
+   void bytes( size_t first,
+               std::vector<uint8_t ( Contents::* )() const> const & accessors ) const {
+      for ( auto const read : accessors ) {
+         number( first++, 1, read );
+      }
    }
-}
+   void text( size_t first, size_t width, Vel::String ( Contents::*read )() const,
+              std::string_view ofNoPage ) const {
+      std::string const page = numberedPage( 256 );
+      size_t const at = first - pageStart;
+      EXPECT_EQ( ( numbered( 256 ).*read )(), page.substr( at, width ) ) << first;
+      EXPECT_EQ( ( numbered( at + 1 ).*read )(), page.substr( at, 1 ) ) << first;
+      EXPECT_EQ( ( numbered( at ).*read )(), "" ) << first;
+      EXPECT_EQ( ( Contents().*read )(), ofNoPage ) << first;
+   }
+};
 
 /// The rows of the field table that mean something in a module.
 template <typename Contents>

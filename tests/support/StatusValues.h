@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/AllocationCount.h"
+
 #include <Xcvr/XcvrDirs.h>
 #include <Xcvr/XcvrStatus.h>
 
@@ -132,6 +134,40 @@ void expectClosestOperatorThresholds( Status & status ) {
    EXPECT_EQ( status.domThreshold(), own );
    status.domThresholdOverriddenIs( false );
    EXPECT_EQ( status.domThresholdInForce(), own );
+}
+
+/// Nothing that is asked of a slot, by whoever knows its family or not, allocates.
+inline void expectNoAllocation( Xcvr::XcvrNewStatus const & status ) {
+   AllocationCount const allocations;
+   static_cast<void>( status.vendorInfo() );
+   static_cast<void>( status.mediaType() );
+   static_cast<void>( status.domInfo( Xcvr::LaneId() ) );
+   static_cast<void>( status.domThreshold() );
+   static_cast<void>( status.domAggPower() );
+   static_cast<void>( status.enhancedDomValue( 0 ) );
+   EXPECT_EQ( allocations.calls(), 0u );
+}
+
+/// Contents of an active diagnostic override, of a vendor "Other", replace those of a vendor "Vendor",
+/// and destroy nothing.
+template <typename Config, typename Status, typename Contents>
+void expectOverride( Status & status, Vel::Ptr<Config> const & config, Contents const & other ) {
+   Contents actual = status.actualIdEepromContents();
+   auto const vendor = [&status] { return status.vendorInfo().vendorName().substr( 0, 6 ); };
+   status.xcvrConfigIs( config );
+   auto const diag = config->diagConfigIs( "diag" );
+   diag->overrideIdEepromContentsIs( other );
+   EXPECT_EQ( vendor(), "Vendor" );
+   diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00D );
+   EXPECT_EQ( vendor(), "Other " );
+   EXPECT_EQ( status.detectedMediaType(), other.mediaType() );
+   status.updateLastValidTime( 99 );
+   actual.lastValidDataIs( 99 );
+   EXPECT_EQ( status.actualIdEepromContents(), actual );
+   diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00C );
+   EXPECT_EQ( vendor(), "Vendor" );
+   diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00D );
+   EXPECT_EQ( vendor(), "Other " );
 }
 
 } // namespace XcvrTest
