@@ -10,10 +10,6 @@ namespace {
 
 using Builder = XcvrTest::SfpImageBuilder;
 
-// Shorthand for what the rules look at.
-Builder sfp() {
-   return {};
-}
 Builder with( char const * compliance ) {
    return Builder().bit( "compliance", compliance );
 }
@@ -73,7 +69,7 @@ Cases const witnesses{
    { extended( 0x0C ), xcvr25GBaseCrS },
    { extended( 0x0B ), xcvr25GBaseCr },
    { cable( 25500, "passive cable" ), xcvr25GBaseCr },
-   { sfp().raw( "bitrateNominal", 250 ), xcvr25GUnknown },
+   { Builder().raw( "bitrateNominal", 250 ), xcvr25GUnknown },
    { cable( 10300, "passive cable" ).bit( "compliance", "active cable" ), xcvr10GBaseCrActive },
    { cable( 10000, "passive cable" ), xcvr10GBaseCr },
    { with( "1000BASE-T" ), xcvr1000BaseT },
@@ -90,7 +86,7 @@ Cases const witnesses{
    { extended( 0x01 ), xcvr25GBaseAr },
    { with( "active cable" ), xcvr10GBaseAr },
    { with( "100BASE-LX10" ).raw( "connector", 7 ), xcvr100BaseLx10 },
-   { sfp(), xcvrUnknown },
+   { Builder(), xcvrUnknown },
 };
 
 TEST( SfpMediaType, EveryRuleHasAWitness ) {
@@ -107,13 +103,11 @@ TEST( SfpMediaType, OrderAndEdges ) {
       { longHaul( dwdm( 0x20 ), 256 ), xcvr10GBaseDwdmZr },
       { longHaul( dwdm( 4 ), 80 ), xcvrUnknown }, // not tunable
       { longHaul( tunable().raw( "extIdentifier", 0x24 ), 80 ), xcvr10GBaseDwdmZr },
-      { tunable().value( "dwdmLength", 80 ), xcvrUnknown },
       { longHaul( tunable().raw( "extIdentifier", 5 ), 80 ), xcvrUnknown },
       // Extended codes speak before the 10G bits …
       { extended( 0x02 ).bit( "compliance", "10GBASE-SR" ), xcvr25GBaseSr },
       // … but those of cables and 01h after them.
       { extended( 0x0B ).bit( "compliance", "10GBASE-LRM" ), xcvr10GBaseLrm },
-      { with( "10GBASE-SR" ).bit( "compliance", "10GBASE-LR" ), xcvr10GBaseSrLite },
       { with( "10GBASE-LR" ).bit( "compliance", "10GBASE-LRM" ), xcvr10GBaseLrLite },
       // An active cable that claims SR is a cable.
       { with( "10GBASE-SR" ).bit( "compliance", "active cable" ), xcvr10GBaseAr },
@@ -127,12 +121,9 @@ TEST( SfpMediaType, OrderAndEdges ) {
       { cable( 10300, "active cable" ), xcvr10GBaseAr },
       { with( "1000BASE-T" ).bit( "compliance", "1000BASE-LX" ), xcvr1000BaseT },
       { with( "1000BASE-LX" ).bit( "compliance", "1000BASE-SX" ), xcvr1000BaseLx },
-      { er( 41 ).bit( "compliance", "1000BASE-SX" ), xcvr1000BaseSx },
       // Only the BiDi wavelengths have a kind up to 30 km.
-      { er( 41, 1270 ), xcvr10GBaseZr },
       { er( 30 ), xcvrUnknown },
       { er( 31, 1271 ), xcvr10GBaseEr },
-      { bx10( 1550 ), xcvrUnknown },
       { bx10( 1310 ).raw( "bitrateNominal", 12 ), xcvrUnknown },
       { bx10( 1310 ).value( "length9um100m", 9900 ), xcvrUnknown },
       { bx10( 1310 ).value( "lengthOm2", 10 ), xcvrUnknown },

@@ -156,25 +156,24 @@ TEST( SfpStatusTest, MonitorsAreValidOnceReadFromThisModule ) {
 }
 
 TEST( SfpStatusTest, MonitorsFollowTheCalibration ) {
-   auto const expectInfo = []( SfpImageBuilder const & image, DomInfo const & expected ) {
+   auto const expectInfo = []( SfpImageBuilder const & image, DomCalibration calibration,
+                               std::vector<double> values ) {
       DomInfo const info = inserted( image )->domInfo( lane );
-      EXPECT_EQ( info.calibration(), expected.calibration() );
-      std::vector<double> const found = doubles( info ), values = doubles( expected );
-      for ( size_t i = 0; i < values.size(); ++i ) {
-         EXPECT_DOUBLE_EQ( found[i], values[i] ) << i;
-      }
+      EXPECT_EQ( info.calibration(), calibration );
+      values.insert( values.begin(), 20 );
+      values.push_back( unreadable );
+      EXPECT_THAT( doubles( info ), testing::Pointwise( testing::DoubleEq(), values ) );
    };
-   DomInfo const internal( 20, domCalibrationInternal, -12.5, 3.3, 6.5, dBm( 5000 ), dBm( 2500 ),
-                           unreadable );
-   expectInfo( internallyCalibrated(), internal );
+   std::vector<double> const internal{ -12.5, 3.3, 6.5, dBm( 5000 ), dBm( 2500 ) };
+   expectInfo( internallyCalibrated(), domCalibrationInternal, internal );
    // Of both calibrations the internal one counts; of none the values are there but unreadable.
-   expectInfo( internallyCalibrated().raw( "diagsMonitoringType", 0x70 ), internal );
-   expectInfo( internallyCalibrated().raw( "diagsMonitoringType", 0x40 ),
-               DomInfo( 20, domCalibrationUnknown, unreadable, unreadable, unreadable, unreadable,
-                        unreadable, unreadable ) );
+   expectInfo( internallyCalibrated().raw( "diagsMonitoringType", 0x70 ), domCalibrationInternal,
+               internal );
+   expectInfo( internallyCalibrated().raw( "diagsMonitoringType", 0x40 ), domCalibrationUnknown,
+               std::vector<double>( 5, unreadable ) );
    // 0x1000 × 2 + 256 is 8448; 2 + 0.5 × 4096 is 2050.
-   expectInfo( externallyCalibrated(), DomInfo( 20, domCalibrationExternal, 33, 0.8448, 16.896,
-                                                dBm( 8448 ), dBm( 2050 ), unreadable ) );
+   expectInfo( externallyCalibrated(), domCalibrationExternal,
+               { 33, 0.8448, 16.896, dBm( 8448 ), dBm( 2050 ) } );
    // Each monitor has constants of its own, and the coefficients their own order.
    expectInfo( externallyCalibrated()
                   .value( "domTemperatureSlope", 1 )
@@ -185,8 +184,8 @@ TEST( SfpStatusTest, MonitorsFollowTheCalibration ) {
                   .value( "domRxPower2", 1. / 65536 )
                   .value( "domRxPower3", 1. / ( 1 << 30 ) )
                   .value( "domRxPower4", std::ldexp( 1, -43 ) ),
-               DomInfo( 20, domCalibrationExternal, 17, 0.7936, 25.088, dBm( 8192 ),
-                        dBm( 2 + 256 + 64 + 32 ), unreadable ) );
+               domCalibrationExternal,
+               { 17, 0.7936, 25.088, dBm( 8192 ), dBm( 2 + 256 + 64 + 32 ) } );
 }
 
 TEST( SfpStatusTest, EveryThresholdComesFromItsOwnWord ) {
