@@ -162,7 +162,7 @@ Capabilities Cfp2NewStatus::capabilities() const {
    return result;
 }
 
-uint32_t Cfp2NewStatus::bitrate() const {
+uint8_t Cfp2NewStatus::bitrate() const {
    VEL_TRACE_SCOPE( trace );
    return contentsInEffect( *this ).networkLaneBitRateMax();
 }
@@ -457,7 +457,7 @@ uint32_t gridOfCode( unsigned code ) {
 }
 
 /// Counted from the module's first frequency; 0 for none.
-uint32_t channelIn( uint16_t txChannel ) {
+uint16_t channelIn( uint16_t txChannel ) {
    return txChannel & 0x3ffu;
 }
 
@@ -468,7 +468,7 @@ int16_t powerCode( double dBm ) {
 
 } // namespace
 
-uint32_t Cfp2NewStatus::hwChannel() const {
+uint16_t Cfp2NewStatus::hwChannel() const {
    VEL_TRACE_SCOPE( trace );
    return channelIn( contentsInEffect( *this ).txChannel() );
 }

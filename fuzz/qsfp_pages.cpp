@@ -120,7 +120,7 @@ void checkStatus( Contents const & contents ) {
    status->updateLaneStatus();
    require( status->laneStatusMap().size() == QsfpNewStatus::lanes );
    require( status->idEepromInfo().eepromPages() >= 2 );
-   require( status->bitrate() <= 637 && status->laserWavelength() <= 65535 * 50 );
+   require( status->laserWavelength() <= 65535 * 50 );
    require( status->electricalPathAttenuation().value() <= 255 );
 }
 

@@ -4,7 +4,6 @@
 #include <Xcvr/XcvrMemoryMap.h>
 
 #include <cstdint>
-#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -506,8 +505,7 @@ inline constexpr MemoryCondition conditions[] = {
 
 /// The row of that name; a name that the table lacks does not compile.
 consteval MemoryField const & row( std::string_view name ) {
-   size_t const index = memoryFieldIndex( fields, name );
-   return index < std::size( fields ) ? fields[index] : throw "no such field";
+   return memoryField( fields, name );
 }
 
 /// The address of a field as the standard's tables number it.
@@ -515,15 +513,9 @@ constexpr uint8_t address( MemoryField const & field ) {
    return static_cast<uint8_t>( field.at + ( field.page == lower ? 0 : pageSize ) );
 }
 
-/// The mask of a named bit in its field's number, highest byte first; a name that the table lacks does
-/// not compile.
+/// The mask of a named bit in its field's number; a name that the table lacks does not compile.
 consteval uint32_t mask( std::string_view field, std::string_view name ) {
-   for ( MemoryBit const & bit : row( field ).bits ) {
-      if ( bit.name == name ) {
-         return uint32_t{ 1 } << bit.bit;
-      }
-   }
-   throw "no such bit";
+   return memoryBitMask( row( field ), name );
 }
 
 } // namespace CmisTable

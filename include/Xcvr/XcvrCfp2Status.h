@@ -71,7 +71,7 @@ class XCVR_API Cfp2NewStatus : public XcvrNewStatus {
    /// Texts with their padding.
    [[nodiscard]] VendorInfo vendorInfo() const override;
    /// Of one network lane, in 0.2 Gb/s; 0 of a CFPx.
-   [[nodiscard]] uint32_t bitrate() const override;
+   [[nodiscard]] uint8_t bitrate() const override;
    [[nodiscard]] MediaType mediaType() const override;
    [[nodiscard]] MediaType detectedMediaType() const override;
    [[nodiscard]] uint32_t laserWavelength() const override;
@@ -100,7 +100,7 @@ class XCVR_API Cfp2NewStatus : public XcvrNewStatus {
    [[nodiscard]] TuningValue txInputEqualization( LaneId lane ) const override;
    /// 0: the family has no copper cables.
    [[nodiscard]] Units::Decibels electricalPathAttenuation() const override;
-   [[nodiscard]] uint32_t hwChannel() const override;
+   [[nodiscard]] uint16_t hwChannel() const override;
    /// Channels count from the base of the C band, as in every family; the module's own count from
    /// its first frequency.
    [[nodiscard]] TuningCapabilities tuningCapabilities() const override;

@@ -43,6 +43,14 @@ class TraceCapture {
       }
       return notes;
    }
+   /// Those of the records so far.
+   [[nodiscard]] std::vector<std::string> operations() const {
+      std::vector<std::string> result;
+      for ( Record const & record : records_ ) {
+         result.push_back( record.operation );
+      }
+      return result;
+   }
 
  private:
    std::vector<Record> records_;
