@@ -1,4 +1,5 @@
-// The directory of statuses: an entry that goes and comes back, among 100,000.
+// The directory of statuses, 100,000 of them: one that goes and comes back, a slice of 64 that does,
+// and all of them into an empty directory and out of it.
 #include "bench/Bench.h"
 
 #include <Xcvr/Xcvr.h>
@@ -16,14 +17,23 @@ using namespace Xcvr;
 
 using Status = Vel::Ptr<XcvrNewStatus const>;
 
+/// A status, and its name as whoever withdraws it has it: of the library's kind, and as the other
+/// contestant keeps it.
+struct Item {
+   Vel::Name name;
+   std::string text;
+   Status status;
+};
+
 /// The statuses in random order, as slots come and go.
-std::vector<Status> const & statuses() {
+std::vector<Item> const & items() {
    static auto const all = [] {
-      std::vector<Status> made;
+      std::vector<Item> made;
       for ( unsigned i = 0; i < 100'000; ++i ) {
-         std::string const name =
+         std::string const text =
             "Ethernet" + std::to_string( i / 36 ) + "/" + std::to_string( i % 36 );
-         made.emplace_back( new XcvrNewStatus( std::string_view( name ), XcvrType::sfpPlus ) );
+         Vel::Name const name{ std::string_view( text ) };
+         made.push_back( { name, text, Status( new XcvrNewStatus( name, XcvrType::sfpPlus ) ) } );
       }
       std::shuffle( made.begin(), made.end(), std::minstd_rand( 1 ) );
       return made;
@@ -43,14 +53,15 @@ struct Directory {
          one.notifierIs( dir );
       }
    }
-   void insert( Status const & status ) { dir->xcvrStatusIs( status ); }
-   void erase( Status const & status ) { dir->xcvrStatusDel( status->name() ); }
-   [[nodiscard]] bool complete() const {
+   void insert( Item const & item ) { dir->xcvrStatusIs( item.status ); }
+   void erase( Item const & item ) { dir->xcvrStatusDel( item.name ); }
+   [[nodiscard]] std::size_t size() const { return dir->xcvrStatusMap().size(); }
+   [[nodiscard]] bool toldAll() const {
       bool told = true;
       for ( Observer const & one : watching ) {
-         told = told && one.told > statuses().size();
+         told = told && one.told > items().size();
       }
-      return told && dir->xcvrStatusMap().size() == statuses().size();
+      return told;
    }
    Vel::Ptr<AllNewStatusDir> dir = allNewStatusDirFactory( "allStatus" );
    std::vector<Observer> watching = std::vector<Observer>( observers );
@@ -58,38 +69,71 @@ struct Directory {
 
 /// Not a floor, but what one would take without the library.
 struct UnorderedMap {
-   void insert( Status const & status ) { map.emplace( std::string( status->name() ), status ); }
-   void erase( Status const & status ) { map.erase( std::string( status->name() ) ); }
-   [[nodiscard]] bool complete() const { return map.size() == statuses().size(); }
+   void insert( Item const & item ) {
+      map.emplace( std::string( item.status->name() ), item.status );
+   }
+   void erase( Item const & item ) { map.erase( item.text ); }
+   [[nodiscard]] std::size_t size() const { return map.size(); }
+   static bool toldAll() { return true; }
    std::unordered_map<std::string, Status> map;
 };
 
-template <typename Subject>
-void eraseAndInsert( benchmark::State & state ) {
+/// Takes `count` at a time out of the full directory and puts them back.
+template <typename Subject, std::size_t count>
+void outAndIn( benchmark::State & state ) {
    Subject subject;
-   for ( Status const & status : statuses() ) {
-      subject.insert( status );
+   for ( Item const & item : items() ) {
+      subject.insert( item );
    }
    std::size_t next = 0;
    measure( state, [&] {
-      Status const & status = statuses()[next++ % statuses().size()];
-      subject.erase( status );
-      subject.insert( status );
+      if ( next + count > items().size() ) {
+         next = 0;
+      }
+      for ( std::size_t i = next; i < next + count; ++i ) {
+         subject.erase( items()[i] );
+      }
+      for ( std::size_t i = next; i < next + count; ++i ) {
+         subject.insert( items()[i] );
+      }
+      next += count;
    } );
-   if ( !subject.complete() ) {
+   if ( subject.size() != items().size() || !subject.toldAll() ) {
+      state.SkipWithError( "an entry was lost, or an observer not told" );
+   }
+}
+
+template <typename Subject>
+void fillAndEmpty( benchmark::State & state ) {
+   Subject subject;
+   std::size_t filled = 0;
+   measure( state, [&] {
+      for ( Item const & item : items() ) {
+         subject.insert( item );
+      }
+      filled = subject.size();
+      for ( Item const & item : items() ) {
+         subject.erase( item );
+      }
+   } );
+   if ( filled != items().size() || subject.size() != 0 || !subject.toldAll() ) {
       state.SkipWithError( "an entry was lost, or an observer not told" );
    }
 }
 
 Figure const figures[] = {
-   { "directory/0-observers",
+   { "directory/one",
      { 0.5, 0 },
-     { { "model", eraseAndInsert<Directory<0>> },
-       { "unordered_map", eraseAndInsert<UnorderedMap> } } },
-   { "directory/1-observer",
+     { { "model", outAndIn<Directory<0>, 1> }, { "unordered_map", outAndIn<UnorderedMap, 1> } } },
+   { "directory/one/1-observer",
      { {}, 0 },
-     { { "model", eraseAndInsert<Directory<1>> },
-       { "unordered_map", eraseAndInsert<UnorderedMap> } } },
+     { { "model", outAndIn<Directory<1>, 1> }, { "unordered_map", outAndIn<UnorderedMap, 1> } } },
+   { "directory/slice-of-64",
+     { 0.5, 0 },
+     { { "model", outAndIn<Directory<0>, 64> }, { "unordered_map", outAndIn<UnorderedMap, 64> } } },
+   { "directory/fill-and-empty",
+     { 0.5, {} },
+     { { "model", fillAndEmpty<Directory<0>> }, { "unordered_map", fillAndEmpty<UnorderedMap> } } },
 };
 
 } // namespace

@@ -1,28 +1,17 @@
 // What a reader asks of a QSFP28's status: vendor information, media type, monitors of four lanes and
 // thresholds.
-#include "bench/Bench.h"
+#include "bench/FourLanes.h"
 #include "tests/support/QsfpImageBuilder.h"
 
 #include <Xcvr/XcvrQsfpPlus.h>
 
 #include <array>
-#include <cmath>
 #include <cstring>
-#include <limits>
-#include <memory>
 
 namespace Bench {
 namespace {
 
 using namespace Xcvr;
-
-struct Answer {
-   VendorInfo vendorInfo;
-   MediaType mediaType;
-   std::array<DomInfo, 4> domInfo;
-   DomThreshold domThreshold;
-   friend bool operator==( Answer const &, Answer const & ) = default;
-};
 
 Sff8436IdEepromContents image() {
    XcvrTest::QsfpImageBuilder builder;
@@ -47,23 +36,13 @@ Sff8436IdEepromContents image() {
    return builder.contents();
 }
 
-struct Model {
-   Model() {
+struct Model : FourLaneStatus {
+   Model() : FourLaneStatus( status() ) {}
+   static Vel::Ptr<XcvrNewStatus> status() {
       Vel::Ptr<QsfpNewStatus> const qsfp = qsfpNewStatusFactory( "Ethernet1" );
       qsfp->actualIdEepromContentsIs( image() );
-      qsfp->presenceIs( xcvrPresent );
-      qsfp->lastPresenceChangeIs( 1 );
-      qsfp->lastDomUpdateTimeIs( 2 );
-      status = qsfp;
+      return qsfp;
    }
-   [[nodiscard]] Answer answer() const {
-      return { status->vendorInfo(),
-               status->mediaType(),
-               { status->domInfo( LaneId( 0 ) ), status->domInfo( LaneId( 1 ) ),
-                 status->domInfo( LaneId( 2 ) ), status->domInfo( LaneId( 3 ) ) },
-               status->domThreshold() };
-   }
-   Vel::Ptr<XcvrNewStatus const> status;
 };
 
 /// The same by hand from three whole pages: no lookup, no bounds, and of the media type rules only
@@ -89,10 +68,7 @@ struct Floor {
    }
    static double voltage( Page const & page, size_t at ) { return word( page, at ) * 0.0001; }
    static double txBias( Page const & page, size_t at ) { return word( page, at ) * 0.002; }
-   static double power( Page const & page, size_t at ) {
-      uint16_t const code = word( page, at );
-      return code > 0 ? 10 * std::log10( code * 1e-7 ) + 30 : none;
-   }
+   static double power( Page const & page, size_t at ) { return powerOf( word( page, at ) ); }
    [[nodiscard]] Vel::String text( size_t at, size_t width ) const {
       return { reinterpret_cast<char const *>( upper.data() ) + at, width };
    }
@@ -161,28 +137,20 @@ struct Floor {
                none,
                none };
    }
-   [[nodiscard]] Answer answer() const {
+   [[nodiscard]] FourLanes answer() const {
       return { { text( 20, 16 ), text( 40, 16 ), text( 68, 16 ), text( 56, 2 ), text( 84, 8 ) },
                mediaType(),
                { domInfo( 0 ), domInfo( 1 ), domInfo( 2 ), domInfo( 3 ) },
                domThreshold() };
    }
 
-   static constexpr double none = -std::numeric_limits<double>::infinity();
    Page lower, upper, page03h;
 };
 
-template <typename Subject>
-void read( benchmark::State & state ) {
-   auto const subject = std::make_unique<Subject>();
-   if ( subject->answer() != Model().answer() ) {
-      state.SkipWithError( "the answers differ" );
-   }
-   measure( state, [&] { benchmark::DoNotOptimize( subject->answer() ); } );
-}
-
 Figure const figure{
-   "qsfp-status/four-lanes", { 1.15, 0 }, { { "model", read<Model> }, { "floor", read<Floor> } } };
+   "qsfp-status/four-lanes",
+   { 1.15, 0 },
+   { { "model", readFourLanes<Model, Model> }, { "floor", readFourLanes<Model, Floor> } } };
 
 } // namespace
 } // namespace Bench

@@ -65,7 +65,7 @@ bool CfpMsaMisIdEepromContents::holds( Access const & access, uint8_t lane ) con
    CfpMsaMisMemoryTable const * found = table( place.table );
    FieldDescriptor field = place.field;
    field.address = static_cast<uint16_t>( field.address + lane );
-   return place.modules != noCfpModules && found && found->holds( field );
+   return place.modules != noCfpModules && found && found->holds( field, place.kind );
 }
 
 std::string_view CfpMsaMisIdEepromContents::view( Access const & access ) const {
@@ -221,7 +221,6 @@ uint8_t CfpMsaMisIdEepromContents::checksum( CfpMsaMisTableId tableId ) const {
 
 bool CfpMsaMisIdEepromContents::checksumValid( CfpMsaMisTableId tableId ) const {
    VEL_TRACE_SCOPE( trace );
-   // What cannot be read counts as 0; only a table that is not there at all is never valid.
    return checksumRange( tableId ) && table( tableId ) &&
           checksumCalculated( tableId ) == checksum( tableId );
 }

@@ -50,11 +50,14 @@ PageView identityOf( Contents const & contents ) {
    CfpMsaMisMemoryTable const * table = contents.table( table8000 );
    return table ? table->bytesFrom( cfpIdentity ) : std::string_view();
 }
+/// Where a register lies in it.
+constexpr uint32_t identityAt( Access const & access ) {
+   return access.places[0].field.address - uint32_t{ cfpIdentity };
+}
 /// A register of a byte in it.
 [[gnu::always_inline]] inline uint8_t identityField( PageView identity, Access const & access ) {
    FieldDescriptor const field = access.places[0].field;
-   return static_cast<uint8_t>( identity.u8( field.address - uint32_t{ cfpIdentity } ) >>
-                                   field.offset &
+   return static_cast<uint8_t>( identity.u8( identityAt( access ) ) >> field.offset &
                                 ( ( 1u << field.width ) - 1 ) );
 }
 
@@ -63,8 +66,9 @@ bool isCoherent( MediaType type ) {
 }
 
 /// A count of lanes in four bits, of which 0 means 16; none of a module whose count was not read.
-[[gnu::always_inline]] inline uint8_t laneCount( Contents const & contents, uint8_t count ) {
-   return count == 0 && contents.holds( access( "networkLanes" ) ) ? Contents::lanes : count;
+[[gnu::always_inline]] inline uint8_t laneCount( PageView identity, Access const & access ) {
+   uint8_t const count = identityField( identity, access );
+   return count == 0 && identity.has( identityAt( access ), 1 ) ? Contents::lanes : count;
 }
 
 } // namespace
@@ -142,24 +146,23 @@ bool Cfp2NewStatus::isSupportedMediaType( MediaType type ) const {
 
 uint8_t Cfp2NewStatus::networkLanes() const {
    VEL_TRACE_SCOPE( trace );
-   Contents const & contents = contentsInEffect( *this );
-   return laneCount( contents, contents.networkLanes() );
+   return laneCount( identityOf( contentsInEffect( *this ) ), access( "networkLanes" ) );
 }
 
 Capabilities Cfp2NewStatus::capabilities() const {
    VEL_TRACE_SCOPE( trace );
-   Contents const & contents = contentsInEffect( *this );
+   PageView const identity = identityOf( contentsInEffect( *this ) );
    Capabilities result;
-   result.maxChannelsIs( laneCount( contents, contents.hostLanes() ) );
+   result.maxChannelsIs( laneCount( identity, access( "hostLanes" ) ) );
    if ( isCoherent( mediaType() ) ) {
       result.tunableWavelengthIs( true );
       result.configurableTxPowerIs( true );
-      result.lineSideChannelsIs( networkLanes() );
+      result.lineSideChannelsIs( laneCount( identity, access( "networkLanes" ) ) );
    }
    return result;
 }
 
-uint32_t Cfp2NewStatus::bitrate() const {
+uint8_t Cfp2NewStatus::bitrate() const {
    VEL_TRACE_SCOPE( trace );
    return contentsInEffect( *this ).networkLaneBitRateMax();
 }
@@ -194,17 +197,18 @@ Units::Decibels Cfp2NewStatus::electricalPathAttenuation() const {
 
 namespace {
 
-uint8_t networkLanesOf( PageView identity ) {
-   uint8_t const count = identityField( identity, access( "networkLanes" ) );
-   constexpr uint32_t at =
-      access( "networkLanes" ).places[0].field.address - uint32_t{ cfpIdentity };
-   return count == 0 && identity.has( at, 1 ) ? Contents::lanes : count;
-}
-
 bool monitorsValid( Cfp2NewStatus const & status, PageView identity, LaneId lane ) {
    return status.presence() == xcvrPresent &&
           status.lastDomUpdateTime() > status.lastPresenceChange() &&
-          lane.value() < networkLanesOf( identity );
+          lane.value() < laneCount( identity, access( "networkLanes" ) );
+}
+
+/// What a whole register says; minus infinity unless it was read.
+template <typename Decode>
+[[gnu::always_inline]] inline double decoded( CfpMsaMisMemoryTable const * table, uint16_t address,
+                                              Decode const & decode ) {
+   std::optional<uint16_t> const raw = table ? table->word( address ) : std::nullopt;
+   return raw ? decode( *raw ) : unreadable;
 }
 
 /// A monitor of a lane; minus infinity unless the module has it and its register was read. Where that
@@ -213,13 +217,9 @@ template <Place place, typename Decode>
 [[gnu::always_inline]] inline double monitor( Contents const & contents, bool supported,
                                               Decode const & decode, uint8_t lane = 0 ) {
    static_assert( place.field.width == 16 );
-   CfpMsaMisMemoryTable const * table = contents.table( place.table );
-   if ( !supported || !table ) {
-      return unreadable;
-   }
-   std::optional<uint16_t> const raw =
-      table->word( static_cast<uint16_t>( place.field.address + lane ) );
-   return raw ? decode( *raw ) : unreadable;
+   return supported ? decoded( contents.table( place.table ),
+                               static_cast<uint16_t>( place.field.address + lane ), decode )
+                    : unreadable;
 }
 
 double temperature( uint16_t raw ) {
@@ -313,7 +313,8 @@ DomAggPower Cfp2NewStatus::domAggPower() const {
    }
    bool const hasTx = c.txPowerSupported(), hasRx = c.rxPowerSupported();
    // Four numbers, each the sum of every fourth lane.
-   auto const sum = [count = networkLanesOf( identity )]( auto const & lanePower, uint8_t first ) {
+   uint8_t const count = laneCount( identity, access( "networkLanes" ) );
+   auto const sum = [count]( auto const & lanePower, uint8_t first ) {
       auto const of = [&]( unsigned lane ) {
          return lane < count ? lanePower( static_cast<uint8_t>( lane ) ) : unreadable;
       };
@@ -331,59 +332,34 @@ DomAggPower Cfp2NewStatus::domAggPower() const {
    } );
 }
 
-namespace {
-
-constexpr uint16_t thresholdsStart = access( "tempHighAlarm" ).places[0].field.address;
-constexpr size_t thresholdsLength =
-   access( "rxPowerLowAlarm" ).places[0].field.address + 2u - thresholdsStart;
-
-/// The threshold registers, of constant length so that reading them needs no checks; empty unless their
-/// table is one of bytes and holds all of them.
-PageView thresholdRegisters( Contents const & contents ) {
-   CfpMsaMisMemoryTable const * table = contents.table( table8080 );
-   if ( !table || table->registerWidth() == 16 ) {
-      return std::string_view();
-   }
-   PageView const bytes = table->bytesFrom( thresholdsStart );
-   return bytes.has( 0, thresholdsLength ) ? bytes.first( thresholdsLength ) : std::string_view();
-}
-
-} // namespace
-
 bool Cfp2NewStatus::domThresholdValid() const {
    VEL_TRACE_SCOPE( trace );
    // The thresholds are constants of the module, which the agent reads with the identification
    // tables: idEepromValid says that this was done.
+   Contents const & c = contentsInEffect( *this );
    return presence() == xcvrPresent && lastDomThresholdsUpdateTime() > 0 && idEepromValid() &&
-          !thresholdRegisters( contentsInEffect( *this ) ).empty();
+          c.holds( access( "tempHighAlarm" ) ) && c.holds( access( "rxPowerLowAlarm" ) );
 }
 
 DomThreshold Cfp2NewStatus::domThreshold() const {
    VEL_TRACE_SCOPE( trace );
    Contents const & c = contentsInEffect( *this );
-   PageView const all = thresholdRegisters( c );
-   if ( all.empty() ) {
-      return unreadableDomThreshold();
-   }
-   PageView const page = all.first( thresholdsLength );
+   CfpMsaMisMemoryTable const * table = c.table( table8080 );
    bool const cfpx = c.isIn( cfpxAndDcoModules );
-   auto const word = [page]( Access const & limit ) {
-      return page.u16be( limit.places[0].field.address - uint32_t{ thresholdsStart } );
+   auto const limit = [table]( Access const & a, auto const & decode ) {
+      return decoded( table, a.places[0].field.address, decode );
    };
-   auto const celsius = [&]( Access const & limit ) { return temperature( word( limit ) ); };
+   auto const celsius = [&]( Access const & a ) { return limit( a, temperature ); };
    // Of every module, although a CFPx and a CFP2-DCO have the monitor in other units: intended.
-   auto const voltage = [&]( Access const & limit ) {
-      return Contents::decodeVoltage( word( limit ) );
+   auto const voltage = [&]( Access const & a ) { return limit( a, Contents::decodeVoltage ); };
+   auto const txBias = [&]( Access const & a ) {
+      return cfpx ? limit( a, Contents::decodeTxBiasCfpx ) : limit( a, Contents::decodeTxBias );
    };
-   auto const txBias = [&]( Access const & limit ) {
-      return cfpx ? Contents::decodeTxBiasCfpx( word( limit ) )
-                  : Contents::decodeTxBias( word( limit ) );
-   };
-   auto const txLimit = [&]( Access const & limit ) {
-      return cfpx ? powerCfpx( word( limit ) ) : power( word( limit ) );
+   auto const txLimit = [&]( Access const & a ) {
+      return cfpx ? limit( a, powerCfpx ) : limit( a, power );
    };
    // In 0.1 µW even where the monitor is in 0.01 dBm: intended.
-   auto const rxLimit = [&]( Access const & limit ) { return power( word( limit ) ); };
+   auto const rxLimit = [&]( Access const & a ) { return limit( a, power ); };
    return { celsius( access( "tempHighAlarm" ) ),
             celsius( access( "tempLowAlarm" ) ),
             celsius( access( "tempHighWarn" ) ),
@@ -473,14 +449,15 @@ uint32_t firstFrequency( Contents const & c ) {
           c.u16( access( "minFrequencyGHz" ) ) * 50u;
 }
 
-/// Of the codes in bits 15-13 of the channel register, MHz; 0 for a code that is none.
+/// Of the codes in bits 15-13 of the channel register, MHz; 0 for a code that is none. The order from
+/// wide to narrow is the usual one, which no public document confirms.
 uint32_t gridOfCode( unsigned code ) {
    constexpr uint32_t grids[] = { 100000, 50000, 33000, 25000, 12500, 6250 };
    return code < std::size( grids ) ? grids[code] : 0;
 }
 
 /// Counted from the module's first frequency; 0 for none.
-uint32_t channelIn( uint16_t txChannel ) {
+uint16_t channelIn( uint16_t txChannel ) {
    return txChannel & 0x3ffu;
 }
 
@@ -491,7 +468,7 @@ int16_t powerCode( double dBm ) {
 
 } // namespace
 
-uint32_t Cfp2NewStatus::hwChannel() const {
+uint16_t Cfp2NewStatus::hwChannel() const {
    VEL_TRACE_SCOPE( trace );
    return channelIn( contentsInEffect( *this ).txChannel() );
 }

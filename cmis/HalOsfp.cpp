@@ -140,6 +140,8 @@ class Page {
       }
       std::memset( bytes_ + whole, 0, sizeof bytes_ - whole );
    }
+   /// A page that is not there.
+   explicit Page( OsfpEepromParser const & parser ) : hold_( parser ), size_( 0 ), bytes_{} {}
    Page( Page const & ) = delete;
    Page & operator=( Page const & ) = delete;
 
@@ -191,6 +193,52 @@ uint32_t laneCodes( Page const & page, MemoryField const & field ) {
 /// long as the descriptor is the same, they are too.
 OsfpApplication withDescriptor( OsfpApplication const & before, uint32_t descriptor ) {
    return before.value() == descriptor ? before : OsfpApplication( descriptor, 0 );
+}
+
+/// What the module has, as page 01h says.
+void advertisementIs( Decoded & to, Page const & page ) {
+   uint8_t const amplitudeAndEq = page.u8( row( "rxAmplitudeAndMaxTxEq" ) );
+   to.implRxOutputAmplitudeCodeIs( amplitudeAndEq >> 4 );
+   to.maxTxInputEqualizationIs( amplitudeAndEq & 0xf );
+   uint8_t const emphasis = page.u8( row( "maxRxEmphasis" ) );
+   to.maxRxOutputPostEmphasisIs( emphasis >> 4 );
+   to.maxRxOutputPreEmphasisIs( emphasis & 0xf );
+   to.implSignalIntegrityControlIs( page.u16( row( "implSignalIntegrityControl" ) ) );
+   to.implControlsAdvertisementIs( page.u16( row( "implControlsAdvertisement" ) ) );
+   to.implFlagsAdvertisementIs( page.u16( row( "implFlagsAdvertisement" ) ) );
+   to.implMonitorsAdvertisementIs(
+      OsfpImplMonitorsAdvertisement( page.u16( row( "implMonitorsAdvertisement" ) ) ) );
+}
+
+/// The keys of the applications of page 01h.
+constexpr uint8_t firstKeyOf01h = 9, lastKeyOf01h = 15;
+
+/// The media lanes of all applications: `lanes` gives those of the one with a select code, and by 0
+/// those of what says the module's type.
+template <typename Lanes>
+void mediaLanesIs( Decoded & to, Lanes const & lanes ) {
+   auto const assigned = [&]( OsfpApplication application, uint8_t index ) {
+      application.mediaLaneAssignmentIs( lanes( index ) );
+      return application;
+   };
+   to.moduleTypeIdentifierIs( assigned( to.moduleTypeIdentifier(), 0 ) );
+   for ( uint8_t key = 1; key <= lastKeyOf01h; ++key ) {
+      if ( OsfpApplication const * application = to.applicationMap().find( key ) ) {
+         to.applicationIs( key, assigned( *application, key ) );
+      }
+   }
+}
+
+/// Takes away what page 01h of a former module said, in a module that has none.
+void upperPage01Del( Decoded & to, Page const & nothing ) {
+   advertisementIs( to, nothing );
+   for ( uint8_t key = firstKeyOf01h; key <= lastKeyOf01h; ++key ) {
+      to.applicationDel( key );
+   }
+   mediaLanesIs( to, []( uint8_t ) { return uint8_t{ 0 }; } );
+   to.checksumDel( OsfpPage::upperPage01 );
+   to.checksumCalculatedDel( OsfpPage::upperPage01 );
+   to.checksumValidDel( OsfpPage::upperPage01 );
 }
 
 /// The applications of a list, under keys from `firstKey` on. The list ends early at a descriptor that
@@ -257,6 +305,9 @@ void OsfpEepromParser::parseLowerPage() {
    to.moduleTypeIdentifierIs(
       withDescriptor( to.moduleTypeIdentifier(), page.u32( list.value( 0 ).addr() ) ) );
    applicationsIs( to, page, list, 1 );
+   if ( to.flatMem() ) {
+      upperPage01Del( to, Page( *this ) );
+   }
    to.detectedMediaTypeIs( to.moduleTypeIdentifier().mediaType( to.moduleType() ) );
 }
 
@@ -287,37 +338,17 @@ void OsfpEepromParser::parseUpperPage01() {
    VEL_TRACE_SCOPE( trace );
    Page const page( *this, OsfpBank::bankNa, OsfpPage::upperPage01 );
    Decoded & to = *parsedEeprom_;
-   uint8_t const amplitudeAndEq = page.u8( row( "rxAmplitudeAndMaxTxEq" ) );
-   to.implRxOutputAmplitudeCodeIs( amplitudeAndEq >> 4 );
-   to.maxTxInputEqualizationIs( amplitudeAndEq & 0xf );
-   uint8_t const emphasis = page.u8( row( "maxRxEmphasis" ) );
-   to.maxRxOutputPostEmphasisIs( emphasis >> 4 );
-   to.maxRxOutputPreEmphasisIs( emphasis & 0xf );
-   to.implSignalIntegrityControlIs( page.u16( row( "implSignalIntegrityControl" ) ) );
-   to.implControlsAdvertisementIs( page.u16( row( "implControlsAdvertisement" ) ) );
-   to.implFlagsAdvertisementIs( page.u16( row( "implFlagsAdvertisement" ) ) );
-   to.implMonitorsAdvertisementIs(
-      OsfpImplMonitorsAdvertisement( page.u16( row( "implMonitorsAdvertisement" ) ) ) );
-
+   advertisementIs( to, page );
    OsfpApplicationAddress const list( OsfpPage::upperPage01, address( row( "application9" ) ), 7 );
-   constexpr uint8_t firstKey = 9, lastKey = 15;
-   applicationsIs( to, page, list, firstKey );
+   applicationsIs( to, page, list, firstKeyOf01h );
 
    // The application with select code k takes the byte at 176 + k, though the standard gives it the
    // one at 176 + k - 1, where only the module type, which is application 1, is read from. Intended:
    // all that handles media lanes is settled on it. Leave both as they are.
    OsfpMediaLaneAssignmentAddress const assignments( OsfpBank::bankNa, OsfpPage::upperPage01,
                                                      address( row( "mediaLaneAssignment" ) ), 1 );
-   auto const assigned = [&]( OsfpApplication application, uint8_t index ) {
-      application.mediaLaneAssignmentIs( page.u8( assignments.value( index ).addr() ) );
-      return application;
-   };
-   to.moduleTypeIdentifierIs( assigned( to.moduleTypeIdentifier(), 0 ) );
-   for ( uint8_t key = 1; key <= lastKey; ++key ) {
-      if ( OsfpApplication const * application = to.applicationMap().find( key ) ) {
-         to.applicationIs( key, assigned( *application, key ) );
-      }
-   }
+   mediaLanesIs( to,
+                 [&]( uint8_t index ) { return page.u8( assignments.value( index ).addr() ); } );
    checksumIs( to, OsfpPage::upperPage01, page, row( "checksumUpperPage01" ), 2 );
 }
 

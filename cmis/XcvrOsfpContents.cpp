@@ -51,15 +51,24 @@ constexpr Section sections[] = {
    { CmisTable::p10h, OsfpBank::bank0, OsfpPage::upperPage10 },
    { CmisTable::p11h, OsfpBank::bank0, OsfpPage::upperPage11 },
 };
+constexpr Section const * pagesOfPagedMemory = sections + 2;
 
-/// The page of a field; empty when it was not read.
+PageView pageOf( OsfpRawEepromContents const & raw, Section const & section ) {
+   auto const page = raw.memoryMap().find( OsfpBankAndPage( section.bank, section.page ) );
+   return page != raw.memoryMap().end() ? page->second.view() : std::string_view();
+}
+
+/// The page of a field; empty when it was not read. A module with flat memory has no pages but the
+/// first two, whatever was read there.
 PageView pageOf( OsfpRawEepromContents const & raw, MemoryField const & field ) {
+   constexpr MemoryBitPlace flat =
+      findMemoryBit( CmisTable::row( "memoryAndSpeed" ), "flat memory" );
    auto const section = std::ranges::find( sections, field.page, &Section::label );
-   if ( section == std::end( sections ) ) {
+   if ( section == std::end( sections ) ||
+        ( section >= pagesOfPagedMemory && pageOf( raw, sections[0] ).bit( flat ) ) ) {
       return std::string_view();
    }
-   auto const page = raw.memoryMap().find( OsfpBankAndPage( section->bank, section->page ) );
-   return page != raw.memoryMap().end() ? page->second.view() : std::string_view();
+   return pageOf( raw, *section );
 }
 
 } // namespace

@@ -57,9 +57,6 @@ void CmisStatus::parseEeprom() {
    if ( pages.has( row( "identifierExtended" ) ) ) {
       parser->parseUpperPage00();
    }
-   if ( parser->parsedEeprom()->flatMem() ) {
-      return;
-   }
    if ( pages.has( row( "hardwareRevisionMajor" ) ) ) {
       parser->parseUpperPage01();
    }
@@ -287,11 +284,12 @@ DomThreshold CmisStatus::domThreshold() const {
 
 TuningValue CmisStatus::tuningValue( LaneId lane,
                                      OsfpDecodedEepromContents::LaneCodes const & codes ) const {
-   if ( lane.value() >= osfpLanes || !codes.contains( ChannelId( lane.value() ) ) ) {
+   constexpr MemoryField controlSet = row( "activeControlSet" );
+   if ( lane.value() >= osfpLanes || !codes.contains( ChannelId( lane.value() ) ) ||
+        !raw().has( controlSet ) ) {
       return {};
    }
    // From the page: a replica has no parser that ran.
-   constexpr MemoryField controlSet = row( "activeControlSet" );
    Vel::String const page = raw().memory( { OsfpBank::bank0, OsfpPage::upperPage11 } );
    bool const explicitControl = PageView( page.view() ).u8( controlSet.at + lane.value() ) & 1;
    return { true, codes.at( ChannelId( lane.value() ) ), !explicitControl };

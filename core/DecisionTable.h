@@ -8,8 +8,8 @@
 // matches decides.
 namespace Xcvr {
 
-/// The first rule that matches. The last rule has to match always. The table is a template argument,
-/// so every predicate is called directly and inlined: as fast as a chain of ifs.
+/// The first rule that matches. The last rule has to match always. The table is a template
+/// argument, so every predicate is called directly and inlined: as fast as a chain of ifs.
 template <auto const & rules, typename Subject, std::size_t... i>
 constexpr auto const & firstMatch( Subject subject, std::index_sequence<i...> ) {
    auto const * matched = &rules[sizeof...( i ) - 1];

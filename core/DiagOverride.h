@@ -19,8 +19,8 @@ template <typename Config>
    return static_cast<Diag const *>( nullptr );
 }
 
-/// What a status decodes: the contents of an active override, else what was read. Here rather than in
-/// an operation of the status, since an exported one is not inlined into its callers.
+/// What a status decodes: the contents of an active override, else what was read. Here rather than
+/// in an operation of the status, since an exported one is not inlined into its callers.
 template <typename Status>
 [[gnu::always_inline]] inline auto const & contentsOf( Status const & status ) {
    auto const * config = status.xcvrConfig();

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <limits>
 
-// The arithmetic of monitoring registers, inlined into what decodes many of them at once. The public
-// form, byte by byte, is <Xcvr/XcvrDomDecoders.h>.
+// The arithmetic of monitoring registers, inlined into what decodes many of them at once. The
+// public form, byte by byte, is <Xcvr/XcvrDomDecoders.h>.
 namespace Xcvr::DomCodes {
 
 /// External calibration of a raw reading. The default is internal calibration: nothing left to do,
@@ -39,8 +39,8 @@ inline double txBias( double code ) {
    return code * 0.002;
 }
 
-/// Minus infinity for a negative reading and for what is no number: a power that cannot be is a power
-/// that cannot be read. Zero and plus infinity follow the formula.
+/// Minus infinity for a negative reading and for what is no number: a power that cannot be is a
+/// power that cannot be read. Zero and plus infinity follow the formula.
 inline double power( double code ) {
    if ( !( code >= 0 ) ) {
       return -std::numeric_limits<double>::infinity();
@@ -60,7 +60,8 @@ inline double power( uint16_t code ) {
    return known;
 }
 
-/// A 16-bit floating-point number: five bits of a decimal exponent, eleven of mantissa; 0 to 2.047e10.
+/// A 16-bit floating-point number: five bits of a decimal exponent, eleven of mantissa; 0 to
+/// 2.047e10.
 inline double f16( uint16_t code ) {
    return ( code & 0x7ff ) * std::pow( 10, ( code >> 11 ) - 24 );
 }

@@ -21,9 +21,17 @@ struct MediaTypePageRule {
    MediaType mediaType;
 };
 
-/// The rule that decides. The rules read nothing behind the first `length` bytes. A page that reaches
-/// so far is handed on with that length, a constant: the compiler then drops every bounds check of the
-/// predicates.
+// Of the first rule of a table, and of the last.
+constexpr bool isEmpty( PageView page ) {
+   return page.empty();
+}
+constexpr bool isAnything( PageView ) {
+   return true;
+}
+
+/// The rule that decides. The rules read nothing behind the first `length` bytes. A page that
+/// reaches so far is handed on with that length, a constant: the compiler then drops every bounds
+/// check of the predicates.
 template <auto const & rules, std::size_t length>
 constexpr MediaTypePageRule const & decisiveRule( PageView page ) {
    return page.has( 0, length ) ? firstMatch<rules>( page.first( length ) )

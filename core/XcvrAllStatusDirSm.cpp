@@ -22,10 +22,9 @@ std::string note( std::string_view text, Vel::String const & name ) {
 using Published = Vel::HashMap<Vel::Name, bool>;
 
 void publishedIs( Published & published, Vel::Name const & name, bool is ) {
-   auto const found = published.find( name );
-   if ( is && found == published.end() ) {
-      published.emplace( name, true );
-   } else if ( !is && found != published.end() ) {
+   if ( is ) {
+      published.try_emplace( name, true );
+   } else if ( auto const found = published.find( name ); found != published.end() ) {
       published.erase( found );
    }
 }

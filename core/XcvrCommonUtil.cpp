@@ -11,8 +11,8 @@ namespace {
 
 Vel::TraceHandle trace( "XcvrCommonUtil" );
 
-/// The decimal number at the start of a text, up to the first that is no digit; 0 when there is none.
-/// Beyond 32 bits it wraps.
+/// The decimal number at the start of a text, up to the first that is no digit; 0 when there is
+/// none. Beyond 32 bits it wraps.
 uint32_t leadingNumber( std::string_view text ) {
    uint32_t number = 0;
    for ( char c : text ) {

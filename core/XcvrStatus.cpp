@@ -30,14 +30,14 @@ Vel::TraceHandle trace( "Xcvr" );
 LaneStatus::LaneStatus( LaneId lane )
    : Vel::Entity( Vel::String( std::to_string( lane.value() ) ) ), lane_( lane ) {}
 
-// The neutral results of what a family does not supply. Each says its name in the trace but the last
-// two, on purpose: a family without tuning or enhanced monitors lacks nothing, neither where it is
-// asked directly nor where a grid or a tuning is resolved.
+// The neutral results of what a family does not supply. Each says its name in the trace but the
+// last two, on purpose: a family without tuning or enhanced monitors lacks nothing, neither where
+// it is asked directly nor where a grid or a tuning is resolved.
 // clang-format off
 #define MISSING() VEL_TRACE( trace, 8, __func__ )
 Capabilities XcvrNewStatus::capabilities() const { MISSING(); return {}; }
 VendorInfo XcvrNewStatus::vendorInfo() const { MISSING(); return {}; }
-uint32_t XcvrNewStatus::bitrate() const { MISSING(); return 0; }
+uint8_t XcvrNewStatus::bitrate() const { MISSING(); return 0; }
 MediaType XcvrNewStatus::mediaType() const { MISSING(); return xcvrUnknown; }
 MediaType XcvrNewStatus::detectedMediaType() const { MISSING(); return xcvrUnknown; }
 uint32_t XcvrNewStatus::laserWavelength() const { MISSING(); return 0; }
@@ -58,7 +58,7 @@ TuningValue XcvrNewStatus::rxOutputAmplitude( LaneId ) const { MISSING(); return
 TuningValue XcvrNewStatus::rxOutputPreEmphasis( LaneId ) const { MISSING(); return {}; }
 TuningValue XcvrNewStatus::txInputEqualization( LaneId ) const { MISSING(); return {}; }
 Units::Decibels XcvrNewStatus::electricalPathAttenuation() const { MISSING(); return Units::Decibels( unreadable ); }
-uint32_t XcvrNewStatus::hwChannel() const { MISSING(); return 0; }
+uint16_t XcvrNewStatus::hwChannel() const { MISSING(); return 0; }
 bool XcvrNewStatus::narrowBand() const { MISSING(); return false; }
 void XcvrNewStatus::capabilitiesIs( Capabilities const & ) { MISSING(); }
 void XcvrNewStatus::vendorInfoIs( VendorInfo const & ) { MISSING(); }

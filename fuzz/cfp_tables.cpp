@@ -2,12 +2,13 @@
 // first address, of any register width and length. An input is a row of tables, each of five bytes and
 // its contents: id, first address (high byte first; with bit 6 set the standard address and width of
 // the id), register width, and half the length. Whatever they hold, every operation answers within its bounds.
+#include "fuzz/Require.h"
+
 #include <Xcvr/XcvrCfp2.h>
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
 
@@ -15,12 +16,6 @@ namespace {
 
 using namespace Xcvr;
 using Contents = CfpMsaMisIdEepromContents;
-
-void require( bool condition ) {
-   if ( !condition ) {
-      std::abort();
-   }
-}
 
 class Input {
  public:
@@ -75,10 +70,7 @@ void checkPrimitives( Contents const & contents ) {
 }
 
 void checkMediaType( Contents const & contents ) {
-   MediaTypeDecision const decision = contents.mediaTypeDecision();
-   require( decision.rule < cfpMediaTypeRules().size() );
-   require( decision.mediaType == cfpMediaTypeRules()[decision.rule].mediaType );
-   require( contents.mediaType() == decision.mediaType );
+   requireMediaTypeOfARule( contents, cfpMediaTypeRules() );
 }
 
 void checkChecksums( Contents const & contents ) {

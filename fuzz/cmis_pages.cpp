@@ -1,24 +1,19 @@
 // The pages of a CMIS module as they come from a module, which may say anything: an input is the lower
 // page (128 bytes, or what there is) and behind it pages 00h, 01h, 02h, 10h and 11h. Whatever they hold,
 // every operation answers within its bounds.
+#include "fuzz/Require.h"
+
 #include <Vel/AttrLog.h>
 #include <Xcvr/XcvrOsfp.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
 
 namespace {
 
 using namespace Xcvr;
-
-void require( bool condition ) {
-   if ( !condition ) {
-      std::abort();
-   }
-}
 
 struct Place {
    OsfpBank bank;

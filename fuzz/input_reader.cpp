@@ -1,22 +1,17 @@
 // The tool's door for foreign bytes: whatever it is given, an input is refused with ImageError or
 // becomes an image whose pages keep their sizes and which survives being written and read again.
+#include "fuzz/Require.h"
 #include "tools/xcvr/ModuleImage.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 namespace {
 
 using namespace XcvrTool;
-
-void require( bool condition ) {
-   if ( !condition )
-      std::abort();
-}
 
 /// A part that tells what a module of a family is.
 struct Identification {

@@ -1,5 +1,7 @@
 // Logs into replicas: any bytes are refused or applied, what is applied can be copied on, and a fresh
 // image makes the replica equal to an original again.
+#include "fuzz/Require.h"
+
 #include <Vel/Dir.h>
 #include <Vel/Exception.h>
 #include <Vel/Flow.h>
@@ -8,15 +10,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace {
-
-void require( bool condition ) {
-   if ( !condition )
-      std::abort();
-}
 
 /// The image of an entity, whole.
 std::string image( Vel::Entity const & entity ) {

@@ -1,22 +1,14 @@
 // The state database's protocol: any bytes are taken, or end the session with one line that says why;
 // the tree that it serves stays what it was, but for what a peer may write.
+#include "fuzz/Require.h"
+
 #include <Statedb/Session.h>
 #include <Xcvr/XcvrDirs.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
-
-namespace {
-
-void require( bool condition ) {
-   if ( !condition )
-      std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput( uint8_t const * data, size_t size ) {
    using namespace Statedb;

@@ -1,15 +1,15 @@
 // The memory of an SFP as it comes from a module, which may say anything: an input is page A0h (256
 // bytes, or what there is) and behind it page A2h. Whatever they hold, every operation answers within
 // its bounds.
+#include "fuzz/Require.h"
+
 #include <Vel/AttrLog.h>
 #include <Xcvr/XcvrDomDecoders.h>
 #include <Xcvr/XcvrSfpPlus.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -18,16 +18,6 @@ namespace {
 
 using namespace Xcvr;
 using Contents = XcvrSff8472IdEepromContents;
-
-void require( bool condition ) {
-   if ( !condition ) {
-      std::abort();
-   }
-}
-
-size_t widthOnPage( PageView page, size_t at, size_t width ) {
-   return page.size() > at ? std::min( width, page.size() - at ) : 0;
-}
 
 struct TextField {
    Vel::String ( Contents::*read )() const;
@@ -65,12 +55,8 @@ void checkChecksums( Contents contents ) {
 }
 
 void checkMediaType( Contents const & contents ) {
-   MediaTypeDecision const decision = contents.mediaTypeDecision();
-   require( decision.rule < sff8472MediaTypeRules().size() );
-   MediaTypeRule const & rule = sff8472MediaTypeRules()[decision.rule];
-   require( decision.mediaType == rule.mediaType && decision.why == rule.why );
-   require( contents.mediaType() == decision.mediaType );
-   require( contents.buf().empty() == ( decision.rule == 0 ) );
+   requireMediaTypeOfARule( contents, sff8472MediaTypeRules() );
+   require( contents.buf().empty() == ( contents.mediaTypeDecision().rule == 0 ) );
    static_cast<void>( contents.is1GConfigurable() );
    static_cast<void>( contents.laserWavelengthPrecision() );
    require( std::abs( contents.quorelAttnValue() ) <= 127.5 );

@@ -1,19 +1,15 @@
 // The parser of string forms: any text is refused with a place inside it, or is a value that prints
 // and reads back as itself.
+#include "fuzz/Require.h"
+
 #include <Vel/StringForm.h>
 #include <Xcvr/XcvrTypes.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 namespace {
-
-void require( bool condition ) {
-   if ( !condition )
-      std::abort();
-}
 
 template <typename T>
 T read( Vel::String const & form ) {

@@ -1,19 +1,15 @@
 // The reader of attribute logs: any bytes are refused without a step forward, or hold a value that
 // writes the bytes it was read from.
+#include "fuzz/Require.h"
+
 #include <Vel/AttrLogCodec.h>
 #include <Xcvr/XcvrTypes.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 namespace {
-
-void require( bool condition ) {
-   if ( !condition )
-      std::abort();
-}
 
 template <typename T>
 void decodeAs( std::string_view bytes ) {

@@ -50,9 +50,6 @@ constexpr bool hasCode( PageView page ) {
    return page.bit( extendedCompliance ) && ( ( code == codes ) || ... );
 }
 
-constexpr bool isEmpty( PageView page ) {
-   return page.empty();
-}
 constexpr bool isNotQsfp( PageView page ) {
    uint8_t const code = identifier( page );
    return code != identifierQsfp && code != identifierQsfpPlus && code != identifierQsfp28;
@@ -99,8 +96,8 @@ constexpr bool isCr4OfBothRates( PageView page ) {
 constexpr bool is40GActive( PageView page ) {
    return page.bit( activeCable );
 }
-/// Two wavelengths over one pair of multimode fibres: a module without a compliance bit, known by its
-/// retimers and its rate of 20.6 GBd.
+/// Two wavelengths over one pair of multimode fibres: a module without a compliance bit, known by
+/// its retimers and its rate of 20.6 GBd.
 constexpr bool is40GBidi( PageView page ) {
    return page.u8( row( "compliance" ).at ) == 0 && page.bit( txCdr ) && page.bit( rxCdr ) &&
           page.u8( row( "bitrateNominal" ).at ) == 206;
@@ -157,9 +154,6 @@ constexpr bool is100GCopper( PageView page ) {
 }
 constexpr bool isQsfp28( PageView page ) {
    return identifier( page ) == identifierQsfp28;
-}
-constexpr bool isAnything( PageView ) {
-   return true;
 }
 
 // Tried from the top; the first that matches decides. The order matters: models speak first, then

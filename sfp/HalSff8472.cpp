@@ -4,6 +4,8 @@
 
 #include <Vel/Define.h>
 
+#include <iterator>
+
 namespace Xcvr {
 
 VEL_ENUM_DEFINE( Sff8472PageId )

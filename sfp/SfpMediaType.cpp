@@ -55,10 +55,6 @@ constexpr int16_t wavelength( PageView page ) {
    return page.s16be( row( "laserWavelengthInteger" ).at );
 }
 
-constexpr bool isEmpty( PageView page ) {
-   return page.empty();
-}
-
 /// Manufacturing test cables are known by vendor and part number, which are compared where they
 /// lie.
 constexpr bool isManufacturingCable( PageView page ) {
@@ -198,9 +194,6 @@ constexpr bool is10GActiveCable( PageView page ) {
 }
 constexpr bool is100Lx10( PageView page ) {
    return page.u8( row( "connector" ).at ) == connectorLc && page.bit( base100Lx10 );
-}
-constexpr bool isAnything( PageView ) {
-   return true;
 }
 
 // Tried from the top; the first that matches decides. The order matters: extended codes speak

@@ -112,6 +112,9 @@ using enum CfpRegisterKind;
 
 inline constexpr CfpRegister registers[] = {
    // name, table, { address, width, offset }, kind, modules, lanes, unit, scale, bits
+   //
+   // The units of fibre lengths, fine tuning and set power are the usual ones; no public document
+   // confirms them.
 
    // Identification.
    { "identifier", table8000, { 0x8000, 8, 0 }, byte },
@@ -222,7 +225,8 @@ inline constexpr CfpRegister registers[] = {
    { "txPowerCfpx", tableB480, { 0xB4A0, 16, 0 }, signedWord, allCfpModules, 16, "dBm", 0.01 },
    { "rxPowerCfpx", tableB480, { 0xB4E0, 16, 0 }, signedWord, allCfpModules, 16, "dBm", 0.01 },
 
-   // The line of a CFP2-DCO. Values whose unit no public standard confirms have none.
+   // The line of a CFP2-DCO. Units here are those of the same quantities in CMIS, since no public
+   // document has any for these registers; what CMIS lacks has none.
    { "rxChromDispersionHigh", tableB800, { 0xB800, 16, 0 }, word },
    { "rxChromDispersionLow", tableB800, { 0xB810, 16, 0 }, word }, // not adjacent: intended
    { "rxDiffGroupDelay", tableB880, { 0xB880, 16, 0 }, word },
@@ -275,6 +279,7 @@ struct Place {
    CfpMsaMisTableId table = tableInvalid;
    FieldDescriptor field = {};
    CfpModules modules = noCfpModules;
+   CfpRegisterKind kind = CfpRegisterKind::byte;
 };
 
 /// The places of a register: one or two.
@@ -299,7 +304,7 @@ consteval Access access( std::string_view name ) {
    size_t count = 0;
    for ( CfpRegister const & row : registers ) {
       if ( row.name == name ) {
-         result.places[count++] = { row.table, row.field, row.modules };
+         result.places[count++] = { row.table, row.field, row.modules, row.kind };
          result.name = row.name;
          result.lanes = row.lanes;
       }

@@ -4,7 +4,6 @@
 #include <Xcvr/XcvrMemoryMap.h>
 
 #include <cstdint>
-#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -453,7 +452,12 @@ inline constexpr MemoryCondition conditions[] = {
    { lower, 20, 21, "implMonitorsAdvertisement", "aux 2" },
    { lower, 22, 23, "implMonitorsAdvertisement", "aux 3" },
    { lower, 24, 25, "implMonitorsAdvertisement", "custom" },
-   { p02h, 0, 7, "implMonitorsAdvertisement", "temperature" },
+   { p02h, 0, 3, "implMonitorsAdvertisement", "temperature" },
+   // On these bytes lie the voltage's warnings too.
+   { p02h, 4, 4, "implMonitorsAdvertisement", "temperature", 0, false, "tempHighWarn" },
+   { p02h, 6, 6, "implMonitorsAdvertisement", "temperature", 0, false, "tempLowWarn" },
+   { p02h, 4, 4, "implMonitorsAdvertisement", "supply voltage", 0, false, "voltageHighWarn" },
+   { p02h, 6, 6, "implMonitorsAdvertisement", "supply voltage", 0, false, "voltageLowWarn" },
    { p02h, 8, 15, "implMonitorsAdvertisement", "supply voltage" },
    { p02h, 16, 23, "implMonitorsAdvertisement", "aux 1" },
    { p02h, 24, 31, "implMonitorsAdvertisement", "aux 2" },
@@ -466,6 +470,7 @@ inline constexpr MemoryCondition conditions[] = {
    { p10h, 2, 2, "implControlsAdvertisement", "Tx output disable" },
    { p10h, 3, 3, "implControlsAdvertisement", "Tx auto squelch disable" },
    { p10h, 4, 4, "implControlsAdvertisement", "Tx force squelch" },
+   { p10h, 6, 6, "implSignalIntegrityControl", "Tx EQ freeze" },
    { p10h, 9, 9, "implControlsAdvertisement", "Rx polarity flip" },
    { p10h, 10, 10, "implControlsAdvertisement", "Rx output disable" },
    { p10h, 11, 11, "implControlsAdvertisement", "Rx auto squelch disable" },
@@ -500,8 +505,7 @@ inline constexpr MemoryCondition conditions[] = {
 
 /// The row of that name; a name that the table lacks does not compile.
 consteval MemoryField const & row( std::string_view name ) {
-   size_t const index = memoryFieldIndex( fields, name );
-   return index < std::size( fields ) ? fields[index] : throw "no such field";
+   return memoryField( fields, name );
 }
 
 /// The address of a field as the standard's tables number it.
@@ -509,15 +513,9 @@ constexpr uint8_t address( MemoryField const & field ) {
    return static_cast<uint8_t>( field.at + ( field.page == lower ? 0 : pageSize ) );
 }
 
-/// The mask of a named bit in its field's number, highest byte first; a name that the table lacks does
-/// not compile.
+/// The mask of a named bit in its field's number; a name that the table lacks does not compile.
 consteval uint32_t mask( std::string_view field, std::string_view name ) {
-   for ( MemoryBit const & bit : row( field ).bits ) {
-      if ( bit.name == name ) {
-         return uint32_t{ 1 } << bit.bit;
-      }
-   }
-   throw "no such bit";
+   return memoryBitMask( row( field ), name );
 }
 
 } // namespace CmisTable

@@ -9,8 +9,8 @@
 #include <cstdint>
 
 // The memory of OSFP and QSFP-DD modules (CMIS): how its registers are addressed, and the registers
-// that hold a field for each lane. Lanes count from 0, as everywhere in this model; the standard counts
-// them from 1.
+// that hold a field for each lane. Lanes count from 0, as everywhere in this model; the standard
+// counts them from 1.
 namespace Xcvr {
 
 /// The identifiers (SFF-8024) that the system tells apart; any other prints as its number.
@@ -23,7 +23,8 @@ VEL_ENUM( OsfpSmbusSpeedReg,
    upto400kHz, upto1MHz );
 using enum OsfpSmbusSpeedReg;
 
-/// What a module is made for (lower page, byte 85); it says which table its media interface codes are of.
+/// What a module is made for (lower page, byte 85); it says which table its media interface codes
+/// are of.
 VEL_ENUM( OsfpModuleTypeEncoding,
    osfpTypeUndefined, osfpTypeOpticalMmf, osfpTypeOpticalSmf, osfpTypePassiveCu,
    osfpTypeActiveCable, osfpTypeBaseT );
@@ -168,8 +169,8 @@ class XCVR_API OsfpLaneBitmaskCtrlReg8 {
    }
 };
 
-/// A register with four bits for each lane: lane 0 in the lowest bits of the first byte, which is the
-/// least significant one of the image.
+/// A register with four bits for each lane: lane 0 in the lowest bits of the first byte, which is
+/// the least significant one of the image.
 class XCVR_API OsfpLaneBitmaskCtrlReg32 {
    VEL_VALUE( OsfpLaneBitmaskCtrlReg32,
       ( value, uint32_t ) );
@@ -192,7 +193,8 @@ class XCVR_API OsfpLaneBitmaskCtrlReg32 {
    }
 };
 
-/// Which monitors a module has (page 01h, bytes 159 and 160). The bits have names in the field table.
+/// Which monitors a module has (page 01h, bytes 159 and 160). The bits have names in the field
+/// table.
 class XCVR_API OsfpImplMonitorsAdvertisement {
    VEL_VALUE( OsfpImplMonitorsAdvertisement,
       ( value, uint16_t ) );

@@ -5,7 +5,6 @@
 #include <Xcvr/XcvrMemoryMap.h>
 
 #include <cstdint>
-#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -24,8 +23,8 @@ VEL_ENUM( Sff8436PageId,
    maxQsfpPages, sff8436PageInvalid );
 using enum Sff8436PageId;
 
-/// What a module's transmitter is (upper page 00h byte 147 bits 7-4). From `copperUnequalized` on the
-/// medium is copper.
+/// What a module's transmitter is (upper page 00h byte 147 bits 7-4). From `copperUnequalized` on
+/// the medium is copper.
 VEL_ENUM( Sff8436DeviceTechnology,
    vcsel850nm, vcsel1310nm, vcsel1550nm, fp1310nm, dfb1310nm, dfb1550nm, eml1310nm, eml1550nm,
    otherTechnology, dfb1490nm,
@@ -356,8 +355,8 @@ inline constexpr std::string_view upper20h = "20h";
 inline constexpr std::string_view upper21h = "21h";
 inline constexpr bool shared = true;
 
-// The number in a field times its scale is in its unit. Monitors are calibrated by the module. Fields
-// of four half bytes have one a lane, the first lane highest.
+// The number in a field times its scale is in its unit. Monitors are calibrated by the module.
+// Fields of four half bytes have one a lane, the first lane highest.
 inline constexpr MemoryField fields[] = {
    // name, page, first byte, width, kind, unit, scale, bits, shared
    { "lowerIdentifier", lower, 0, 1, u8 },
@@ -587,14 +586,12 @@ inline constexpr MemoryCondition conditions[] = {
 
 /// The row of that name; a name that the table lacks does not compile.
 consteval MemoryField const & row( std::string_view name ) {
-   size_t const index = memoryFieldIndex( fields, name );
-   return index < std::size( fields ) ? fields[index] : throw "no such field";
+   return memoryField( fields, name );
 }
 
 /// The place of a named bit of a field; a name that the table lacks does not compile.
 consteval MemoryBitPlace bit( std::string_view field, std::string_view name ) {
-   MemoryBitPlace const place = findMemoryBit( row( field ), name );
-   return place.mask ? place : throw "no such bit";
+   return memoryBit( row( field ), name );
 }
 
 } // namespace Sff8436Table

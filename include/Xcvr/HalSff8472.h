@@ -6,7 +6,6 @@
 #include <Xcvr/XcvrMemoryMap.h>
 
 #include <cstdint>
-#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -360,14 +359,12 @@ inline constexpr MemoryCondition conditions[] = {
 
 /// The row of that name; a name that the table lacks does not compile.
 consteval MemoryField const & row( std::string_view name ) {
-   size_t const index = memoryFieldIndex( fields, name );
-   return index < std::size( fields ) ? fields[index] : throw "no such field";
+   return memoryField( fields, name );
 }
 
 /// The place of a named bit of a field; a name that the table lacks does not compile.
 consteval MemoryBitPlace bit( std::string_view field, std::string_view name ) {
-   MemoryBitPlace const place = findMemoryBit( row( field ), name );
-   return place.mask ? place : throw "no such bit";
+   return memoryBit( row( field ), name );
 }
 
 } // namespace Sff8472Table

@@ -44,8 +44,8 @@ class XCVR_API SliceStatusSm : public Vel::PtrInterface {
    void handleInitialized();
    /// The handshake: publishes or withdraws all of the slice.
    void handleAgentStatusGenId();
-   /// An entry of the status directory has come or gone. One that goes is withdrawn at once; one that
-   /// comes is published by the next handshake.
+   /// An entry of the status directory has come or gone. One that goes is withdrawn at once; one
+   /// that comes is published by the next handshake.
    void handleXcvrStatusDir( Vel::Name const & name );
 
  private:
@@ -125,7 +125,8 @@ class XCVR_API AllStatusDirSm : public Vel::PtrInterface {
    void handleNewSlice( Vel::String const & sliceId );
    void handleBaseConfigDir( Vel::Name const & name );
    void handleEntryState( Vel::String const & sliceId );
-   /// The slice's entry in the status or the agents' directory has come, gone or become another one.
+   /// The slice's entry in the status or the agents' directory has come, gone or become another
+   /// one.
    void handleSlice( Vel::String const & sliceId );
 
  private:

@@ -58,10 +58,15 @@ class XCVR_API CfpMsaMisMemoryTable : public Vel::Entity {
       size_t const at = distance( address );
       return at < bytes.size() ? bytes.substr( at ) : std::string_view();
    }
-   /// Whether the contents hold a byte or word of a register.
-   [[nodiscard]] bool holds( FieldDescriptor field ) const {
-      bool const word = field.width == 16 || registerWidth() == 16;
-      return size_t{ byteOf( field.address ) } + word < contents().size();
+   /// Whether a word of this table can have such a field: one of bytes is read in whole words only.
+   [[nodiscard]] bool fitsWord( FieldDescriptor field ) const {
+      return registerWidth() == 16 ? field.width <= 16 : field.width == 16;
+   }
+   /// Whether the number in a field can be read as a byte or as a word, whichever the kind is.
+   [[nodiscard]] bool holds( FieldDescriptor field, CfpRegisterKind kind ) const {
+      return kind == CfpRegisterKind::byte
+                ? field.width <= 8 && distance( field.address ) < contents().size()
+                : fitsWord( field ) && word( field.address ).has_value();
    }
    /// The characters of a text field, as getStringFromU8Table says, in place.
    [[nodiscard]] std::string_view text( FieldDescriptor field ) const {
@@ -117,11 +122,11 @@ getU16FromTable( FieldDescriptor field, CfpMsaMisMemoryTable const * table ) {
    if ( bytes.empty() ) [[unlikely]] {
       return 0;
    }
-   bool const words = table->registerWidth() == 16;
-   if ( words ? field.width > 16 : field.width != 16 ) [[unlikely]] {
+   if ( !table->fitsWord( field ) ) [[unlikely]] {
       traceCfpUnreadable( __func__, "not a field of this table" );
       return 0;
    }
+   bool const words = table->registerWidth() == 16;
    uint16_t const at = table->byteOf( field.address );
    // Of a table of odd length the last byte is no register.
    if ( at >= bytes.size() - words ) [[unlikely]] {
@@ -166,7 +171,8 @@ getStringFromU8Table( FieldDescriptor field, Vel::Ptr<CfpMsaMisMemoryTable const
 ///
 /// Nothing here fails: what cannot be read is 0, false or empty, and traced. Where a register lies
 /// and which modules have it says its row in the register table; numbers are raw, and the decoders
-/// below say in which unit.
+/// below say in which unit. The units of fibre lengths, start-up times, fine tuning and set power are the
+/// usual ones; no public document confirms them.
 class XCVR_API CfpMsaMisIdEepromContents : public Vel::Entity {
  public:
    explicit CfpMsaMisIdEepromContents( Vel::Name name ) : Vel::Entity( std::move( name ) ) {}
@@ -382,8 +388,8 @@ class XCVR_API CfpMsaMisIdEepromContents : public Vel::Entity {
    static double decodeAttenuation( uint16_t raw ) { return raw * 0.01; }
 
    // Checksums: of tables 8000h, 8080h, 8100h and 8180h; of any other, and of one that is not there, 0
-   // and not valid. A short table is summed as far as it reaches; it is valid only if the stored sum
-   // can be read. The one of table 8100h is stored in the first register of table 8180h.
+   // and not valid. A short table is summed as far as it reaches, and a stored sum that cannot be read
+   // counts as 0. The one of table 8100h is stored in the first register of table 8180h.
 
    uint8_t checksumCalculated( CfpMsaMisTableId tableId ) const;
    uint8_t checksum( CfpMsaMisTableId tableId ) const;
@@ -396,7 +402,7 @@ class XCVR_API CfpMsaMisIdEepromContents : public Vel::Entity {
 
    /// Whether the module is one of these.
    bool isIn( CfpModules modules ) const { return modules & cfpModulesOf( identifier() ); }
-   /// Whether a register can be read: the module has it, in a table that was read so far.
+   /// Whether the number in a register can be read: the module has it, in a table that was read so far.
    bool holds( CfpTable::Access const & access, uint8_t lane = 0 ) const;
    /// The characters of a text, in place.
    std::string_view view( CfpTable::Access const & access ) const;

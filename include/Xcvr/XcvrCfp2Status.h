@@ -71,7 +71,7 @@ class XCVR_API Cfp2NewStatus : public XcvrNewStatus {
    /// Texts with their padding.
    [[nodiscard]] VendorInfo vendorInfo() const override;
    /// Of one network lane, in 0.2 Gb/s; 0 of a CFPx.
-   [[nodiscard]] uint32_t bitrate() const override;
+   [[nodiscard]] uint8_t bitrate() const override;
    [[nodiscard]] MediaType mediaType() const override;
    [[nodiscard]] MediaType detectedMediaType() const override;
    [[nodiscard]] uint32_t laserWavelength() const override;
@@ -81,13 +81,15 @@ class XCVR_API Cfp2NewStatus : public XcvrNewStatus {
    [[nodiscard]] DomInfo domInfo( LaneId lane ) const override;
    /// The sum of the lanes.
    [[nodiscard]] DomAggPower domAggPower() const override;
+   /// The module is there, and all of its thresholds were read.
    [[nodiscard]] bool domThresholdValid() const override;
-   /// The thresholds in the module's memory, valid or not.
+   /// The thresholds in the module's memory, valid or not; minus infinity each whose register was not
+   /// read.
    [[nodiscard]] DomThreshold domThreshold() const override;
    [[nodiscard]] DomCapabilities domCapabilities() const override;
    /// The tables that were read, by their ids. The size of one beyond 64 KiB is given as 65535.
    [[nodiscard]] EepromDescriptor idEepromInfo() const override;
-   /// Classes 1 to 4; one above has its power in a register of its own.
+   /// Bits 7-6 of the extended identifier as classes 1 to 4, a place that no public document confirms.
    [[nodiscard]] PowerClass powerClass() const override;
    /// `page` is the id of a table, which is made with its standard address and width when it is not
    /// there; one that is no table is traced and changes nothing.
@@ -98,7 +100,7 @@ class XCVR_API Cfp2NewStatus : public XcvrNewStatus {
    [[nodiscard]] TuningValue txInputEqualization( LaneId lane ) const override;
    /// 0: the family has no copper cables.
    [[nodiscard]] Units::Decibels electricalPathAttenuation() const override;
-   [[nodiscard]] uint32_t hwChannel() const override;
+   [[nodiscard]] uint16_t hwChannel() const override;
    /// Channels count from the base of the C band, as in every family; the module's own count from
    /// its first frequency.
    [[nodiscard]] TuningCapabilities tuningCapabilities() const override;
@@ -108,7 +110,8 @@ class XCVR_API Cfp2NewStatus : public XcvrNewStatus {
    /// As `SfpNewStatus` has them.
    [[nodiscard]] Vel::Ptr<DomThresholdOverride const> domThresholdOverride() const;
    [[nodiscard]] DomThreshold domThresholdInForce() const;
-   /// The tuning in the module's registers.
+   /// The tuning in the module's registers. The codes of grids and the units of offset and power are
+   /// the usual ones, which no public document confirms.
    [[nodiscard]] CfpxTuneStatus cfpxTuneStatus() const;
    /// The module's network lanes. A count of 0 in its register means 16.
    [[nodiscard]] uint8_t networkLanes() const;
@@ -128,7 +131,8 @@ class XCVR_API Cfp2NewStatus : public XcvrNewStatus {
    [[nodiscard]] bool isPowerTuningPending() const;
 };
 
-/// The line of a CFP2-DCO: every register raw and, where the unit of a value is certain, the value.
+/// The line of a CFP2-DCO: every register raw and, of the quantities that CMIS has too, the value in the
+/// unit that it has there. No public document says that these registers use the same.
 class XCVR_API Cfp2DcoMonitors {
    VEL_VALUE( Cfp2DcoMonitors,
       ( updateTime, Vel::Seconds ),                  // when the registers were read

@@ -63,14 +63,16 @@ class HalCfpxRxSubsystemCtrl : public Hal::Reg16 {
 /// The tuning to be written to a CFPx or CFP2-DCO.
 class XCVR_API CfpxTuneConfig {
    VEL_VALUE( CfpxTuneConfig,
-      ( frequency, HwTuningConfig ),   // channel counted from the module's first frequency; 0 for none
+      // Its channel is counted from the module's first frequency; 0 for none.
+      ( frequency, HwTuningConfig ),
       ( txPower, double ) ); // dBm; minus infinity for none
 };
 
 /// The tuning in a module's registers.
 class XCVR_API CfpxTuneStatus {
    VEL_VALUE( CfpxTuneStatus,
-      ( frequency, HwTuningConfig ),   // channel counted from the module's first frequency; 0 for none
+      // Its channel is counted from the module's first frequency; 0 for none.
+      ( frequency, HwTuningConfig ),
       ( txFrequency, uint32_t ),       // MHz, with the fine tuning; 0 for none
       ( txPower, double ),             // as set, dBm
       ( rxAttenuation, double ),       // dB

@@ -8,8 +8,8 @@
 // What is configured for one transceiver slot and its lanes.
 namespace Xcvr {
 
-/// What `overrideIdEepromContentsActivationKey` of a slot's diagnostic configuration must hold for the
-/// override to take effect, in every family.
+/// What `overrideIdEepromContentsActivationKey` of a slot's diagnostic configuration must hold for
+/// the override to take effect, in every family.
 inline constexpr uint32_t diagActivationKey = 0x5EA1F00D;
 
 /// Static configuration of one slot, written by the platform.
@@ -93,8 +93,8 @@ class XCVR_API PerformanceMonitoringConfig : public Vel::Entity {
       ( Plain, performanceMonitoringEnabled, onPerformanceMonitoringEnabled, bool ) );
 };
 
-/// One row of the operator's threshold table, named by its row key: the optical power thresholds, in
-/// dBm, of the modules with a vendor identity.
+/// One row of the operator's threshold table, named by its row key: the optical power thresholds,
+/// in dBm, of the modules with a vendor identity.
 class XCVR_API DomThresholdOverride : public Vel::Entity {
  public:
    explicit DomThresholdOverride( Vel::Name name ) : Vel::Entity( std::move( name ) ) {}

@@ -32,15 +32,16 @@ struct InterfaceCode {
    MediaType mediaType = xcvrUnknown;
 };
 
-/// The table in the order of codes. Reserved codes, and codes that sources disagree on, have no row.
+/// The table in the order of codes. Reserved codes, and codes that sources disagree on, have no
+/// row.
 [[nodiscard]] XCVR_API std::span<InterfaceCode const> interfaceCodes( InterfaceTable table );
 /// Null for a code without a row.
 [[nodiscard]] XCVR_API InterfaceCode const * interfaceCode( InterfaceTable table, uint8_t code );
 /// For people; a code without a row, or without a table, is its number, such as "0x5c".
 [[nodiscard]] XCVR_API Vel::String interfaceName( std::optional<InterfaceTable> table,
                                                   uint8_t code );
-/// The media type of a code; for one that names none exactly, and for one without a row, the table's
-/// unknown kind.
+/// The media type of a code; for one that names none exactly, and for one without a row, the
+/// table's unknown kind.
 [[nodiscard]] XCVR_API MediaType interfaceMediaType( InterfaceTable table, uint8_t code );
 /// The table of a module's media interface codes; none for a module type that has none.
 [[nodiscard]] XCVR_API std::optional<InterfaceTable>

@@ -11,8 +11,8 @@ namespace Xcvr {
 /// What follows from a media type alone.
 struct MediaTypeInfo {
    MediaType mediaType;
-   /// For people. Of the two DWDM kinds of fixed wavelength it is the pattern whose two numbers come
-   /// from the wavelength; XcvrNewStatus::getMediaTypeString fills them in.
+   /// For people. Of the two DWDM kinds of fixed wavelength it is the pattern whose two numbers
+   /// come from the wavelength; XcvrNewStatus::getMediaTypeString fills them in.
    std::string_view text;
    uint32_t bitrateKbps;
    ElectricalInterface electricalInterface;

@@ -169,6 +169,28 @@ class PageView {
    return {};
 }
 
+// What a family's table is asked while compiling; a name that the table lacks does not compile.
+
+/// The row of that name.
+[[nodiscard]] consteval MemoryField const & memoryField( std::span<MemoryField const> fields,
+                                                         std::string_view name ) {
+   size_t const index = memoryFieldIndex( fields, name );
+   return index < fields.size() ? fields[index] : throw "no such field";
+}
+
+/// The place of the bit of that name.
+[[nodiscard]] consteval MemoryBitPlace memoryBit( MemoryField const & field,
+                                                  std::string_view name ) {
+   MemoryBitPlace const place = findMemoryBit( field, name );
+   return place.mask ? place : throw "no such bit";
+}
+
+/// The mask of the bit of that name in the number in its field, the first byte the most significant.
+[[nodiscard]] consteval uint32_t memoryBitMask( MemoryField const & field, std::string_view name ) {
+   MemoryBitPlace const place = memoryBit( field, name );
+   return uint32_t{ place.mask } << ( field.end() - 1 - place.at ) * 8;
+}
+
 /// Whether a condition on a field of this page is met.
 [[nodiscard]] constexpr bool memoryConditionMet( MemoryCondition const & condition,
                                                  MemoryField const & field, PageView page ) {

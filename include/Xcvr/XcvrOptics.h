@@ -25,8 +25,8 @@ namespace Xcvr {
 [[nodiscard]] constexpr uint32_t ghzFreqToMhz( uint32_t ghz ) {
    return ghz * 1000;
 }
-/// The finest grid spacing in MHz that a module has; 50000 when it has none finer, whatever its flags
-/// for 50000 and 100000 say.
+/// The finest grid spacing in MHz that a module has; 50000 when it has none finer, whatever its
+/// flags for 50000 and 100000 say.
 [[nodiscard]] XCVR_API uint32_t getMinGridSpacing( GridSpacingCapabilities const & capabilities );
 /// nm in vacuum, from the frequency cut to whole GHz on purpose; 0 for 0, infinity below 1 GHz.
 [[nodiscard]] XCVR_API double computeWavelength( uint32_t mhz );

@@ -56,7 +56,10 @@ class XCVR_API OsfpRawEepromContents : public Vel::Entity {
       // s, when the pages were last known to be valid.
       ( Plain, lastValidData, onLastValidData, double ) );
 
-   /// Whether the page of a row of the field table was read; of a banked page, that of bank 0.
+   // Of a row of the field table; of a banked page, that of bank 0. A module with flat memory has only
+   // the lower page and page 00h, whatever was read from others.
+
+   /// Whether it was read.
    [[nodiscard]] bool has( MemoryField const & field ) const;
    /// The number in a field of up to eight bytes, highest byte first; 0 when it was not read.
    [[nodiscard]] uint64_t number( MemoryField const & field ) const;

@@ -40,7 +40,8 @@ class XCVR_API OsfpEepromParser : public Vel::PtrInterface {
    /// The bytes; fewer when the page ends early.
    [[nodiscard]] Vel::String reg( OsfpRegAddr const & reg ) const;
 
-   /// Identity, module flags and controls, the applications 1 to 8, media type.
+   /// Identity, module flags and controls, the applications 1 to 8, media type. Of a module with flat
+   /// memory, which has no page 01h, also that there is nothing of what that page says.
    void parseLowerPage();
    /// The module's flags, which a read clears: byte 9 of the lower page.
    void parseModuleFlags();

@@ -10,8 +10,9 @@
 namespace Xcvr {
 
 /// How the contents value of a module family reads the fields of its pages, inlined into its
-/// accessors. `Contents` supplies `pageOf( field )`, the page that holds a field, `textOfEmptyPage`,
-/// and `traceUnreadable( field )`, which is told of every field that does not lie on its page.
+/// accessors. `Contents` supplies `pageOf( field )`, the page that holds a field,
+/// `textOfEmptyPage`, and `traceUnreadable( field )`, which is told of every field that does not
+/// lie on its page.
 template <typename Contents>
 class PagedContents {
  protected:

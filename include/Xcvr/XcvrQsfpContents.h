@@ -15,15 +15,16 @@ namespace Xcvr {
 
 /// The memory of a QSFP, QSFP+ or QSFP28 module (SFF-8636, SFF-8436), and what it says.
 ///
-/// Nothing here fails. Of an empty page numbers are 0, tests false and texts empty. Of a page shorter
-/// than a field a number is 0, and a text is what there is. Codes are those of SFF-8024 unless said
-/// otherwise; bytes are named by their address in the module, 128 and up on an upper page.
+/// Nothing here fails. Of an empty page numbers are 0, tests false and texts empty. Of a page
+/// shorter than a field a number is 0, and a text is what there is. Codes are those of SFF-8024
+/// unless said otherwise; bytes are named by their address in the module, 128 and up on an upper
+/// page.
 ///
-/// An accessor that cannot read traces its name (source `XcvrQsfpPlus`, level 8); one that can costs
-/// one comparison and traces nothing. The other operations open a trace scope.
+/// An accessor that cannot read traces its name (source `XcvrQsfpPlus`, level 8); one that can
+/// costs one comparison and traces nothing. The other operations open a trace scope.
 class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> {
-   // The pages as read from the module; index 0 of an upper page is the module's byte 128. Empty: not
-   // read.
+   // The pages as read from the module; index 0 of an upper page is the module's byte 128. Empty:
+   // not read.
    VEL_VALUE( Sff8436IdEepromContents,
       ( eepromPage00LowerData, Vel::String ),
       ( eepromPage00UpperData, Vel::String ),
@@ -40,8 +41,7 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    }
    /// Where a bit lies in the number in its field.
    static consteval uint32_t mask( std::string_view field, std::string_view bit ) {
-      MemoryBitPlace const place = Sff8436Table::bit( field, bit );
-      return uint32_t{ place.mask } << ( row( field ).end() - 1 - place.at ) * 8;
+      return memoryBitMask( row( field ), bit );
    }
 
  public:
@@ -57,9 +57,9 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    uint8_t connector() const { return u8( row( "connector" ) ); }
    /// The first compliance byte. Bit 7 says that `complianceExtended` holds a code.
    uint8_t complianceEth10And40G() const { return u8( row( "complianceEth10And40G" ) ); }
-   /// The eight compliance bytes packed into one number, the first the most significant. Each byte is
-   /// sign-extended before it is ORed in: one of 0x80 or more sets every bit above its own place. That
-   /// is intended, readers know these numbers; single bits are in the bytes themselves.
+   /// The eight compliance bytes packed into one number, the first the most significant. Each byte
+   /// is sign-extended before it is ORed in: one of 0x80 or more sets every bit above its own
+   /// place. That is intended, readers know these numbers; single bits are in the bytes themselves.
    uint64_t compliance() const;
    uint8_t encoding() const { return u8( row( "encoding" ) ); }
    /// In 100 MBd; 255 means `bitrateExtended`.
@@ -93,8 +93,8 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    }
    /// pm.
    uint32_t laserWavelength() const { return u16( row( "laserWavelength" ) ) * 50u; }
-   /// The bytes of wavelength and tolerance, in which a copper cable keeps its attenuation: four codes
-   /// in dB, that of the lowest frequency the most significant.
+   /// The bytes of wavelength and tolerance, in which a copper cable keeps its attenuation: four
+   /// codes in dB, that of the lowest frequency the most significant.
    uint32_t cableAttn() const;
    /// dB.
    uint8_t attenuation2p5GHz() const { return u8( row( "attenuation2p5GHz" ) ); }
@@ -140,8 +140,8 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
 
    // Monitors.
 
-   /// The module monitors its temperature, voltage and lanes. Only passive copper cables do not; the
-   /// bits that say so of single monitors came with later revisions and are not asked.
+   /// The module monitors its temperature, voltage and lanes. Only passive copper cables do not;
+   /// the bits that say so of single monitors came with later revisions and are not asked.
    bool domSupported() const {
       return !eepromPage00UpperData_.empty() && !isPassiveCopper( deviceTechnology() );
    }
@@ -159,15 +159,15 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    /// Unknown for bits that are no class, and for class 8, which has no name here. Modules up to
    /// SFF-8436 4.8 have classes 1 to 4 only.
    PowerClass powerClass() const;
-   /// The most that the module takes, W: its own figure (lower page byte 107) or, where it has none,
-   /// that of its class; 0 for unknown.
+   /// The most that the module takes, W: its own figure (lower page byte 107) or, where it has
+   /// none, that of its class; 0 for unknown.
    double maxPower() const;
 
    // The other pages.
 
-   /// Code of the revision of the standard (lower page byte 1): 1 and 2 = SFF-8436 up to 4.8; 3 to 6 =
-   /// SFF-8636 1.3, 1.4, 1.5, 2.0; 7 = 2.5 to 2.7; 8 = 2.8 to 2.10. That of `sff8636Revision`, unless
-   /// it is 0.
+   /// Code of the revision of the standard (lower page byte 1): 1 and 2 = SFF-8436 up to 4.8; 3 to
+   /// 6 = SFF-8636 1.3, 1.4, 1.5, 2.0; 7 = 2.5 to 2.7; 8 = 2.8 to 2.10. That of `sff8636Revision`,
+   /// unless it is 0.
    uint8_t revisionCompliance() const;
    /// The module has no pages but the lower one and upper page 00h.
    bool flatMemory() const {
@@ -182,8 +182,8 @@ class XCVR_API Sff8436IdEepromContents : PagedContents<Sff8436IdEepromContents> 
    /// 10 characters; empty when the module has no CLEI code.
    Vel::String cleiCode() const;
 
-   // Checksums: sums of the bytes modulo 256. Only upper page 00h has any: of other pages they are 0,
-   // and valid. A short page is summed as far as it reaches; it is not valid unless it holds the
+   // Checksums: sums of the bytes modulo 256. Only upper page 00h has any: of other pages they are
+   // 0, and valid. A short page is summed as far as it reaches; it is not valid unless it holds the
    // stored sums as well.
 
    /// Of bytes 128-190, stored in byte 191.

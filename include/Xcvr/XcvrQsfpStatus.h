@@ -12,7 +12,8 @@
 // The status and configuration of a QSFP slot.
 namespace Xcvr {
 
-/// The module's own flags of one lane (lower page bytes 3-5 and 9-14). A flag stays until it is read.
+/// The module's own flags of one lane (lower page bytes 3-5 and 9-14). A flag stays until it is
+/// read.
 class XCVR_API QsfpLaneFlags {
    VEL_VALUE( QsfpLaneFlags,
       ( rxLos, bool ),
@@ -56,7 +57,8 @@ class XCVR_API QsfpModuleFlags {
 class XCVR_API QsfpLaneControls {
    VEL_VALUE( QsfpLaneControls,
       ( txDisable, bool ),
-      ( rxRateSelect, uint8_t ),          // 0 to 3; what that means says extendedRateSelectCompliance
+      // 0 to 3; what that means says extendedRateSelectCompliance.
+      ( rxRateSelect, uint8_t ),
       ( txRateSelect, uint8_t ),
       ( rxCdr, bool ),                    // clock and data recovery is on
       ( txCdr, bool ),
@@ -77,8 +79,8 @@ class XCVR_API QsfpModuleControls {
       ( interruptPinIsRxLos, bool ) );
 };
 
-/// Diagnostic settings of a QSFP slot: memory contents that replace the module's own in all that the
-/// status says, to see how the system takes a module that is not at hand.
+/// Diagnostic settings of a QSFP slot: memory contents that replace the module's own in all that
+/// the status says, to see how the system takes a module that is not at hand.
 class XCVR_API QsfpDiagConfig : public Vel::Entity {
  public:
    explicit QsfpDiagConfig( Vel::Name name ) : Vel::Entity( std::move( name ) ) {}
@@ -108,9 +110,9 @@ class XCVR_API QsfpCellConfig : public Vel::Entity {
 
 /// Status of a QSFP slot: everything is decoded from the memory contents at the call.
 ///
-/// Lane 0 is the module's channel 1. Lanes from `lanes` on are neutral, as is what lies on a page that
-/// the module does not have or that was not read. Nothing fails: monitors that are not valid are minus
-/// infinity.
+/// Lane 0 is the module's channel 1. Lanes from `lanes` on are neutral, as is what lies on a page
+/// that the module does not have or that was not read. Nothing fails: monitors that are not valid
+/// are minus infinity.
 class XCVR_API QsfpNewStatus : public XcvrNewStatus {
  public:
    static constexpr uint8_t lanes = 4;
@@ -129,13 +131,13 @@ class XCVR_API QsfpNewStatus : public XcvrNewStatus {
    /// read from the module. Valid until the next write to either.
    [[nodiscard]] Sff8436IdEepromContents const & sff8436IdEepromContents() const;
 
-   /// Four channels. The standard has no registers to tune a wavelength with, so even a module whose
-   /// transmitter is tunable is none that can be tuned here.
+   /// Four channels. The standard has no registers to tune a wavelength with, so even a module
+   /// whose transmitter is tunable is none that can be tuned here.
    [[nodiscard]] Capabilities capabilities() const override;
-   /// Texts with their padding.
    [[nodiscard]] VendorInfo vendorInfo() const override;
-   /// In 100 MBd, cut, of one lane.
-   [[nodiscard]] uint32_t bitrate() const override;
+   /// In 100 MBd, cut, of one lane; 255 also for what is beyond, of which
+   /// `Sff8436IdEepromContents::bitrateExtended` has the rate.
+   [[nodiscard]] uint8_t bitrate() const override;
    [[nodiscard]] MediaType mediaType() const override;
    /// What the contents say. Of a QSFP or QSFP+ that no rule knows, `xgc` may have it that the
    /// compliance bit of extended codes, without such a code, means 40GBASE-PSM4.
@@ -174,36 +176,33 @@ class XCVR_API QsfpNewStatus : public XcvrNewStatus {
    [[nodiscard]] TuningValue rxOutputAmplitude( LaneId lane ) const override;
    [[nodiscard]] TuningValue rxOutputPreEmphasis( LaneId lane ) const override;
    [[nodiscard]] TuningValue txInputEqualization( LaneId lane ) const override;
-   /// Of a passive copper cable, from `attnTable` by "vendor name-part number" (with their padding),
-   /// else what the cable says of 5 GHz (40G) or 12.9 GHz (100G); minus infinity when it says nothing
-   /// or is no copper cable but for an override of its type. 0 for all else.
+   /// Of a passive copper cable, from `attnTable` by "vendor name-part number" (with their
+   /// padding), else what the cable says of 5 GHz (40G) or 12.9 GHz (100G); minus infinity when it
+   /// says nothing or is no copper cable but for an override of its type. 0 for all else.
    [[nodiscard]] Units::Decibels electricalPathAttenuation() const override;
    /// Whether a module of this family can be of that type.
    [[nodiscard]] bool isSupportedMediaType( MediaType mediaType ) const override;
 
-   /// All false while `domInfoValid` is false; those of Tx power also of a module that does not monitor
-   /// it.
+   /// All false while `domInfoValid` is false; those of Tx power also of a module that does not
+   /// monitor it.
    [[nodiscard]] QsfpLaneFlags laneFlags( LaneId lane ) const;
    [[nodiscard]] QsfpModuleFlags moduleFlags() const;
-   /// All false, or 0, unless the module is there and its lower page was read after it came. A module
-   /// without monitors has controls all the same.
+   /// All false, or 0, unless the module is there and its lower page was read after it came. A
+   /// module without monitors has controls all the same.
    [[nodiscard]] QsfpLaneControls laneControls( LaneId lane ) const;
    [[nodiscard]] QsfpModuleControls moduleControls() const;
    /// Which of the parameters above the module accepts.
    [[nodiscard]] TuningParamCapabilities tuningParamCapabilities() const;
-   /// The operator's row for this module: of those whose texts, but for empty ones, are the module's
-   /// (padding does not count), the one with the serial number, else the part number, else the vendor
-   /// name. Null for none; among equals the first in name order.
+   /// As `SfpNewStatus` has them.
    [[nodiscard]] Vel::Ptr<DomThresholdOverride const> domThresholdOverride() const;
-   /// `domThreshold` with, while `domThresholdOverridden`, the optical powers of the operator's row.
    [[nodiscard]] DomThreshold domThresholdInForce() const;
 
    /// Empties the contents, of which nothing is known any more.
    void clearIdEepromContents();
    /// Writes the lanes' flags into `laneStatus`, all of which it creates.
    void updateLaneStatus();
-   /// Writes into `enhancedDomMapping` where the enhanced monitors are that the module has: the page
-   /// number in the high byte, the module's byte in the low one (0x2098 is page 20h byte 152).
+   /// Writes into `enhancedDomMapping` where the enhanced monitors are that the module has: the
+   /// page number in the high byte, the module's byte in the low one (0x2098 is page 20h byte 152).
    void updateEnhancedDomMapping();
 };
 

@@ -22,7 +22,8 @@ using enum Xcvr1000BaseTProgramState;
 /// One byte read from a module.
 class XCVR_API XcvrSff8472DomRegisterData {
    VEL_VALUE( XcvrSff8472DomRegisterData,
-      ( address, uint16_t ), // device address, 0xA2 for diagnostics, in the high byte: 0xA260 is A2h 96
+      // The device address, 0xA2 for diagnostics, in the high byte: 0xA260 is A2h byte 96.
+      ( address, uint16_t ),
       ( data, uint8_t ) );
 
  public:
@@ -172,8 +173,8 @@ class XCVR_API Sff8472Registers {
    std::vector<Page> pages_; // in the order of device addresses; one or two
 };
 
-/// Diagnostic settings of an SFP slot: memory contents that replace the module's own in all that the
-/// status says, to see how the system takes a module that is not at hand.
+/// Diagnostic settings of an SFP slot: memory contents that replace the module's own in all that
+/// the status says, to see how the system takes a module that is not at hand.
 class XCVR_API SfpDiagConfig : public Vel::Entity {
  public:
    /// What the activation key must hold.
@@ -208,8 +209,8 @@ class XCVR_API SfpCellConfig : public Vel::Entity {
 /// Status of an SFP slot: everything is decoded from the memory contents at the call.
 ///
 /// A byte of page A2h is that of the diagnostic override while one is active; else the one in
-/// `registerData`; else that of the contents' page A2h; else 0. Nothing fails: monitors that are not
-/// valid are minus infinity.
+/// `registerData`; else that of the contents' page A2h; else 0. Nothing fails: monitors that are
+/// not valid are minus infinity.
 class XCVR_API SfpNewStatus : public XcvrNewStatus {
  public:
    explicit SfpNewStatus( Vel::Name name )
@@ -233,10 +234,9 @@ class XCVR_API SfpNewStatus : public XcvrNewStatus {
    [[nodiscard]] XcvrSff8472IdEepromContents const & sff8472IdEepromContents() const;
 
    [[nodiscard]] Capabilities capabilities() const override;
-   /// Texts with their padding.
    [[nodiscard]] VendorInfo vendorInfo() const override;
    /// In 100 MBd.
-   [[nodiscard]] uint32_t bitrate() const override;
+   [[nodiscard]] uint8_t bitrate() const override;
    [[nodiscard]] MediaType mediaType() const override;
    [[nodiscard]] MediaType detectedMediaType() const override;
    [[nodiscard]] uint32_t laserWavelength() const override;
@@ -255,10 +255,10 @@ class XCVR_API SfpNewStatus : public XcvrNewStatus {
    /// nothing.
    void idEepromContentsIs( uint8_t page, Vel::String const & contents ) override;
    void updateLastValidTime( Vel::Seconds time ) override;
-   /// Of a passive copper cable, from `attnTable` by "vendor name-part number" (with their padding),
-   /// else from its length; 0 for all else.
+   /// Of a passive copper cable, from `attnTable` by "vendor name-part number" (with their
+   /// padding), else from its length; 0 for all else.
    [[nodiscard]] Units::Decibels electricalPathAttenuation() const override;
-   [[nodiscard]] uint32_t hwChannel() const override;
+   [[nodiscard]] uint16_t hwChannel() const override;
    [[nodiscard]] TuningCapabilities tuningCapabilities() const override;
 
    /// A 10G optical module that can run at 1G as well.
@@ -268,25 +268,26 @@ class XCVR_API SfpNewStatus : public XcvrNewStatus {
    [[nodiscard]] bool assertRateSelect1() const;
    /// All false while `domInfoValid` is false.
    [[nodiscard]] SfpStatusBits statusBits() const;
-   /// All false while `domInfoValid` is false, and for a module that does not implement flags (A0h byte 93
-   /// bit 7).
+   /// All false while `domInfoValid` is false, and for a module that does not implement flags (A0h
+   /// byte 93 bit 7).
    [[nodiscard]] SfpDomFlags domFlags() const;
-   /// The operator's row for this module: of those whose texts, but for empty ones, are the module's
-   /// (padding does not count), the one with the serial number, else the part number, else the vendor
-   /// name. Null for none; among equals the first in name order.
+   /// The operator's row for this module: of those whose texts, but for empty ones, are the
+   /// module's (padding does not count), the one with the serial number, else the part number, else
+   /// the vendor name. Null for none; among equals the first in name order.
    [[nodiscard]] Vel::Ptr<DomThresholdOverride const> domThresholdOverride() const;
-   /// `domThreshold` with, while `domThresholdOverridden`, the optical powers of the operator's row.
+   /// `domThreshold` with, while `domThresholdOverridden`, the optical powers of the operator's
+   /// row.
    [[nodiscard]] DomThreshold domThresholdInForce() const;
 
    /// Empties the contents, of which nothing is known any more.
    void clearIdEepromContents();
-   /// Puts `ituTuningConfig` into the terms of the module's registers, in `hwTuningConfig`: all 0 for
-   /// a frequency that is none of the module's, which then is not to be programmed.
+   /// Puts `ituTuningConfig` into the terms of the module's registers, in `hwTuningConfig`: all 0
+   /// for a frequency that is none of the module's, which then is not to be programmed.
    void updateHwTuningConfig();
    /// Resolves the tuning that `xgc` has under the slot's name, updates `ituTuningConfig`,
-   /// `hwTuningConfig` and `resolvedTuningStatus`, and says whether the module is tuned otherwise: it
-   /// stays so where `hwTuningConfig` is 0, a frequency that it does not have. A module that cannot be
-   /// tuned at all is never pending, and nothing is updated.
+   /// `hwTuningConfig` and `resolvedTuningStatus`, and says whether the module is tuned otherwise:
+   /// it stays so where `hwTuningConfig` is 0, a frequency that it does not have. A module that
+   /// cannot be tuned at all is never pending, and nothing is updated.
    [[nodiscard]] bool isFreqTuningPending();
 };
 

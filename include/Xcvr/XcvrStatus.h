@@ -60,12 +60,12 @@ class XCVR_API XcvrEventStatsEnt : public Vel::Entity {
       ( Plain, tempLoWarn, onTempLoWarn, Keel::ConditionStat ) );
 };
 
-/// The status of one slot. A hardware agent owns it, of its module family's subtype, and writes what
-/// it reads from the module; a reader asks for typed values, which are computed at the call.
+/// The status of one slot. A hardware agent owns it, of its module family's subtype, and writes
+/// what it reads from the module; a reader asks for typed values, which are computed at the call.
 ///
 /// A value that a family does not supply is neutral: 0, false, empty, or minus infinity for a
-/// measurement; the base then traces the operation's name (source `Xcvr`, level 8). Written only by the
-/// agent that owns the slot.
+/// measurement; the base then traces the operation's name (source `Xcvr`, level 8). Written only by
+/// the agent that owns the slot.
 class XCVR_API XcvrNewStatus : public Vel::Entity {
  public:
    /// Whether the slot's module can be pulled.
@@ -142,9 +142,10 @@ class XCVR_API XcvrNewStatus : public Vel::Entity {
    // What a module family supplies. The order of these is the order of their virtual slots.
 
    [[nodiscard]] virtual Capabilities capabilities() const;
+   /// Texts as the module has them, with their padding.
    [[nodiscard]] virtual VendorInfo vendorInfo() const;
    /// Nominal signalling rate in the unit of the family's memory.
-   [[nodiscard]] virtual uint32_t bitrate() const;
+   [[nodiscard]] virtual uint8_t bitrate() const;
    /// The media type in effect, and the one that the module itself says.
    [[nodiscard]] virtual MediaType mediaType() const;
    [[nodiscard]] virtual MediaType detectedMediaType() const;
@@ -181,7 +182,7 @@ class XCVR_API XcvrNewStatus : public Vel::Entity {
    /// dB.
    [[nodiscard]] virtual Units::Decibels electricalPathAttenuation() const;
    /// The channel that the module's registers are tuned to.
-   [[nodiscard]] virtual uint32_t hwChannel() const;
+   [[nodiscard]] virtual uint16_t hwChannel() const;
    [[nodiscard]] virtual TuningCapabilities tuningCapabilities() const;
    [[nodiscard]] virtual bool narrowBand() const;
    /// Throws Vel::NoImplementationException unless the family supplies it.
@@ -199,11 +200,12 @@ class XCVR_API XcvrNewStatus : public Vel::Entity {
    [[nodiscard]] Vel::String getMediaTypeString( MediaType mediaType ) const;
    /// Bit rate of the media type in effect, kbit/s. A code that is no media type is fatal.
    [[nodiscard]] uint32_t bitrateKbps() const;
-   /// The grid spacing in MHz on which the frequency of `channel` on `grid` (MHz) lies in this module; 0
-   /// for none.
+   /// The grid spacing in MHz on which the frequency of `channel` on `grid` (MHz) lies in this
+   /// module; 0 for none.
    [[nodiscard]] uint32_t effectiveGridSpacing( uint32_t channel, uint32_t grid ) const;
-   /// Resolves a tuning configuration, which may be null, against the module's capabilities, and writes
-   /// `ituTuningConfig`. What cannot be resolved becomes channel 39 on 50 GHz with the laser off.
+   /// Resolves a tuning configuration, which may be null, against the module's capabilities, and
+   /// writes `ituTuningConfig`. What cannot be resolved becomes channel 39 on 50 GHz with the laser
+   /// off.
    void updateItuTuningConfig( TuningConfig const * tuningConfig );
    void updateItuTuningConfig( Vel::Ptr<TuningConfig const> const & tuningConfig ) {
       updateItuTuningConfig( tuningConfig.get() );

@@ -269,8 +269,8 @@ class EnhancedDomSensorCategory {
       ( laserTempErr, SensorCategory ) );
 };
 
-/// The index under which a status knows an enhanced monitor of a lane; that of a monitor of the whole
-/// slot is its index of lane 0.
+/// The index under which a status knows an enhanced monitor of a lane; that of a monitor of the
+/// whole slot is its index of lane 0.
 [[nodiscard]] constexpr uint32_t enhancedDomIndex( EnhancedDomMonitor monitor, uint8_t lane ) {
    return lane * 8u + static_cast<uint32_t>( monitor );
 }

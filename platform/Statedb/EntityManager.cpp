@@ -22,6 +22,14 @@ bool MountGroup::complete() const {
    } );
 }
 
+std::vector<Vel::Name> MountGroup::paths() const {
+   std::vector<Vel::Name> paths;
+   for ( auto const & entry : mountMap() ) {
+      paths.push_back( entry.first );
+   }
+   return paths;
+}
+
 // Paths
 
 namespace {
@@ -93,6 +101,31 @@ void PathWatch::look() {
    }
 }
 
+GroupWatch::GroupWatch( Vel::Ptr<MountGroup> group, Tell begin, Tell end )
+   : group_( std::move( group ) ), begin_( std::move( begin ) ), end_( std::move( end ) ) {
+   notifierIs( group_ );
+   for ( Vel::Name const & path : group_->paths() ) {
+      onMount( path );
+   }
+}
+
+void GroupWatch::onMount( Vel::Name const & path ) {
+   Vel::Ptr<Mount const> const next = group_->mount( path );
+   auto const found = mounts_.find( path );
+   if ( found != mounts_.end() ) {
+      if ( found->second == next ) {
+         return;
+      }
+      auto const ended = std::move( found->second );
+      mounts_.erase( found );
+      end_( ended ); // where the group may change again
+   }
+   Vel::Ptr<Mount> const mount = group_->mount( path );
+   if ( mount && mounts_.try_emplace( path, mount ).second ) {
+      begin_( mount );
+   }
+}
+
 // Serving mounts
 
 /// One mount that is served.
@@ -144,44 +177,36 @@ class EntityManager::Served {
    PathWatch watch_;
 };
 
-class EntityManager::Group : public MountGroup::NotifieeConst {
+/// The mounts of one group.
+class EntityManager::Group {
  public:
    Group( EntityManager & manager, Vel::Ptr<MountGroup> const & group )
-      : manager_( manager ), group_( group ) {
-      notifierIs( group.get() );
-      for ( auto const & entry :
-            std::vector( group->mountMap().begin(), group->mountMap().end() ) ) {
-         onMount( entry.first );
-      }
-   }
-   void onMount( Vel::Name const & path ) override {
-      Vel::Ptr<Mount> const mount = group_->mount( path );
-      auto const found = served_.find( path );
-      if ( found != served_.end() ) {
-         if ( found->second->mount == mount ) {
-            return;
-         }
-         auto const ended = std::move( found->second );
-         served_.erase( found );
-      }
-      if ( mount ) {
-         auto const served = std::make_shared<Served>( manager_, mount );
-         served_.emplace( path, served );
-         served->look();
-      }
-   }
+      : manager_( manager ), watch_(
+                                group, [this]( auto const & mount ) { begin( mount ); },
+                                [this]( auto const & mount ) { end( mount ); } ) {}
    [[nodiscard]] bool writes( Vel::Name const & path, Served const & besides ) const {
       auto const found = served_.find( path );
       return found != served_.end() && found->second.get() != &besides &&
              found->second->mount->mode() == MountMode::write &&
              found->second->mount->state() == MountState::mounted;
    }
-   [[nodiscard]] Vel::Ptr<MountGroup> const & group() const { return group_; }
+   [[nodiscard]] Vel::Ptr<MountGroup> const & group() const { return watch_.group(); }
 
  private:
+   void begin( Vel::Ptr<Mount> const & mount ) {
+      auto const served = std::make_shared<Served>( manager_, mount );
+      served_.emplace( mount->name(), served );
+      served->look();
+   }
+   void end( Vel::Ptr<Mount> const & mount ) {
+      auto const found = served_.find( mount->name() );
+      auto const ended = std::move( found->second );
+      served_.erase( found );
+   }
+
    EntityManager & manager_;
-   Vel::Ptr<MountGroup> group_;
    std::map<Vel::Name, std::shared_ptr<Served>> served_;
+   GroupWatch watch_;
 };
 
 EntityManager::EntityManager() : root_( Vel::dirFactory( "" ) ) {}

@@ -4,6 +4,7 @@
 #include <Vel/Dir.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,22 @@ class VEL_API PathWatch {
    std::function<void()> then_;
    Vel::Ptr<Vel::Entity> entity_;
    std::vector<std::unique_ptr<Step>> steps_; // one a directory on the way
+};
+
+/// Follows the mounts of a group: tells of each that is there or comes, and of its end when it leaves or is
+/// replaced, before the next one begins.
+class VEL_API GroupWatch : public MountGroup::NotifieeConst {
+ public:
+   using Tell = std::function<void( Vel::Ptr<Mount> const & mount )>;
+   GroupWatch( Vel::Ptr<MountGroup> group, Tell begin, Tell end );
+   void onMount( Vel::Name const & path ) override;
+   [[nodiscard]] Vel::Ptr<MountGroup> const & group() const { return group_; }
+
+ private:
+   Vel::Ptr<MountGroup> group_;
+   Tell begin_;
+   Tell end_;
+   std::map<Vel::Name, Vel::Ptr<Mount>> mounts_; // that have begun
 };
 
 /// The state database of one process: a tree of directories, and the mounts of it.

@@ -62,6 +62,8 @@ class VEL_API MountGroup : public Vel::Entity {
 
    /// Whether every mount is `mounted`.
    [[nodiscard]] bool complete() const;
+   /// The paths of the mounts, for whoever goes through them while handlers change the group.
+   [[nodiscard]] std::vector<Vel::Name> paths() const;
 };
 
 } // namespace Statedb

@@ -189,34 +189,6 @@ class Session::Mounted {
    Vel::FlowIn in_;
 };
 
-class Session::Group : public MountGroup::NotifieeConst {
- public:
-   Group( Session & session, Vel::Ptr<MountGroup> const & group )
-      : session_( session ), group_( group ) {
-      notifierIs( group.get() );
-      for ( auto const & entry :
-            std::vector( group->mountMap().begin(), group->mountMap().end() ) ) {
-         onMount( entry.first );
-      }
-   }
-   void onMount( Vel::Name const & path ) override {
-      Vel::Ptr<Mount> const mount = group_->mount( path );
-      auto & known = mounts_[path];
-      auto const before = std::exchange( known, mount );
-      if ( before && !( before == mount ) ) {
-         session_.ownMountDel( before.get() );
-      }
-      if ( mount && !( before == mount ) ) {
-         session_.ownMountIs( mount );
-      }
-   }
-
- private:
-   Session & session_;
-   Vel::Ptr<MountGroup> group_;
-   std::map<Vel::Name, Vel::Ptr<Mount>> mounts_;
-};
-
 void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
    if ( mount->name().empty() ) {
       mount->stateIs( MountState::taken ); // by this side's own root
@@ -228,7 +200,7 @@ void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
             static_cast<uint8_t>( mount->mode() ), mount->filter().only );
 }
 
-void Session::ownMountDel( Mount const * mount ) {
+void Session::ownMountDel( Vel::Ptr<Mount> const & mount ) {
    auto const found = std::find_if( mounted_.begin(), mounted_.end(), [&]( auto const & entry ) {
       return entry.second->mount == mount;
    } );
@@ -240,7 +212,9 @@ void Session::ownMountDel( Mount const * mount ) {
 }
 
 void Session::mountGroupIs( Vel::Ptr<MountGroup> const & group ) {
-   groups_.push_back( std::make_unique<Group>( *this, group ) );
+   groups_.push_back( std::make_unique<GroupWatch>(
+      group, [this]( auto const & mount ) { ownMountIs( mount ); },
+      [this]( auto const & mount ) { ownMountDel( mount ); } ) );
 }
 
 Session::Session( EntityManager & manager, PeerMayWrite mayWrite )

@@ -61,7 +61,6 @@ class VEL_API Session {
 
  private:
    enum class Message : uint8_t { hello, mount, unmount, state, image, mountedLog, writtenLog };
-   class Group;
    class Mounted;
    class Serving;
 
@@ -75,7 +74,7 @@ class VEL_API Session {
    [[nodiscard]] std::shared_ptr<Mounted> mountedOf( uint32_t number ) const;
    [[nodiscard]] std::shared_ptr<Serving> servingOf( uint32_t number ) const;
    void ownMountIs( Vel::Ptr<Mount> const & mount );
-   void ownMountDel( Mount const * mount );
+   void ownMountDel( Vel::Ptr<Mount> const & mount );
 
    EntityManager & manager_;
    PeerMayWrite mayWrite_;
@@ -90,7 +89,7 @@ class VEL_API Session {
    uint32_t lastPeerNumber_ = 0;                          // of the peer's
    std::map<uint32_t, std::shared_ptr<Serving>> serving_; // the peer's mounts
    std::map<uint32_t, std::shared_ptr<Mounted>> mounted_; // the own
-   std::vector<std::unique_ptr<Group>> groups_;
+   std::vector<std::unique_ptr<GroupWatch>> groups_;
 };
 
 } // namespace Statedb

@@ -273,9 +273,7 @@ struct Travel {
          if constexpr ( valued ) {
             static_cast<void>( body.next<EntryValue>() );
          }
-         if ( listed.find( key ) == listed.end() ) {
-            listed.emplace( key, true );
-         }
+         listed.try_emplace( key, true );
       }
       std::vector<Key> left;
       for ( auto const & entry : std::as_const( held( entity ) ) ) {

@@ -61,7 +61,7 @@ class VEL_API Entity : public PtrInterface {
    [[nodiscard]] Ptr<Entity> entity( Name const & path );
 
    /// Gives an entity that comes back from a saved state its name; observers are not told. To be
-   /// done before it is put anywhere: collections hold it under the name that it had then.
+   /// done before it is put anywhere: a directory would not find it again.
    void nameIsFromBackup( Name name ) { name_ = std::move( name ); }
 
    /// Copies the entity, whatever its type, and all that it owns to another process: an adaptor that
@@ -150,13 +150,12 @@ class VEL_API Entity : public PtrInterface {
    void velEntryIs( Map & map, typename Map::key_type const & key,
                     typename Map::mapped_type const & value, Handlers const & handlers ) {
       typename Map::key_type const told = key; // `key` may be part of the collection
-      auto const found = map.find( told );
-      if ( found == map.end() ) {
-         map.emplace( told, value );
-      } else if ( found->second == value ) {
-         return;
-      } else {
-         found->second = value;
+      auto const [entry, added] = map.try_emplace( told, value );
+      if ( !added ) {
+         if ( entry->second == value ) {
+            return;
+         }
+         entry->second = value;
       }
       velTellEntry( handlers, told );
    }
@@ -200,7 +199,7 @@ class VEL_API Entity : public PtrInterface {
       typename Map::key_type const told = key; // `key` may be part of what a handler destroys
       Ptr<Child> const child( new Child( told ) );
       velAdopt( *child, attribute, &map, Path::throughAttribute );
-      map.emplace( told, child );
+      map.try_emplace( told, child );
       velTellEntry( handlers, told );
       return child;
    }
@@ -222,19 +221,18 @@ class VEL_API Entity : public PtrInterface {
    /// parent, the one that it was given to last.
    template <bool owned, typename T, typename Map, typename Handlers>
    void velPointerIs( Map & map, Ptr<T> const & pointer, Handlers const & handlers ) {
-      Ptr<T> const added = pointer; // the caller's own may go before the end
-      Name const told = added->name();
+      Ptr<T> const given = pointer; // the caller's own may go before the end
+      Name const told = given->name();
       if constexpr ( owned ) {
-         velAdopt( *added, Name(), &map, Path::direct );
+         velAdopt( *given, Name(), &map, Path::direct );
       }
-      auto const found = map.find( told );
+      auto const [entry, added] = map.try_emplace( told, given );
       Ptr<T> replaced;
-      if ( found == map.end() ) {
-         map.emplace( told, added );
-      } else if ( found->second == added ) {
-         return;
-      } else {
-         replaced = std::exchange( found->second, added );
+      if ( !added ) {
+         if ( entry->second == given ) {
+            return;
+         }
+         replaced = std::exchange( entry->second, given );
          if constexpr ( owned ) {
             velOrphan( replaced, &map );
          }
@@ -247,18 +245,17 @@ class VEL_API Entity : public PtrInterface {
    enum class Path : uint8_t { throughAttribute, direct };
    /// Makes this the parent; `home` is the attribute that holds the child. Fatal for an ancestor.
    void velAdopt( Entity & child, Name const & attribute, void const * home, Path path );
-   /// Ends the parenthood of what has left the attribute `home`, unless it has found another
-   /// parent. Nothing for values and for entities that live elsewhere.
-   template <typename V>
-   static void velOrphan( V const & left, void const * home ) {
-      if constexpr ( requires( Entity * e ) { e = left.get(); } ) {
-         if ( left && left->home_ == home ) {
-            left->parent_ = nullptr;
-            left->parentAttrName_ = Name();
-            left->home_ = nullptr;
-         }
+   /// Ends the parenthood of what has left the attribute `home`, unless it has found another parent.
+   template <typename Child, typename Held>
+   static void velOrphan( Ptr<Child> const & left, Owned<Held> const * home ) {
+      if ( left && left->home_ == home ) {
+         left->parent_ = nullptr;
+         left->parentAttrName_ = Name();
+         left->home_ = nullptr;
       }
    }
+   /// Nothing for values and for entities that live elsewhere.
+   static void velOrphan( auto const &, void const * ) {}
    /// The contents of an attribute, which is empty afterwards.
    template <typename Held>
    [[nodiscard]] static Held velTaken( Held & held ) {
@@ -274,11 +271,11 @@ class VEL_API Entity : public PtrInterface {
    template <typename>
    friend class Owned;
 
+   Name name_; // beside the count of pointers: what goes into a directory needs both
    mutable ObserverList observers_;
    Entity * parent_ = nullptr;
    void const * home_ = nullptr; // the parent's attribute that owns this one
    Path path_ = Path::direct;
-   Name name_;
    Name parentAttrName_;
 };
 
@@ -489,7 +486,7 @@ class Ref : public NotifieeBase {
 #define VEL_MEMBERS_Values_( ... ) VEL_MEMBERS_AnyValues_( HashMap, __VA_ARGS__ )
 #define VEL_MEMBERS_OrderedValues_( ... ) VEL_MEMBERS_AnyValues_( OrderedMap, __VA_ARGS__ )
 
-#define VEL_POINTER_MAP_( ... ) Vel::HashMap<Vel::Name, Vel::Ptr<__VA_ARGS__>>
+#define VEL_POINTER_MAP_( ... ) Vel::HashMap<Vel::Name, Vel::Ptr<__VA_ARGS__>, Vel::NamedPointer>
 #define VEL_MEMBERS_AnyPointers_( owned, name, onName, ... )                                       \
    void name##Is( Vel::Ptr<__VA_ARGS__> const & velNew ) {                                         \
       if ( !velNew ) [[unlikely]] {                                                                \

@@ -214,11 +214,10 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
       return;
    }
    Keys & keys = markedKeys( attribute );
-   if ( auto const found = keys.find( key ); found != keys.end() ) {
-      found->second = found->second || renewed;
-   } else {
-      keys.emplace( key, renewed );
+   if ( auto const [marked, added] = keys.try_emplace( key, renewed ); added ) {
       flow_.markBytes_ += markSize + key.size();
+   } else {
+      marked->second = marked->second || renewed;
    }
    if ( !owned ) {
       mark( attribute );
@@ -259,7 +258,7 @@ bool NboAttrLogSa::childIs( Row const & at, String const & key ) {
       Ptr<NboAttrLogSa> const adaptor = child->velModel().adaptor( *child, flow_ );
       adaptor->parent_ = this;
       adaptor->step_ = step;
-      children.emplace( step, adaptor );
+      children.try_emplace( step, adaptor );
       adaptor->start();
    }
    return gone;

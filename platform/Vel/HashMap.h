@@ -3,7 +3,9 @@
 #include <Vel/String.h>
 #include <Vel/Types.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -20,123 +22,183 @@ std::size_t hashOf( K const & key ) {
    }
 }
 
-/// Unordered map. The entries lie side by side in one array, which iteration walks; erasing moves
-/// the last entry into the gap. An open-addressing table of positions finds them by hash; it is
-/// closed up after an erase, so that coming and going entries never slow it down.
+/// What a HashMap keeps of an entry: its key and its value.
 template <typename K, typename V>
+struct KeyAndValue {
+   K key{};
+   V value{};
+   [[nodiscard]] K const & ownKey() const { return key; }
+   static KeyAndValue of( K key, V value ) { return { std::move( key ), std::move( value ) }; }
+};
+
+/// The same of a pointer to something under its own name: the pointer alone.
+template <typename K, typename P>
+struct NamedPointer {
+   P value{};
+   [[nodiscard]] K const & ownKey() const { return value->name(); }
+   static NamedPointer of( K const &, P value ) { return { std::move( value ) }; }
+};
+
+/// Unordered map: a table of the entries themselves, each at the first free place from the one that
+/// its hash names. A second table has four bytes of the hash beside each place: it answers nearly every
+/// search, and stays in the cache where the entries do not. Both are closed up after an erase, so that
+/// coming and going entries never slow them down. Adding and erasing invalidate iterators.
+template <typename K, typename V, template <typename, typename> typename Stored = KeyAndValue>
 class HashMap {
+   using Place = Stored<K, V>;
+
  public:
    using key_type = K;
    using mapped_type = V;
+
+   /// An entry as it is seen. `Value` is V or V const.
+   template <typename Value>
    struct Entry {
-      K first;
-      V second;
+      K const & first;
+      Value & second;
+      Entry const * operator->() const { return this; }
    };
 
-   [[nodiscard]] std::size_t size() const { return entries_.size(); }
-   [[nodiscard]] bool empty() const { return entries_.empty(); }
-   [[nodiscard]] Entry const * begin() const { return entries_.data(); }
-   [[nodiscard]] Entry const * end() const { return entries_.data() + entries_.size(); }
-   [[nodiscard]] Entry * begin() { return entries_.data(); }
-   [[nodiscard]] Entry * end() { return entries_.data() + entries_.size(); }
+   /// Goes over the entries.
+   template <typename Value>
+   class Iterator {
+    public:
+      using iterator_category = std::input_iterator_tag;
+      using value_type = Entry<Value>;
+      using difference_type = std::ptrdiff_t;
+      using pointer = value_type;
+      using reference = value_type;
+
+      Iterator( HashMap const & map, std::size_t place ) : map_( &map ), place_( place ) {}
+      operator Iterator<Value const>() const { return { *map_, place_ }; }
+      reference operator*() const {
+         Place const & place = map_->places_[place_];
+         return { place.ownKey(), const_cast<Value &>( place.value ) };
+      }
+      pointer operator->() const { return **this; }
+      Iterator & operator++() {
+         ++place_;
+         return skipped();
+      }
+      Iterator & skipped() {
+         while ( place_ != map_->places_.size() && map_->tags_[place_] == unused ) {
+            ++place_;
+         }
+         return *this;
+      }
+      friend bool operator==( Iterator a, Iterator b ) { return a.place_ == b.place_; }
+
+    private:
+      friend HashMap;
+      HashMap const * map_;
+      std::size_t place_;
+   };
+   using iterator = Iterator<V>;
+   using const_iterator = Iterator<V const>;
+
+   HashMap() = default;
+   HashMap( HashMap const & ) = default;
+   HashMap( HashMap && from ) noexcept : HashMap() { *this = std::move( from ); }
+   HashMap & operator=( HashMap const & ) = default;
+   HashMap & operator=( HashMap && from ) noexcept {
+      tags_ = std::exchange( from.tags_, {} );
+      places_ = std::exchange( from.places_, {} );
+      size_ = std::exchange( from.size_, 0 );
+      return *this;
+   }
+   ~HashMap() = default;
+
+   [[nodiscard]] std::size_t size() const { return size_; }
+   [[nodiscard]] bool empty() const { return size_ == 0; }
+   [[nodiscard]] const_iterator begin() const { return const_iterator( *this, 0 ).skipped(); }
+   [[nodiscard]] iterator begin() { return iterator( *this, 0 ).skipped(); }
+   [[nodiscard]] const_iterator end() const { return { *this, places_.size() }; }
+   [[nodiscard]] iterator end() { return { *this, places_.size() }; }
 
    /// The entry of the key, or end().
-   [[nodiscard]] Entry const * find( K const & key ) const {
-      std::size_t const slot = slotOf( key, hashOf( key ) );
-      return slot != none ? &entries_[slots_[slot].position] : end();
-   }
-   [[nodiscard]] Entry * find( K const & key ) {
-      return const_cast<Entry *>( std::as_const( *this ).find( key ) );
-   }
+   [[nodiscard]] const_iterator find( K const & key ) const { return { *this, placeOf( key ) }; }
+   [[nodiscard]] iterator find( K const & key ) { return { *this, placeOf( key ) }; }
 
-   /// Adds an entry whose key must not be there yet.
-   void emplace( K key, V value ) {
-      if ( ( entries_.size() + 1 ) * 2 > slots_.size() ) {
-         rehash( slots_.empty() ? 8 : 2 * slots_.size() );
+   /// The entry of the key, and whether it was added, with `value`: one that is there stays as it is.
+   std::pair<iterator, bool> try_emplace( K key, V value ) {
+      if ( ( size_ + 1 ) * 2 > places_.size() ) {
+         resize( places_.empty() ? 8 : 2 * places_.size() );
       }
-      uint32_t const tag = tagOf( hashOf( key ) );
-      entries_.push_back( { std::move( key ), std::move( value ) } );
-      place( tag, static_cast<uint32_t>( entries_.size() - 1 ) );
-   }
-
-   /// Removes the entry, which must be there.
-   void erase( Entry const * entry ) {
-      auto const position = static_cast<uint32_t>( entry - entries_.data() );
-      vacate( slotOfPosition( hashOf( entry->first ), position ) );
-      auto const last = static_cast<uint32_t>( entries_.size() - 1 );
-      if ( position != last ) {
-         slots_[slotOfPosition( hashOf( entries_[last].first ), last )].position = position;
-         entries_[position] = std::move( entries_[last] );
+      uint32_t const tag = tagOf( key );
+      std::size_t const place = search( tag, key );
+      bool const added = tags_[place] == unused;
+      if ( added ) {
+         tags_[place] = tag;
+         places_[place] = Place::of( std::move( key ), std::move( value ) );
+         ++size_;
       }
-      entries_.pop_back();
+      return { iterator( *this, place ), added };
    }
 
-   void clear() {
-      entries_.clear();
-      slots_.clear();
+   /// Removes the entry, which must be there, and moves later ones of its run back to where their
+   /// search would pass.
+   void erase( const_iterator entry ) {
+      std::size_t gap = entry.place_;
+      for ( std::size_t from = next( gap ); tags_[from] != unused; from = next( from ) ) {
+         std::size_t const fromHome = ( from - home( tags_[from] ) ) & mask();
+         if ( fromHome >= ( ( from - gap ) & mask() ) ) {
+            tags_[gap] = tags_[from];
+            places_[gap] = std::move( places_[from] );
+            gap = from;
+         }
+      }
+      tags_[gap] = unused;
+      places_[gap] = {};
+      --size_;
    }
+
+   void clear() { *this = {}; }
 
  private:
-   static constexpr uint32_t unused = 0xffffffff;
-   static constexpr std::size_t none = ~std::size_t( 0 );
-   struct Slot {
-      uint32_t tag;      // high half of the hash; its home slot comes from it
-      uint32_t position; // of the entry, or `unused`
-   };
+   static constexpr uint32_t unused = 0;
 
-   static uint32_t tagOf( std::size_t hash ) { return static_cast<uint32_t>( hash >> 32 ); }
-   [[nodiscard]] std::size_t next( std::size_t slot ) const {
-      return ( slot + 1 ) & ( slots_.size() - 1 );
+   /// The high half of the hash, the last bit set.
+   static uint32_t tagOf( K const & key ) {
+      return static_cast<uint32_t>( hashOf( key ) >> 32 ) | 1;
    }
-   [[nodiscard]] std::size_t home( uint32_t tag ) const { return tag & ( slots_.size() - 1 ); }
+   [[nodiscard]] std::size_t mask() const { return tags_.size() - 1; }
+   [[nodiscard]] std::size_t home( uint32_t tag ) const { return ( tag >> 1 ) & mask(); }
+   [[nodiscard]] std::size_t next( std::size_t place ) const { return ( place + 1 ) & mask(); }
 
-   [[nodiscard]] std::size_t slotOf( K const & key, std::size_t hash ) const {
-      if ( slots_.empty() ) {
-         return none;
+   /// The place of the key, or the unused one where it would come.
+   [[nodiscard]] std::size_t search( uint32_t tag, K const & key ) const {
+      std::size_t place = home( tag );
+      while ( tags_[place] != unused &&
+              !( tags_[place] == tag && places_[place].ownKey() == key ) ) {
+         place = next( place );
       }
-      uint32_t const tag = tagOf( hash );
-      for ( std::size_t at = home( tag ); slots_[at].position != unused; at = next( at ) ) {
-         if ( slots_[at].tag == tag && entries_[slots_[at].position].first == key ) {
-            return at;
+      return place;
+   }
+   /// The place of the key, or the number of places.
+   [[nodiscard]] std::size_t placeOf( K const & key ) const {
+      if ( empty() ) {
+         return places_.size();
+      }
+      std::size_t const place = search( tagOf( key ), key );
+      return tags_[place] != unused ? place : places_.size();
+   }
+   void resize( std::size_t places ) {
+      HashMap old = std::exchange( *this, {} );
+      tags_.resize( places );
+      places_.resize( places );
+      size_ = old.size_;
+      for ( std::size_t at = 0; at < old.places_.size(); ++at ) {
+         if ( uint32_t const tag = old.tags_[at]; tag != unused ) {
+            std::size_t const place = search( tag, old.places_[at].ownKey() );
+            tags_[place] = tag;
+            places_[place] = std::move( old.places_[at] );
          }
       }
-      return none;
-   }
-   [[nodiscard]] std::size_t slotOfPosition( std::size_t hash, uint32_t position ) const {
-      std::size_t at = home( tagOf( hash ) );
-      while ( slots_[at].position != position ) {
-         at = next( at );
-      }
-      return at;
-   }
-   void place( uint32_t tag, uint32_t position ) {
-      std::size_t at = home( tag );
-      while ( slots_[at].position != unused ) {
-         at = next( at );
-      }
-      slots_[at] = { tag, position };
-   }
-   /// Empties a slot and moves later ones of its run back to where their search would pass.
-   void vacate( std::size_t gap ) {
-      for ( std::size_t at = next( gap ); slots_[at].position != unused; at = next( at ) ) {
-         std::size_t const mask = slots_.size() - 1;
-         std::size_t const fromHome = ( at - home( slots_[at].tag ) ) & mask;
-         if ( fromHome >= ( ( at - gap ) & mask ) ) {
-            slots_[gap] = slots_[at];
-            gap = at;
-         }
-      }
-      slots_[gap].position = unused;
-   }
-   void rehash( std::size_t count ) {
-      slots_.assign( count, { 0, unused } );
-      for ( uint32_t i = 0; i < entries_.size(); ++i ) {
-         place( tagOf( hashOf( entries_[i].first ) ), i );
-      }
    }
 
-   std::vector<Entry> entries_;
-   std::vector<Slot> slots_; // a power of two, at most half in use
+   std::vector<uint32_t> tags_; // of each place, or `unused`; a power of two, at most half in use
+   std::vector<Place> places_;
+   std::size_t size_ = 0;
 };
 
 } // namespace Vel

@@ -4,6 +4,33 @@
 
 #include <Xcvr/XcvrOsfp.h>
 
+#include <limits>
+
+constexpr double unreadable = -std::numeric_limits<double>::infinity();
+
+/// A module of single-mode optics with every page, all lane flags, and all monitors but the voltage.
+inline XcvrTest::CmisImageBuilder opticalModule() {
+   XcvrTest::CmisImageBuilder image;
+   image.raw( "moduleType", 2 )
+      .raw( "moduleState", 0x07 )
+      .application( 1, { 0x11, 0x1c, 8, 4, 0x01, 0x11 } )
+      .application( 2, { 0x0d, 0x14, 2, 1, 0x55, 0x22 } )
+      .text( "vendorName", "Vendor" )
+      .text( "vendorPn", "PN-1" )
+      .text( "vendorSn", "SN-1" )
+      .raw( "powerClass", 0xa0 )
+      .value( "wavelength", 1311 )
+      .raw( "implMonitorsAdvertisement", 0x0107 )
+      .raw( "implFlagsAdvertisement", 0x0f06 )
+      .value( "temperature", 40 )
+      .value( "voltage", 3.3 )
+      .value( "tempHighAlarm", 75 )
+      .lanes( "txBias", 30, 1 )
+      .lanes( "txPower", 1, 0 )
+      .lanes( "rxPower", 0.5, 0 );
+   return image;
+}
+
 /// A module's pages, and a parser over them.
 struct CmisModule {
    CmisModule() = default;

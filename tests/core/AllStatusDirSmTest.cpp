@@ -22,40 +22,47 @@ class Status : public XcvrNewStatus {
    explicit Status( Vel::Name name ) : XcvrNewStatus( std::move( name ), XcvrType::sfpPlus ) {}
 };
 
-/// Six inputs, empty, with the fixed generations equal; two slices are easily added.
+using Singleton = XcvrAllStatusDirSingleton;
+
+/// Six inputs: a fixed transceiver "Ethernet1", whose generations are equal, and a slice "1" with "1/a"
+/// and "1/b", whose generations differ.
 class AggregationTest : public testing::Test {
  protected:
    AggregationTest() {
-      singleton->sliceStatusDirIs( sliceStatusDir );
-      singleton->fixedStatusDirIs( fixedStatusDir );
-      singleton->baseConfigDirIs( baseConfigDir );
-      singleton->fixedConfigDirIs( fixedConfigDir );
-      singleton->agentStatusDirIs( agentStatusDir );
-      singleton->fixedAgentStatusIs( fixedAgentStatus );
       baseConfigDir->entryIs( sliceConfigDir );
+      singleton = newSingleton();
+      fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
+      addSlice( "1" );
    }
-   /// A slice of two statuses, "1/a" and "1/b" of slice "1", whose generations differ.
+   Vel::Ptr<Singleton> newSingleton() const {
+      auto const made = xcvrAllStatusDirSingletonFactory( "singleton" );
+      made->sliceStatusDirIs( sliceStatusDir );
+      made->fixedStatusDirIs( fixedStatusDir );
+      made->baseConfigDirIs( baseConfigDir );
+      made->fixedConfigDirIs( fixedConfigDir );
+      made->agentStatusDirIs( agentStatusDir );
+      made->fixedAgentStatusIs( fixedAgentStatus );
+      return made;
+   }
    void addSlice( Vel::Name const & id ) {
       auto const dir = Vel::dirFactory( id );
       dir->entryIs( new Status( id + "/a" ) );
       dir->entryIs( new Status( id + "/b" ) );
       sliceStatusDir->entryIs( dir );
+      sliceConfigDir->entryIs( allConfigDirFactory( id ) );
       config( id, 1 );
-      auto const agent = xcvrSliceStatusFactory( id );
-      agentStatusDir->entryIs( agent );
+      agentStatusDir->entryIs( xcvrSliceStatusFactory( id ) );
    }
    Vel::Ptr<Vel::Dir> statuses( Vel::Name const & id ) {
       return Vel::dynamicPtr<Vel::Dir>( sliceStatusDir->entry( id ) );
    }
-   Vel::Ptr<XcvrSliceStatus> agent( Vel::Name const & id ) {
-      return Vel::dynamicPtr<XcvrSliceStatus>( agentStatusDir->entry( id ) );
+   void agent( Vel::Name const & id, uint32_t generation ) {
+      Vel::dynamicPtr<XcvrSliceStatus>( agentStatusDir->entry( id ) )->generationIdIs( generation );
    }
    void config( Vel::Name const & id, uint32_t generation ) {
-      if ( !sliceConfigDir->entryHas( id ) ) {
-         sliceConfigDir->entryIs( allConfigDirFactory( id ) );
-      }
       Vel::dynamicPtr<AllConfigDir>( sliceConfigDir->entry( id ) )->generationIdIs( generation );
    }
+   Vel::Ptr<AllStatusDirSm> const & top() const { return singleton->allStatusDirSm(); }
    std::set<std::string> published() const {
       std::set<std::string> names;
       for ( auto const & entry : singleton->allStatusDir()->xcvrStatusMap() ) {
@@ -71,47 +78,35 @@ class AggregationTest : public testing::Test {
    Vel::Ptr<AllConfigDir> fixedConfigDir = allConfigDirFactory( "fixed" );
    Vel::Ptr<Vel::Dir> agentStatusDir = Vel::dirFactory( "agents" );
    Vel::Ptr<XcvrSliceStatus> fixedAgentStatus = xcvrSliceStatusFactory( "fixed" );
-   Vel::Ptr<XcvrAllStatusDirSingleton> singleton = xcvrAllStatusDirSingletonFactory( "singleton" );
+   Vel::Ptr<Singleton> singleton;
 };
 
-TEST_F( AggregationTest, fixedStatusesAreThereWhileTheGenerationsAreEqual ) {
-   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
-   fixedStatusDir->entryIs( new Status( "Ethernet2" ) );
+TEST_F( AggregationTest, statusesAreThereWhileTheirGenerationsAreEqual ) {
    singleton->doStartSm();
    EXPECT_EQ( singleton->allStatusDir()->name(), "xcvrAllStatusDir" );
-   EXPECT_TRUE( singleton->allStatusDirSm()->initialized() );
-   EXPECT_THAT( published(), ElementsAre( "Ethernet1", "Ethernet2" ) );
-   EXPECT_TRUE( singleton->allStatusDirSm()->fixedXcvrs( "Ethernet1" ) );
+   EXPECT_TRUE( top()->initialized() );
+   EXPECT_THAT( published(), ElementsAre( "Ethernet1" ) );
+   EXPECT_TRUE( top()->fixedXcvrs( "Ethernet1" ) );
+   addSlice( "2" );
+   agent( "1", 1 );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
+   EXPECT_TRUE( top()->sliceStatusSm( "1" )->sliceXcvrs( "1/a" ) );
+   agent( "2", 1 );
+   config( "1", 7 );
+   EXPECT_THAT( published(), ElementsAre( "2/a", "2/b", "Ethernet1" ) );
+   agent( "1", 7 );
    fixedConfigDir->generationIdIs( 2 );
-   EXPECT_THAT( published(), IsEmpty() );
-   EXPECT_FALSE( singleton->allStatusDirSm()->fixedXcvrs( "Ethernet1" ) );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b" ) );
+   EXPECT_FALSE( top()->fixedXcvrs( "Ethernet1" ) );
    fixedAgentStatus->generationIdIs( 2 );
-   EXPECT_THAT( published(), ElementsAre( "Ethernet1", "Ethernet2" ) );
+   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b", "Ethernet1" ) );
    EXPECT_EQ( singleton->allStatusDir()->xcvrStatus( "Ethernet1" ).get(),
               fixedStatusDir->entry( "Ethernet1" ).get() );
 }
 
-TEST_F( AggregationTest, aSliceIsThereAsAWholeOnceItsAgentHasCaughtUp ) {
-   addSlice( "1" );
-   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
-   singleton->doStartSm();
-   addSlice( "2" );
-   EXPECT_THAT( published(), ElementsAre( "Ethernet1" ) );
-   agent( "1" )->generationIdIs( 1 );
-   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
-   agent( "2" )->generationIdIs( 1 );
-   config( "1", 7 );
-   EXPECT_THAT( published(), ElementsAre( "2/a", "2/b", "Ethernet1" ) );
-   agent( "1" )->generationIdIs( 7 );
-   EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b", "Ethernet1" ) );
-   EXPECT_TRUE( singleton->allStatusDirSm()->sliceStatusSm( "1" )->sliceXcvrs( "1/a" ) );
-}
-
 TEST_F( AggregationTest, whatComesIsPublishedByTheNextHandshakeAndWhatGoesIsWithdrawnAtOnce ) {
-   addSlice( "1" );
-   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
    singleton->doStartSm();
-   agent( "1" )->generationIdIs( 1 );
+   agent( "1", 1 );
    statuses( "1" )->entryIs( new Status( "1/c" ) );
    fixedStatusDir->entryIs( new Status( "Ethernet2" ) );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
@@ -120,52 +115,50 @@ TEST_F( AggregationTest, whatComesIsPublishedByTheNextHandshakeAndWhatGoesIsWith
    EXPECT_THAT( published(), ElementsAre( "1/b" ) );
    statuses( "1" )->entryIs( new Status( "1/b" ) ); // another one under the same name
    EXPECT_THAT( published(), IsEmpty() );
-   singleton->allStatusDirSm()->handleEntryState( "1" );
-   singleton->allStatusDirSm()->handleFixedStatusGenId();
+   top()->handleEntryState( "1" );
+   top()->handleFixedStatusGenId();
    EXPECT_THAT( published(), ElementsAre( "1/b", "1/c", "Ethernet2" ) );
    EXPECT_EQ( singleton->allStatusDir()->xcvrStatus( "1/b" ).get(),
               statuses( "1" )->entry( "1/b" ).get() );
 }
 
 TEST_F( AggregationTest, slicesComeAndGoWithEitherOfTheirEntries ) {
-   addSlice( "1" );
+   fixedStatusDir->entryDel( "Ethernet1" );
    singleton->doStartSm();
-   auto const top = singleton->allStatusDirSm();
-   auto const status = agent( "1" );
+   auto const status = agentStatusDir->entry( "1" );
    auto const dir = statuses( "1" );
-   status->generationIdIs( 1 );
+   agent( "1", 1 );
    agentStatusDir->entryDel( "1" );
-   EXPECT_FALSE( top->sliceStatusSm( "1" ) );
+   EXPECT_FALSE( top()->sliceStatusSm( "1" ) );
    EXPECT_THAT( published(), IsEmpty() );
    agentStatusDir->entryIs( Vel::dirFactory( "1" ) ); // which is no agent's status
-   EXPECT_FALSE( top->sliceStatusSm( "1" ) );
+   EXPECT_FALSE( top()->sliceStatusSm( "1" ) );
    agentStatusDir->entryIs( status );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
-   auto const sm = top->sliceStatusSm( "1" );
+   auto const sm = top()->sliceStatusSm( "1" );
    sliceStatusDir->entryDel( "1" );
    EXPECT_THAT( published(), IsEmpty() );
    EXPECT_EQ( sm->sliceXcvrsCount(), 0u );
    config( "1", 2 ); // nobody looks at this any more
-   status->generationIdIs( 2 );
+   agent( "1", 2 );
    EXPECT_THAT( published(), IsEmpty() );
    sliceStatusDir->entryIs( dir );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
    // The agent's status is replaced by one that lags.
    agentStatusDir->entryIs( xcvrSliceStatusFactory( "1" ) );
    EXPECT_THAT( published(), IsEmpty() );
-   agent( "1" )->generationIdIs( 2 );
+   agent( "1", 2 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
 }
 
 TEST_F( AggregationTest, aSliceFollowsItsConfigurationWhereverItComesFrom ) {
-   addSlice( "1" );
-   agent( "1" )->generationIdIs( 1 );
+   fixedStatusDir->entryDel( "Ethernet1" );
+   agent( "1", 1 );
    auto const configured = sliceConfigDir->entry( "1" );
    baseConfigDir->entryDel( "slice" );
    singleton->doStartSm();
-   auto const top = singleton->allStatusDirSm();
    EXPECT_THAT( published(), IsEmpty() ) << "no configuration";
-   EXPECT_FALSE( top->sliceConfigDir() );
+   EXPECT_FALSE( top()->sliceConfigDir() );
    baseConfigDir->entryIs( Vel::dirFactory( "other" ) );
    baseConfigDir->entryIs( sliceConfigDir );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
@@ -174,49 +167,48 @@ TEST_F( AggregationTest, aSliceFollowsItsConfigurationWhereverItComesFrom ) {
    sliceConfigDir->entryIs( configured );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) );
    baseConfigDir->entryIs( allConfigDirFactory( "slice" ) ); // which is no directory
-   EXPECT_FALSE( top->sliceConfigDir() );
+   EXPECT_FALSE( top()->sliceConfigDir() );
    EXPECT_THAT( published(), IsEmpty() );
+   config( "1", 2 );
    config( "1", 1 );
    EXPECT_THAT( published(), IsEmpty() ) << "of a directory that is not looked at";
 }
 
-TEST_F( AggregationTest, theEndOfAnInputWithdrawsWhatRestedOnIt ) {
-   using End = void ( XcvrAllStatusDirSingleton::* )();
+TEST_F( AggregationTest, startsOnceWithAllInputsAndTheEndOfOneWithdrawsWhatRestedOnIt ) {
    struct {
-      End end;
+      void ( Singleton::*end )();
+      char const * missing;
       std::set<std::string> left;
-   } const cases[] = {
-      { &XcvrAllStatusDirSingleton::sliceStatusDirDel, { "Ethernet1" } },
-      { &XcvrAllStatusDirSingleton::agentStatusDirDel, { "Ethernet1" } },
-      { &XcvrAllStatusDirSingleton::baseConfigDirDel, { "Ethernet1" } },
-      { &XcvrAllStatusDirSingleton::fixedStatusDirDel, { "1/a", "1/b" } },
-      { &XcvrAllStatusDirSingleton::fixedConfigDirDel, { "1/a", "1/b" } },
-      { &XcvrAllStatusDirSingleton::fixedAgentStatusDel, { "1/a", "1/b" } },
+   } const inputs[] = {
+      { &Singleton::fixedAgentStatusDel, "fixedAgentStatus\\(\\)", { "1/a", "1/b" } },
+      { &Singleton::fixedConfigDirDel, "fixedConfigDir\\(\\)", { "1/a", "1/b" } },
+      { &Singleton::agentStatusDirDel, "agentStatusDir\\(\\)", { "Ethernet1" } },
+      { &Singleton::baseConfigDirDel, "baseConfigDir\\(\\)", { "Ethernet1" } },
+      { &Singleton::fixedStatusDirDel, "fixedStatusDir\\(\\)", { "1/a", "1/b" } },
+      { &Singleton::sliceStatusDirDel, "sliceStatusDir\\(\\)", { "Ethernet1" } },
    };
-   addSlice( "1" );
-   agent( "1" )->generationIdIs( 1 );
-   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
-   for ( auto const & test : cases ) {
-      auto const fresh = xcvrAllStatusDirSingletonFactory( "singleton" );
-      fresh->sliceStatusDirIs( sliceStatusDir );
-      fresh->fixedStatusDirIs( fixedStatusDir );
-      fresh->baseConfigDirIs( baseConfigDir );
-      fresh->fixedConfigDirIs( fixedConfigDir );
-      fresh->agentStatusDirIs( agentStatusDir );
-      fresh->fixedAgentStatusIs( fixedAgentStatus );
-      fresh->doStartSm();
-      singleton = fresh;
+   agent( "1", 1 );
+   auto const lacking = newSingleton();
+   for ( auto const & input : inputs ) {
+      SCOPED_TRACE( input.missing );
+      ( *lacking.*input.end )(); // the earlier ones are asked for first
+      EXPECT_DEATH( lacking->doStartSm(), input.missing );
+      singleton = newSingleton();
+      singleton->doStartSm();
       EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
-      ( *fresh.*test.end )();
-      EXPECT_EQ( published(), test.left ) << &test - cases;
+      ( *singleton.*input.end )();
+      EXPECT_EQ( published(), input.left );
    }
+   EXPECT_DEATH( singleton->doStartSm(), "!allStatusDirSm\\(\\)" );
    // And with the singleton everything goes.
+   singleton = newSingleton();
+   singleton->doStartSm();
    auto const all = singleton->allStatusDir();
-   auto const top = singleton->allStatusDirSm();
+   auto const ended = top();
    singleton = nullptr;
    EXPECT_TRUE( all->xcvrStatusMap().empty() );
-   EXPECT_FALSE( top->sliceStatusSm( "1" ) );
-   agent( "1" )->generationIdIs( 5 );
+   EXPECT_FALSE( ended->sliceStatusSm( "1" ) );
+   agent( "1", 5 );
    config( "1", 5 );
    EXPECT_TRUE( all->xcvrStatusMap().empty() );
 }
@@ -236,14 +228,14 @@ class Meddler : public AllNewStatusDir::NotifieeConst {
 };
 
 TEST_F( AggregationTest, theLastWordIsThatOfAHandshakeWithinAHandshake ) {
-   addSlice( "1" );
+   fixedStatusDir->entryDel( "Ethernet1" );
    singleton->doStartSm();
    Meddler ends( [&] { config( "1", 3 ); } );
    ends.notifierIs( singleton->allStatusDir().get() );
-   agent( "1" )->generationIdIs( 1 );
+   agent( "1", 1 );
    EXPECT_THAT( published(), IsEmpty() ) << "outdated while it was being published";
-   agent( "1" )->generationIdIs( 3 );
-   Meddler returns( [&] { agent( "1" )->generationIdIs( 4 ); } );
+   agent( "1", 3 );
+   Meddler returns( [&] { agent( "1", 4 ); } );
    returns.notifierIs( singleton->allStatusDir().get() );
    config( "1", 4 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) ) << "valid again while it was withdrawn";
@@ -251,81 +243,44 @@ TEST_F( AggregationTest, theLastWordIsThatOfAHandshakeWithinAHandshake ) {
    removes.notifierIs( singleton->allStatusDir().get() );
    config( "1", 5 );
    EXPECT_THAT( published(), IsEmpty() );
-   EXPECT_FALSE( singleton->allStatusDirSm()->sliceStatusSm( "1" ) );
-}
-
-std::vector<std::string> notes( TraceCapture & capture ) {
-   std::vector<std::string> all;
-   for ( auto const & record : capture.takeRecords() ) {
-      EXPECT_EQ( record.source, "XcvrAllStatusDirSm" );
-      EXPECT_EQ( record.level, 8 );
-      if ( !record.text.empty() ) {
-         all.push_back( record.operation + ": " + record.text );
-      }
-   }
-   return all;
+   EXPECT_FALSE( top()->sliceStatusSm( "1" ) );
 }
 
 TEST_F( AggregationTest, traces ) {
-   fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
-   addSlice( "1" );
    statuses( "1" )->entryDel( "1/b" );
+   auto const configured = sliceConfigDir->entry( "1" );
    sliceConfigDir->entryDel( "1" );
-   TraceCapture capture( "XcvrAllStatusDirSm" );
+   TraceCapture capture( "XcvrAllStatusDirSm", 8 );
    singleton->doStartSm();
-   EXPECT_THAT( notes( capture ),
+   EXPECT_THAT( capture.takeNotes(),
                 ElementsAre( "handleFixedStatusGenId: Adding fixed xcvr Ethernet1",
                              "handleInitialized: Creating xcvrStatus reactor for 1",
                              "handleAgentStatusGenId: 1 no xcvrConfig" ) );
-   agent( "1" )->generationIdIs( 1 );
-   EXPECT_THAT( notes( capture ), ElementsAre( "handleAgentStatusGenId: 1 no xcvrConfig" ) );
-   auto const config = allConfigDirFactory( "1" );
-   config->generationIdIs( 1 );
-   sliceConfigDir->entryIs( config );
-   EXPECT_THAT( notes( capture ), ElementsAre( "handleEntryState: handleEntryState for 1",
-                                               "handleAgentStatusGenId: 1 xcGenId 1 xsGenId 1",
-                                               "handleAgentStatusGenId: Adding sliced xcvr 1/a" ) );
-   config->generationIdIs( 2 );
+   agent( "1", 1 );
+   EXPECT_THAT( capture.takeNotes(), ElementsAre( "handleAgentStatusGenId: 1 no xcvrConfig" ) );
+   sliceConfigDir->entryIs( configured );
+   EXPECT_THAT( capture.takeNotes(),
+                ElementsAre( "handleEntryState: handleEntryState for 1",
+                             "handleAgentStatusGenId: 1 xcGenId 1 xsGenId 1",
+                             "handleAgentStatusGenId: Adding sliced xcvr 1/a" ) );
+   config( "1", 2 );
    fixedConfigDir->generationIdIs( 2 );
-   EXPECT_THAT( notes( capture ),
+   EXPECT_THAT( capture.takeNotes(),
                 ElementsAre( "handleAgentStatusGenId: 1 xcGenId 2 xsGenId 1",
                              "handleAgentStatusGenId: Removing sliced xcvr 1/a",
                              "handleFixedStatusGenId: Removing fixed xcvr Ethernet1" ) );
 }
 
-using AggregationDeathTest = AggregationTest;
-
-TEST_F( AggregationDeathTest, startsOnceAndWithAllInputs ) {
-   struct {
-      void ( XcvrAllStatusDirSingleton::*missing )();
-      char const * text;
-   } const cases[] = {
-      { &XcvrAllStatusDirSingleton::fixedAgentStatusDel, "fixedAgentStatus\\(\\)" },
-      { &XcvrAllStatusDirSingleton::fixedConfigDirDel, "fixedConfigDir\\(\\)" },
-      { &XcvrAllStatusDirSingleton::agentStatusDirDel, "agentStatusDir\\(\\)" },
-      { &XcvrAllStatusDirSingleton::baseConfigDirDel, "baseConfigDir\\(\\)" },
-      { &XcvrAllStatusDirSingleton::fixedStatusDirDel, "fixedStatusDir\\(\\)" },
-      { &XcvrAllStatusDirSingleton::sliceStatusDirDel, "sliceStatusDir\\(\\)" },
-   };
-   EXPECT_DEATH( ( singleton->doStartSm(), singleton->doStartSm() ), "!allStatusDirSm\\(\\)" );
-   for ( auto const & test : cases ) {
-      ( *singleton.*test.missing )(); // the earlier ones are asked for first
-      EXPECT_DEATH( singleton->doStartSm(), test.text );
-   }
-}
-
-TEST_F( AggregationDeathTest, anEntryThatIsNoStatusIsFatal ) {
-   addSlice( "1" );
+TEST_F( AggregationTest, anEntryThatIsNoStatusIsFatal ) {
    statuses( "1" )->entryIs( Vel::dirFactory( "none" ) );
    singleton->doStartSm();
-   EXPECT_DEATH( agent( "1" )->generationIdIs( 1 ), "\\bxs\\b" );
+   EXPECT_DEATH( agent( "1", 1 ), "\\bxs\\b" );
    fixedStatusDir->entryIs( Vel::dirFactory( "none" ) );
-   EXPECT_DEATH( singleton->allStatusDirSm()->handleFixedStatusGenId(), "\\bxs\\b" );
+   EXPECT_DEATH( top()->handleFixedStatusGenId(), "\\bxs\\b" );
 }
 
 TEST( MounterTest, mountsWhatEveryReaderOfStatusNeeds ) {
    Statedb::EntityManager manager;
-   manager.entityIs( "hardware/xcvr/xgc", xgcFactory( "xgc" ) );
    Vel::Ptr<Statedb::MountGroup> const group( new Statedb::MountGroup( "status" ) );
    manager.mountGroupIs( group );
    Mounter::doMountXcvrStatus( group, new Statedb::Mount( "hardware/xcvr/status", "Vel::Dir" ) );
@@ -339,12 +294,6 @@ TEST( MounterTest, mountsWhatEveryReaderOfStatusNeeds ) {
    EXPECT_THAT( mounts,
                 ElementsAre( "hardware/xcvr/attenuation Xcvr::ModelToAttenuation",
                              "hardware/xcvr/status Vel::Dir", "hardware/xcvr/xgc Xcvr::Xgc" ) );
-   EXPECT_EQ( group->mount( "hardware/xcvr/xgc" )->target(),
-              manager.entity( "hardware/xcvr/xgc" ).get() );
-   EXPECT_FALSE( group->complete() );
-   manager.entityIs( "hardware/xcvr/attenuation", modelToAttenuationFactory( "attenuation" ) );
-   manager.entityIs( "hardware/xcvr/status", Vel::dirFactory( "status" ) );
-   EXPECT_TRUE( group->complete() );
 }
 
 } // namespace

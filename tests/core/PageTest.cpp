@@ -48,46 +48,39 @@ TEST( PageView, ValueIsInTheUnitOfTheField ) {
 }
 
 TEST( MemoryMap, FaultyTablesAreRefused ) {
-   static constexpr MemoryBit bits[] = { { 7, "high" }, { 0, "low" } };
+   static constexpr MemoryBit high[] = { { 7, "high" }, { 0, "low" } };
    static constexpr MemoryBit unordered[] = { { 0, "low" }, { 7, "high" } };
    static constexpr MemoryBit outside[] = { { 8, "ninth" } };
    MemoryField const first{ "first", "p", 0, 2, u16be };
-   struct Case {
-      std::string_view fault;
-      std::vector<MemoryField> fields;
+   auto const bitField = [&]( std::span<MemoryBit const> of, uint16_t at = 0 ) {
+      return MemoryField{ "bits", "p", at, 1, MemoryKind::bits, "", 1, of };
    };
-   Case const cases[] = {
-      { "",
-        { first, { "bits", "p", 2, 1, MemoryKind::bits, "", 1, bits }, { "x", "q", 0, 1, u8 } } },
+   using Fields = std::vector<MemoryField>;
+   std::pair<std::string_view, Fields> const cases[] = {
+      { "", { first, bitField( high, 2 ), { "x", "q", 0, 1, u8 } } },
       { "", { first, { "again", "p", 1, 1, u8, "", 1, {}, true } } },
       { "the width of a row does not fit its kind", { { "first", "p", 0, 2, u8 } } },
-      { "the width of a row does not fit its kind", { { "bits", "p", 0, 1, MemoryKind::bits } } },
+      { "the width of a row does not fit its kind", { bitField( {} ) } },
       { "a row runs off its page", { { "first", "p", 15, 2, u16be } } },
-      { "the bits of a row are out of order or outside it",
-        { { "bits", "p", 0, 1, MemoryKind::bits, "", 1, unordered } } },
-      { "the bits of a row are out of order or outside it",
-        { { "bits", "p", 0, 1, MemoryKind::bits, "", 1, outside } } },
+      { "the bits of a row are out of order or outside it", { bitField( unordered ) } },
+      { "the bits of a row are out of order or outside it", { bitField( outside ) } },
       { "rows are out of order", { { "second", "p", 2, 1, u8 }, first } },
       { "two rows have one name", { first, { "first", "p", 2, 1, u8 } } },
       { "rows overlap without being marked as shared", { first, { "next", "p", 1, 1, u8 } } },
       { "a row marked as shared shares nothing",
         { first, { "x", "p", 2, 1, u8, "", 1, {}, true } } },
    };
-   for ( Case const & c : cases ) {
-      EXPECT_EQ( memoryMapFault( c.fields, 16 ), c.fault );
+   for ( auto const & [fault, fields] : cases ) {
+      EXPECT_EQ( memoryMapFault( fields, 16 ), fault );
    }
-}
-
-TEST( MemoryMap, FaultyConditionsAreRefused ) {
-   static constexpr MemoryBit bits[] = { { 3, "used" } };
-   MemoryField const fields[] = { { "flags", "p", 0, 1, MemoryKind::bits, "", 1, bits },
-                                  { "number", "p", 4, 1, u8 } };
-   using Conditions = std::vector<MemoryCondition>;
-   EXPECT_EQ( memoryConditionsFault( Conditions{ { "p", 2, 9, "flags", "used" } }, fields ), "" );
-   EXPECT_EQ( memoryConditionsFault( Conditions{ { "p", 2, 9, "flags", "other" } }, fields ),
+   Fields const fields = { bitField( high ), { "number", "p", 4, 1, u8 } };
+   auto const conditionFault = [&]( MemoryCondition const & condition ) {
+      return memoryConditionsFault( std::vector{ condition }, fields );
+   };
+   EXPECT_EQ( conditionFault( { "p", 2, 9, "bits", "high" } ), "" );
+   EXPECT_EQ( conditionFault( { "p", 2, 9, "bits", "other" } ),
               "a condition names no bit of the table" );
-   EXPECT_EQ( memoryConditionsFault( Conditions{ { "p", 5, 9, "flags", "used" } }, fields ),
-              "a condition covers no row" );
+   EXPECT_EQ( conditionFault( { "p", 5, 9, "bits", "high" } ), "a condition covers no row" );
 }
 
 TEST( Checksum, SumsSignedBytesOfAnyLength ) {

@@ -18,12 +18,6 @@ VEL_ENUM_DEFINE( Register )
 VEL_ENUM( Switch, off, on )
 VEL_ENUM_DEFINE( Switch )
 
-class Holder {
- public:
-   VEL_MEMBER_ENUM( Reason, none, heat )
-};
-VEL_MEMBER_ENUM_DEFINE( Holder, Reason )
-
 template <typename E>
 std::string printed( E value ) {
    std::ostringstream out;
@@ -35,44 +29,32 @@ TEST( Enum, NamesAndCodesAsDeclared ) {
    std::pair<char const *, uint32_t> const declared[] = {
       { "control", 0 }, { "status", 16 },  { "statusMirror", 16 },
       { "next", 17 },   { "decimal", 16 }, { "last", 0xffffffff } };
-   Vel::EnumModel const & model = velEnumModel( Register::control );
-   EXPECT_EQ( model.typeName, "EnumTest::Register" );
-   EXPECT_EQ( model.count, std::size( declared ) );
+   EXPECT_EQ( velEnumModel( Register() ).typeName, "EnumTest::Register" );
+   EXPECT_EQ( velEnumModel( Register() ).count, std::size( declared ) );
    for ( auto const & [name, code] : declared ) {
-      SCOPED_TRACE( name );
       Register const value = RegisterInstance( name );
-      EXPECT_EQ( static_cast<uint32_t>( value ), code );
+      EXPECT_EQ( static_cast<uint32_t>( value ), code ) << name;
       // Of several names of one code the first is its string form.
-      std::string const form = code == 16 ? "status" : name;
-      EXPECT_EQ( stringValue( value ), form );
-      EXPECT_EQ( printed( value ), form );
+      EXPECT_EQ( printed( value ), code == 16 ? "status" : name );
    }
    EXPECT_EQ( Register::decimal, Register::statusMirror );
-   EXPECT_EQ( Holder::ReasonInstance( "heat" ), Holder::Reason::heat );
-   EXPECT_EQ( stringValue( Holder::Reason::heat ), "heat" );
-   EXPECT_EQ( velEnumModel( Holder::Reason::heat ).typeName, "EnumTest::Holder::Reason" );
+   for ( uint32_t code : { 1U, 15U, 18U, 0xfffffffeU } ) {
+      EXPECT_EQ( printed( Register( code ) ), std::to_string( code ) ) << "has no name";
+      EXPECT_EQ( velEnumModel( Register() ).byCode( code ), nullptr );
+   }
+   EXPECT_EQ( stringValue( Switch( 2 ) ), "2" ) << "just beyond an enumeration without gaps";
+   EXPECT_EQ( velEnumModel( Switch() ).byCode( 2 ), nullptr );
 }
 
 TEST( Enum, WhatIsNoNameIsRefused ) {
    for ( char const * text :
          { "", "Status", "statu", "statuss", " status", "status = 0x10", "16" } ) {
       try {
-         static_cast<void>( RegisterInstance( text ) );
-         FAIL() << text;
+         ADD_FAILURE() << text << " was read as " << RegisterInstance( text );
       } catch ( Vel::ParseException const & error ) {
-         EXPECT_EQ( error.position(), 0U );
          EXPECT_EQ( error.expected(), "a name of EnumTest::Register" );
       }
    }
-}
-
-TEST( Enum, CodeWithoutNamePrintsAsItsNumber ) {
-   for ( uint32_t code : { 1U, 15U, 18U, 0xfffffffeU } ) {
-      EXPECT_EQ( printed( Register( code ) ), std::to_string( code ) );
-      EXPECT_EQ( velEnumModel( Register() ).byCode( code ), nullptr );
-   }
-   EXPECT_EQ( stringValue( Switch( 2 ) ), "2" ) << "just beyond an enumeration without gaps";
-   EXPECT_EQ( velEnumModel( Switch() ).byCode( 2 ), nullptr );
 }
 
 } // namespace EnumTest

@@ -43,17 +43,10 @@ class Maps {
 };
 
 inline All filledAll() {
-   return { true,
-            255,
-            65535,
-            -32768,
-            0x01234567,
-            18446744073709551615U,
-            -std::numeric_limits<double>::infinity(),
-            "it's \\ a\n",
-            Mode::remote,
-            Point( 32767, Mode::on ),
-            Vel::U4( 15 ) };
+   constexpr double infinity = std::numeric_limits<double>::infinity();
+   Point const point( 32767, Mode::on );
+   return { true,      255,           65535,        -32768, 0x01234567,   18446744073709551615U,
+            -infinity, "it's \\ a\n", Mode::remote, point,  Vel::U4( 15 ) };
 }
 
 inline Maps filledMaps() {

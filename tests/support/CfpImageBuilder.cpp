@@ -1,19 +1,14 @@
 #include "tests/support/CfpImageBuilder.h"
 
+#include "tests/support/ImageBuilder.h"
+
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <numeric>
-#include <stdexcept>
 
 namespace XcvrTest {
 namespace {
 
 using namespace Xcvr;
-
-[[noreturn]] void refuse( std::string_view name, char const * why ) {
-   throw std::invalid_argument( std::string( name ) + ": " + why );
-}
 
 uint32_t maskOf( FieldDescriptor field ) {
    return field.width >= 32 ? ~0u : ( 1u << field.width ) - 1;
@@ -75,15 +70,12 @@ CfpImageBuilder & CfpImageBuilder::raw( std::string_view name, uint32_t number, 
 
 CfpImageBuilder & CfpImageBuilder::value( std::string_view name, double value, uint8_t lane ) {
    CfpRegister const & row = registerNamed( name );
-   bool const isSigned = row.kind == CfpRegisterKind::signedWord;
-   double const codes = std::ldexp( 1, row.field.width );
-   double const code = std::round( value / row.scale );
-   if ( row.unit.empty() || code < ( isSigned ? -codes / 2 : 0 ) ||
-        code >= ( isSigned ? codes / 2 : codes ) ) {
-      refuse( name, "no unit, or value out of range" );
+   if ( row.unit.empty() ) {
+      refuse( name, "no unit" );
    }
-   return raw( name, static_cast<uint32_t>( static_cast<int32_t>( code ) ) & maskOf( row.field ),
-               lane );
+   uint64_t const code =
+      codeOf( name, value, row.scale, row.field.width, row.kind == CfpRegisterKind::signedWord );
+   return raw( name, static_cast<uint32_t>( code ) & maskOf( row.field ), lane );
 }
 
 CfpImageBuilder & CfpImageBuilder::text( std::string_view name, std::string_view text ) {
@@ -104,29 +96,15 @@ CfpImageBuilder & CfpImageBuilder::bit( std::string_view name, std::string_view 
    if ( found == row.bits.end() ) {
       refuse( bit, "no such bit" );
    }
-   unsigned const mask = 1u << found->bit;
-   if ( cfpRegisterWidth( row.table ) == 8 && found->bit >= 8 ) { // the first register of two
-      at( row, 0 ) = static_cast<uint16_t>( at( row, 0 ) | mask >> 8 );
-   } else {
-      uint16_t & word =
-         at( row, cfpRegisterWidth( row.table ) == 8 ? row.field.width / 8u - 1 : 0 );
-      word = static_cast<uint16_t>( word | mask );
-   }
+   unsigned const width = cfpRegisterWidth( row.table );
+   unsigned const lowest = row.field.width > width ? row.field.width / width - 1u : 0; // the last
+   uint16_t & word = at( row, lowest - found->bit / width );
+   word = static_cast<uint16_t>( word | 1u << found->bit % width );
    return *this;
 }
 
 CfpImageBuilder & CfpImageBuilder::at( CfpMsaMisTableId id, uint16_t address, uint16_t number ) {
    table( id ).at( static_cast<size_t>( address ) - cfpFirstAddress( id ) ) = number;
-   return *this;
-}
-
-CfpImageBuilder & CfpImageBuilder::missing( CfpMsaMisTableId id ) {
-   tables_.erase( id );
-   return *this;
-}
-
-CfpImageBuilder & CfpImageBuilder::checksumBroken( CfpMsaMisTableId id ) {
-   brokenChecksum_ = id;
    return *this;
 }
 
@@ -164,13 +142,10 @@ std::string CfpImageBuilder::image( CfpMsaMisTableId id ) const {
 }
 
 Vel::String CfpImageBuilder::bytes( CfpMsaMisTableId id ) const {
-   std::string bytes = image( id );
-   if ( cfpRegisterWidth( id ) == 16 && std::endian::native == std::endian::little ) {
-      for ( size_t at = 0; at < bytes.size(); at += 2 ) {
-         std::swap( bytes[at], bytes[at + 1] );
-      }
-   }
-   return std::string_view( bytes );
+   Registers const words = summedUp( id );
+   return cfpRegisterWidth( id ) == 16
+             ? Vel::String( reinterpret_cast<char const *>( words.data() ), 2 * words.size() )
+             : Vel::String( std::string_view( image( id ) ) );
 }
 
 void CfpImageBuilder::writeTo( CfpMsaMisIdEepromContents & contents ) const {

@@ -26,8 +26,14 @@ class CfpImageBuilder {
    CfpImageBuilder & bit( std::string_view name, std::string_view bit );
    /// A register that has no name.
    CfpImageBuilder & at( Xcvr::CfpMsaMisTableId table, uint16_t address, uint16_t number );
-   CfpImageBuilder & missing( Xcvr::CfpMsaMisTableId table );
-   CfpImageBuilder & checksumBroken( Xcvr::CfpMsaMisTableId table );
+   CfpImageBuilder & missing( Xcvr::CfpMsaMisTableId table ) {
+      tables_.erase( table );
+      return *this;
+   }
+   CfpImageBuilder & checksumBroken( Xcvr::CfpMsaMisTableId table ) {
+      brokenChecksum_ = table;
+      return *this;
+   }
 
    /// The registers of a table, one after the other, those of words high byte first; empty for a table
    /// that is not there.

@@ -2,86 +2,154 @@
 
 #include <Xcvr/XcvrMemoryMap.h>
 
+#include <bit>
+#include <cmath>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 namespace XcvrTest {
 
-/// The pages of a module's image, written through the field table of its family. A name that the table
-/// lacks throws.
-class ModulePages {
- public:
-   using Labels = std::span<std::string_view const>;
+[[noreturn]] inline void refuse( std::string_view name, char const * why ) {
+   throw std::invalid_argument( std::string( name ) + ": " + why );
+}
 
-   /// Pages of zeros, but for blank texts.
-   ModulePages( std::span<Xcvr::MemoryField const> fields, Labels labels, size_t pageSize );
-
-   void valueIs( std::string_view field, double value );
-   void rawIs( std::string_view field, uint64_t number );
-   void textIs( std::string_view field, std::string_view text );
-   void bitIs( std::string_view field, std::string_view bit );
-   void checksumBrokenIs( std::string_view field );
-
-   [[nodiscard]] std::string const & page( std::string_view label ) const {
-      return pages_.at( label );
+/// What is stored for a value, in as many bits; one that does not fit is refused.
+inline uint64_t codeOf( std::string_view name, double value, double scale, unsigned bits,
+                        bool isSigned ) {
+   double const codes = std::ldexp( 1, static_cast<int>( bits ) );
+   double const code = std::round( value / scale );
+   if ( code < ( isSigned ? -codes / 2 : 0 ) || code >= ( isSigned ? codes / 2 : codes ) ) {
+      refuse( name, "value out of range" );
    }
-   /// The bytes of a page with the sum of the bytes from `first` up to a stored checksum in that, one
-   /// off for the checksum that is to be broken.
-   void sumUp( std::string & page, size_t first, std::string_view stored ) const;
+   return static_cast<uint64_t>( static_cast<int64_t>( code ) );
+}
 
- private:
-   [[nodiscard]] Xcvr::MemoryField const & fieldNamed( std::string_view name ) const;
-   [[nodiscard]] std::string & pageOf( Xcvr::MemoryField const & field ) {
-      return pages_.at( field.page );
-   }
-
-   std::span<Xcvr::MemoryField const> fields_;
-   std::map<std::string_view, std::string> pages_;
-   std::string brokenChecksum_;
+/// A stored checksum: the sum of the bytes of its page from the first one up to it.
+struct PageSum {
+   std::string_view page;
+   size_t first;
+   std::string_view field;
 };
 
-/// The setters of a family's builder, each of which returns the builder.
+/// Builds the memory of a module of one family from fields and bits named as in its field table; a name
+/// that it lacks throws. Pages are whole and of zeros, but for blank texts; their checksums come out
+/// right unless one is broken on purpose.
 template <typename Builder>
 class ImageBuilder {
  public:
    /// A number in the field's unit.
-   Builder & value( std::string_view field, double value ) {
-      pages_.valueIs( field, value );
-      return builder();
+   Builder & value( std::string_view name, double value ) {
+      using enum Xcvr::MemoryKind;
+      Xcvr::MemoryField const & field = fieldNamed( name );
+      return raw( name, field.kind == f32be ? std::bit_cast<uint32_t>( static_cast<float>( value ) )
+                                            : codeOf( name, value, field.scale, field.width * 8u,
+                                                      field.kind == s8 || field.kind == s16be ) );
    }
    /// A number as stored.
-   Builder & raw( std::string_view field, uint64_t number ) {
-      pages_.rawIs( field, number );
+   Builder & raw( std::string_view name, uint64_t number ) {
+      Xcvr::MemoryField const & field = fieldNamed( name );
+      for ( size_t at = field.end(); at-- > field.at; number >>= 8 ) {
+         byte( field.page, at, static_cast<uint8_t>( number ) );
+      }
       return builder();
    }
-   Builder & text( std::string_view field, std::string_view text ) {
-      pages_.textIs( field, text );
+   Builder & text( std::string_view name, std::string_view text ) {
+      Xcvr::MemoryField const & field = fieldNamed( name );
+      if ( text.size() > field.width ) {
+         refuse( name, "text too long" );
+      }
+      std::string padded( text );
+      padded.resize( field.width, ' ' );
+      pages_.at( field.page ).replace( field.at, field.width, padded );
       return builder();
    }
-   Builder & bit( std::string_view field, std::string_view bit ) {
-      pages_.bitIs( field, bit );
+   Builder & bit( std::string_view name, std::string_view bit ) {
+      Xcvr::MemoryField const & field = fieldNamed( name );
+      Xcvr::MemoryBitPlace const place = Xcvr::findMemoryBit( field, bit );
+      if ( place.mask == 0 ) {
+         refuse( bit, "no such bit" );
+      }
+      auto const before = static_cast<uint8_t>( pages_.at( field.page )[place.at] );
+      return byte( field.page, place.at, before | place.mask );
+   }
+   /// One byte, wherever it lies.
+   Builder & byte( std::string_view page, size_t at, unsigned value ) {
+      pages_.at( page )[at] = static_cast<char>( value );
       return builder();
    }
    /// Stores a checksum that is one off; the field is one of the stored checksums.
    Builder & checksumBroken( std::string_view field ) {
-      pages_.checksumBrokenIs( field );
+      brokenChecksum_ = fieldNamed( field ).name;
+      return builder();
+   }
+   /// The page of that label is not there, or there again.
+   Builder & missing( std::string_view page ) {
+      missing_.emplace( page );
+      return builder();
+   }
+   Builder & present( std::string_view page ) {
+      missing_.erase( std::string( page ) );
+      return builder();
+   }
+   /// All bytes of a page.
+   Builder & pageIs( std::string_view label, std::string_view bytes ) {
+      pages_.at( label ) = bytes;
       return builder();
    }
 
- protected:
-   ImageBuilder( std::span<Xcvr::MemoryField const> fields, ModulePages::Labels labels,
-                 size_t pageSize )
-      : pages_( fields, labels, pageSize ) {}
+   /// By the label of the page: "lower", "00h", …; empty for one that is missing.
+   [[nodiscard]] std::string page( std::string_view label ) const {
+      if ( missing_.contains( std::string( label ) ) ) {
+         return {};
+      }
+      std::string page = pages_.at( label );
+      for ( PageSum const & checksum : sums_ ) {
+         if ( checksum.page == label ) {
+            size_t const at = fieldNamed( checksum.field ).at;
+            unsigned sum = checksum.field == brokenChecksum_ ? 1 : 0;
+            for ( size_t i = checksum.first; i < at; ++i ) {
+               sum += static_cast<uint8_t>( page[i] );
+            }
+            page[at] = static_cast<char>( sum );
+         }
+      }
+      return page;
+   }
 
-   [[nodiscard]] ModulePages const & pages() const { return pages_; }
+ protected:
+   ImageBuilder( std::span<Xcvr::MemoryField const> fields, std::span<PageSum const> sums,
+                 std::span<std::string_view const> labels, size_t pageSize )
+      : fields_( fields ), sums_( sums ) {
+      for ( std::string_view label : labels ) {
+         pages_[label] = std::string( pageSize, '\0' );
+      }
+      for ( Xcvr::MemoryField const & field : fields ) {
+         if ( field.kind == Xcvr::MemoryKind::text ) {
+            text( field.name, "" );
+         }
+      }
+   }
 
  private:
    [[nodiscard]] Builder & builder() { return static_cast<Builder &>( *this ); }
+   [[nodiscard]] Xcvr::MemoryField const & fieldNamed( std::string_view name ) const {
+      size_t const index = Xcvr::memoryFieldIndex( fields_, name );
+      if ( index == fields_.size() ) {
+         refuse( name, "no such field" );
+      }
+      return fields_[index];
+   }
 
-   ModulePages pages_;
+   std::span<Xcvr::MemoryField const> fields_;
+   std::span<PageSum const> sums_;
+   std::map<std::string_view, std::string> pages_;
+   std::set<std::string> missing_;
+   std::string brokenChecksum_;
 };
 
 } // namespace XcvrTest

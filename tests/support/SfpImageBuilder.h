@@ -4,26 +4,27 @@
 
 #include <Xcvr/XcvrSfpPlus.h>
 
-#include <string>
-
 namespace XcvrTest {
 
-/// Builds the memory of an SFP module (SFF-8472) from fields and bits named as in the field table; a
-/// name that it lacks throws. Checksums come out right unless one is broken on purpose.
+/// The memory of an SFP module (SFF-8472); an SFP's identifier is there from the start.
 class SfpImageBuilder : public ImageBuilder<SfpImageBuilder> {
  public:
-   /// Two whole pages of zeros, but for an SFP's identifier and blank texts.
-   SfpImageBuilder();
-
+   SfpImageBuilder() : ImageBuilder( Xcvr::sff8472Fields(), sums, labels, 256 ) {
+      raw( "identifier", 3 );
+   }
    /// A module without diagnostics has no page A2h.
-   SfpImageBuilder & a2hMissing();
+   SfpImageBuilder & a2hMissing() { return missing( "a2h" ); }
 
-   [[nodiscard]] std::string a0h() const;
-   [[nodiscard]] std::string a2h() const;
-   [[nodiscard]] Xcvr::XcvrSff8472IdEepromContents contents() const;
+   [[nodiscard]] std::string a0h() const { return page( "a0h" ); }
+   [[nodiscard]] std::string a2h() const { return page( "a2h" ); }
+   [[nodiscard]] Xcvr::XcvrSff8472IdEepromContents contents() const {
+      return { std::string_view( a0h() ), std::string_view( a2h() ), 0.0 };
+   }
 
  private:
-   bool hasA2h_ = true;
+   static constexpr std::string_view labels[] = { "a0h", "a2h" };
+   static constexpr PageSum sums[] = {
+      { "a0h", 0, "storedCcBase" }, { "a0h", 64, "storedCcExt" }, { "a2h", 0, "storedCcDmi" } };
 };
 
 } // namespace XcvrTest

@@ -33,6 +33,24 @@ class TraceCapture {
    }
 
    [[nodiscard]] std::vector<Record> takeRecords() { return std::exchange( records_, {} ); }
+   /// "operation: text" of every record but those that open a scope.
+   [[nodiscard]] std::vector<std::string> takeNotes() {
+      std::vector<std::string> notes;
+      for ( Record const & record : takeRecords() ) {
+         if ( !record.text.empty() ) {
+            notes.push_back( record.operation + ": " + record.text );
+         }
+      }
+      return notes;
+   }
+   /// Those of the records so far.
+   [[nodiscard]] std::vector<std::string> operations() const {
+      std::vector<std::string> result;
+      for ( Record const & record : records_ ) {
+         result.push_back( record.operation );
+      }
+      return result;
+   }
 
  private:
    std::vector<Record> records_;

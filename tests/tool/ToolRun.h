@@ -1,6 +1,10 @@
 #pragma once
 
+#include "tools/xcvr/ModuleImage.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdlib>
 #include <filesystem>
@@ -11,8 +15,18 @@
 #include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace XcvrTest {
+
+using ::testing::AllOf;
+using ::testing::ContainsRegex;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+using Json = nlohmann::json;
 
 /// The content of a file; empty if there is none.
 inline std::string contentOf( std::filesystem::path const & path ) {
@@ -21,11 +35,71 @@ inline std::string contentOf( std::filesystem::path const & path ) {
    return content.str();
 }
 
-/// The one fact with that label, of what `show` printed.
+/// With each run of blanks as one.
+inline std::string squeezed( std::string const & text ) {
+   return std::regex_replace( text, std::regex( " +" ), " " );
+}
+
+inline constexpr char const * untold = "(not told)";
+
+/// The fact of that label, of what `show` printed, in one line; `untold` if there is none.
 inline std::string fact( std::string const & out, std::string const & label ) {
+   std::regex const special( R"([.()])" );
+   std::regex const line( "   " + std::regex_replace( label, special, R"(\$&)" ) +
+                          " +: (.*(?:\n {10,}.*)*)" );
    std::smatch found;
-   std::regex const line( "   " + label + " +: (.*(?:\n {10,}.*)*)" );
-   return std::regex_search( out, found, line ) ? found[1].str() : "(no " + label + ")";
+   return std::regex_search( out, found, line )
+             ? std::regex_replace( found[1].str(), std::regex( "\n +" ), " " )
+             : untold;
+}
+
+struct ExpectedFact {
+   char const * label;
+   char const * text;
+};
+
+/// An image, and how the one line begins, behind the file's name, that `check` has to say of it; null
+/// for one with nothing wrong.
+struct CheckedImage {
+   std::string image;
+   char const * finding;
+};
+
+inline XcvrTool::ModuleImage exampleImage( std::string const & name ) {
+   return XcvrTool::readImage( XCVR_SOURCE_DIR "/examples/modules/" + name + ".txt",
+                               XcvrTool::anyFamily );
+}
+
+/// A builder that begins with an example module, all pages of which it has.
+template <typename Builder>
+Builder example( std::string const & name ) {
+   Builder builder;
+   for ( auto const & [label, bytes] : exampleImage( name ).pages ) {
+      builder.pageIs( label, bytes );
+   }
+   return builder;
+}
+
+/// A labelled image of the pages that a builder has.
+template <typename Builder>
+std::string labelledImage( Builder const & built, std::vector<std::string> const & labels ) {
+   XcvrTool::ModuleImage result;
+   for ( std::string const & label : labels ) {
+      if ( std::string const page = built.page( label ); !page.empty() ) {
+         result.pages[label] = page;
+      }
+   }
+   return labelledForm( result );
+}
+
+/// The values in `expected` are those in the same places of `actual`; in an object, elements of an
+/// array have their index for a name.
+inline void expectJson( Json const & actual, std::string const & expected ) {
+   Json const leaves = Json::parse( expected ).flatten();
+   for ( auto const & [place, value] : leaves.items() ) {
+      Json::json_pointer const pointer( place );
+      EXPECT_EQ( actual.contains( pointer ) ? actual.at( pointer ) : "absent", value ) << place;
+   }
 }
 
 /// What one run of the program came to.
@@ -46,6 +120,7 @@ class ToolTest : public ::testing::Test {
       std::ofstream( folder_ / name, std::ios::binary ) << content;
       return name;
    }
+   std::string path( std::string const & name ) const { return ( folder_ / name ).string(); }
 
    /// Runs a shell command in which `xcvr` is the program; a run of 20 s has failed.
    [[nodiscard]] ToolRun shell( std::string const & command, std::string_view input = {} ) const {
@@ -59,6 +134,27 @@ class ToolTest : public ::testing::Test {
    }
    [[nodiscard]] ToolRun run( std::string const & arguments, std::string_view input = {} ) const {
       return shell( "xcvr " + arguments, input );
+   }
+
+   void expectFacts( std::string const & image, std::vector<ExpectedFact> const & facts ) const {
+      ToolRun const run = this->run( "show -", image );
+      EXPECT_EQ( run.exitCode, 0 ) << run.err;
+      for ( auto const & [label, text] : facts ) {
+         EXPECT_EQ( fact( run.out, label ), text ) << label;
+      }
+   }
+   static void expectLines( std::string const & out, std::vector<char const *> const & lines ) {
+      for ( char const * line : lines ) {
+         EXPECT_THAT( out, HasSubstr( line ) );
+      }
+   }
+   void expectFindings( std::vector<CheckedImage> const & images ) const {
+      for ( auto const & [image, finding] : images ) {
+         ToolRun const run = this->run( "check -", image );
+         EXPECT_EQ( run.exitCode, finding ? 1 : 0 ) << run.err;
+         EXPECT_THAT( run.out, ContainsRegex( finding ? std::string( "<stdin>: " ) + finding
+                                                      : std::string( "^$" ) ) );
+      }
    }
 
    std::filesystem::path const folder_ =

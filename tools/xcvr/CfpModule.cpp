@@ -1,6 +1,5 @@
-#include "tools/xcvr/CfpModule.h"
-
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FieldText.h"
 
 #include <Xcvr/XcvrCfp2.h>
@@ -178,19 +177,6 @@ Vel::String modelBytes( CfpMsaMisTableId table, std::string_view page ) {
    return Vel::String( words );
 }
 
-/// "on lanes 1/3", of the bits of a mask; people count lanes from 1.
-std::string laneWords( unsigned mask ) {
-   std::vector<unsigned> lanes;
-   for ( unsigned lane = 0; lane < Contents::lanes; ++lane ) {
-      if ( mask >> lane & 1 ) {
-         lanes.push_back( lane + 1 );
-      }
-   }
-   return lanes.empty()
-             ? "none"
-             : fmt::format( "on lane{} {}", lanes.size() == 1 ? "" : "s", fmt::join( lanes, "/" ) );
-}
-
 class CfpModule : public Module {
  public:
    explicit CfpModule( ModuleImage image );
@@ -358,8 +344,7 @@ void CfpModule::form( Report & report ) const {
 }
 
 void CfpModule::origin( Report & report ) const {
-   std::string const oui = fieldText( page( "8000h" ), find( "vendorOui" )->field );
-   report.push_back( { .member = "vendorOui", .value = oui, .label = "Vendor OUI", .text = oui } );
+   addReading( report, find( "vendorOui" )->field, "Vendor OUI", page( "8000h" ) );
 }
 
 /// A number in the unit of its register; text leaves out 0, which is unspecified.
@@ -472,7 +457,7 @@ void CfpModule::summaries( Report & report ) const {
       report.push_back( { .member = member,
                           .value = mask ? Json( *mask ) : Json(),
                           .label = mask ? label : "",
-                          .text = isOfLanes            ? laneWords( mask.value_or( 0 ) )
+                          .text = isOfLanes ? laneWords( mask.value_or( 0 ), Contents::lanes )
                                   : mask.value_or( 0 ) ? "yes"
                                                        : "no",
                           .alarming = mask.value_or( 0 ) != 0 } );
@@ -548,17 +533,11 @@ void CfpModule::settings( Report & report ) const {
    for ( auto const & [name, label] :
          { std::pair( "txInputEqualization", "Tx input equalization" ),
            std::pair( "rxOutputPreEmphasis", "Rx output emphasis" ) } ) {
-      Json codes = Json::array();
-      std::vector<std::string> texts;
+      std::vector<std::optional<unsigned>> codes;
       for ( unsigned lane = 0; find( name, lane ); ++lane ) {
-         std::optional<int> const code = number( name, lane );
-         codes.push_back( code ? Json( *code ) : Json() );
-         texts.push_back( code ? fmt::format( "{}", *code ) : "-" );
+         codes.emplace_back( number( name, lane ) );
       }
-      report.push_back( { .member = name,
-                          .value = codes,
-                          .label = number( name ) ? label : "",
-                          .text = fmt::format( "code {}", fmt::join( texts, " / " ) ) } );
+      addLaneCodes( report, name, number( name ) ? label : "", codes );
    }
 }
 

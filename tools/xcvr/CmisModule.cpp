@@ -1,7 +1,6 @@
-#include "tools/xcvr/CmisModule.h"
-
 #include "tools/xcvr/CodeNames.h"
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FamilyChecks.h"
 #include "tools/xcvr/FieldText.h"
 
@@ -98,7 +97,7 @@ class CmisModule : public Module {
    [[nodiscard]] bool isThere( MemoryField const & field ) const {
       return raw_->has( field ) && raw_->fieldInUse( field );
    }
-   void addNumber( Report & report, MemoryField const & field, char const * label ) const;
+   void addField( Report & report, MemoryField const & field, char const * label ) const;
    void addVersion( Report & report, MemoryField const & major, char const * member,
                     char const * label ) const;
    void applications( Report & report ) const;
@@ -180,9 +179,7 @@ void CmisModule::form( Report & report ) const {
 void CmisModule::origin( Report & report ) const {
    PageView const page = view( Xcvr::CmisTable::p00h );
    if ( raw_->has( row( "vendorOui" ) ) ) {
-      std::string const oui = fieldText( page, row( "vendorOui" ) );
-      report.push_back(
-         { .member = "vendorOui", .value = oui, .label = "Vendor OUI", .text = oui } );
+      addReading( report, row( "vendorOui" ), "Vendor OUI", page );
    }
    MemoryField const & clei = row( "cleiCode" );
    if ( std::string_view const code = page.text( clei.at, clei.width );
@@ -191,26 +188,10 @@ void CmisModule::origin( Report & report ) const {
    }
 }
 
-/// A number that is 0 where it is not specified; not told where it is not there.
-void CmisModule::addNumber( Report & report, MemoryField const & field, char const * label ) const {
-   double const number = isThere( field ) ? view( field.page ).value( field ) : 0;
-   std::string const unit( field.unit );
-   report.push_back( { .member = std::string( field.name ),
-                       .value = number,
-                       .unit = unit,
-                       .label = number != 0 ? label : "",
-                       .text = fmt::format( "{:g} {}", number, unit ) } );
-}
-
-/// People count lanes from 1.
-std::vector<unsigned> lanesIn( unsigned mask ) {
-   std::vector<unsigned> all;
-   for ( unsigned lane = 0; lane < lanes; ++lane ) {
-      if ( mask >> lane & 1 ) {
-         all.push_back( lane + 1 );
-      }
-   }
-   return all;
+/// Of a field that is not there as of one that is unspecified.
+void CmisModule::addField( Report & report, MemoryField const & field, char const * label ) const {
+   addNumber( report, field.name, label, isThere( field ) ? view( field.page ).value( field ) : 0,
+              field.unit );
 }
 
 /// "from lane 1/5": where an application may start.
@@ -310,13 +291,13 @@ void CmisModule::medium( Report & report ) const {
    lengths( report );
    bool const isCopper = decoded_->moduleType() == Xcvr::osfpTypePassiveCu;
    if ( isCopper ) {
-      addNumber( report, row( "attenuation5GHz" ), "Attenuation at 5 GHz" );
-      addNumber( report, row( "attenuation7GHz" ), "Attenuation at 7 GHz" );
-      addNumber( report, row( "attenuation12p9GHz" ), "Attenuation at 12.9 GHz" );
-      addNumber( report, row( "attenuation25p8GHz" ), "Attenuation at 25.8 GHz" );
+      addField( report, row( "attenuation5GHz" ), "Attenuation at 5 GHz" );
+      addField( report, row( "attenuation7GHz" ), "Attenuation at 7 GHz" );
+      addField( report, row( "attenuation12p9GHz" ), "Attenuation at 12.9 GHz" );
+      addField( report, row( "attenuation25p8GHz" ), "Attenuation at 25.8 GHz" );
    } else {
-      addNumber( report, row( "wavelength" ), "Wavelength" );
-      addNumber( report, row( "wavelengthTolerance" ), "Wavelength tolerance" );
+      addField( report, row( "wavelength" ), "Wavelength" );
+      addField( report, row( "wavelengthTolerance" ), "Wavelength tolerance" );
    }
 }
 
@@ -343,11 +324,8 @@ void CmisModule::addVersion( Report & report, MemoryField const & major, char co
                              char const * label ) const {
    PageView const page = view( major.page );
    std::string const text = fmt::format( "{}.{}", page.u8( major.at ), page.u8( major.end() ) );
-   bool const isKnown = page.has( major.at, 2 ) && text != "0.0";
-   report.push_back( { .member = member,
-                       .value = isKnown ? Json( text ) : Json(),
-                       .label = isKnown ? label : "",
-                       .text = text } );
+   addIf( page.has( major.at, 2 ) && text != "0.0", report,
+          { .member = member, .value = text, .label = label, .text = text } );
 }
 
 void CmisModule::features( Report & report ) const {
@@ -370,28 +348,24 @@ void CmisModule::features( Report & report ) const {
                    static_cast<std::uint8_t>( raw_->number( row( "powerClass" ) ) & 0xe0 ) ) );
       report.push_back( { .label = "Power class", .text = name.substr( name.rfind( ' ' ) + 1 ) } );
    }
-   addNumber( report, row( "maxPower" ), "Maximum power" );
-   addNumber( report, row( "maxCaseTemperature" ), "Maximum case temperature" );
-   addNumber( report, row( "minCaseTemperature" ), "Minimum case temperature" );
-   addNumber( report, row( "minVoltage" ), "Minimum voltage" );
-   addNumber( report, row( "propagationDelay" ), "Propagation delay" );
+   addField( report, row( "maxPower" ), "Maximum power" );
+   addField( report, row( "maxCaseTemperature" ), "Maximum case temperature" );
+   addField( report, row( "minCaseTemperature" ), "Minimum case temperature" );
+   addField( report, row( "minVoltage" ), "Minimum voltage" );
+   addField( report, row( "propagationDelay" ), "Propagation delay" );
 }
 
 /// Words that are true of lanes: "data path activated on lanes 1/2, data path init on lane 3".
 std::string byLanes( std::array<std::string, lanes> const & words ) {
    std::vector<std::string> texts;
    for ( unsigned first = 0; first < lanes; ++first ) {
-      if ( std::find( words.begin(), words.begin() + first, words[first] ) !=
-           words.begin() + first ) {
-         continue;
+      unsigned same = 0;
+      for ( unsigned lane = 0; lane < lanes; ++lane ) {
+         same |= unsigned{ words[lane] == words[first] } << lane;
       }
-      std::vector<unsigned> same;
-      for ( unsigned lane = first; lane < lanes; ++lane ) {
-         if ( words[lane] == words[first] ) {
-            same.push_back( lane + 1 );
-         }
+      if ( same % ( 1u << first ) == 0 ) { // said of no lane before
+         texts.push_back( words[first] + ' ' + laneWords( same, lanes ) );
       }
-      texts.push_back( words[first] + ' ' + laneWords( same, lanes ) );
    }
    return joined( texts );
 }
@@ -422,11 +396,12 @@ void CmisModule::moduleFlags( Report & report ) const {
          lit.push_back( wordsOf( name ) );
       }
    }
-   report.push_back( { .member = "moduleFlags",
-                       .value = isRead ? object : Json(),
-                       .label = isRead ? "Module flags" : "",
-                       .text = joined( lit ),
-                       .alarming = !lit.empty() } );
+   addIf( isRead, report,
+          { .member = "moduleFlags",
+            .value = object,
+            .label = "Module flags",
+            .text = joined( lit ),
+            .alarming = !lit.empty() } );
 }
 
 /// What the module has noticed on a lane since it was read before.
@@ -456,25 +431,16 @@ void CmisModule::laneFlags( Report & report ) const {
       { "rxPowerHiWarn", from.rxPowerHiWarnMap() },
       { "rxPowerLoWarn", from.rxPowerLoWarnMap() },
    };
-   bool const isRead = raw_->has( row( "rxPowerLoWarn" ) ) && !from.flatMem();
-   Json all = Json::array();
-   std::vector<std::string> lit;
+   std::vector<LaneBits> bits;
    for ( auto const & [name, values] : flags ) {
       unsigned mask = 0;
       for ( std::uint8_t lane = 0; lane < lanes; ++lane ) {
-         bool const isLit = values.at( ChannelId( lane ) );
-         all[lane][name] = isLit;
-         mask |= unsigned{ isLit } << lane;
+         mask |= unsigned{ values.at( ChannelId( lane ) ) } << lane;
       }
-      if ( mask != 0 ) {
-         lit.push_back( wordsOf( name ) + ' ' + laneWords( lanesIn( mask ), lanes ) );
-      }
+      bits.push_back( { name, wordsOf( name ), mask } );
    }
-   report.push_back( { .member = "laneFlags",
-                       .value = isRead ? all : Json(),
-                       .label = isRead ? "Lane flags" : "",
-                       .text = joined( lit ),
-                       .alarming = !lit.empty() } );
+   addLaneBits( raw_->has( row( "rxPowerLoWarn" ) ) && !from.flatMem(), report,
+                { .member = "laneFlags", .label = "Lane flags", .alarming = true }, bits, lanes );
 }
 
 /// What the host has set.
@@ -497,23 +463,13 @@ void CmisModule::laneControls( Report & report ) const {
                        .value = isModuleRead ? Json( module ) : Json(),
                        .label = isModuleRead && !decoded_->flatMem() ? "Module controls" : "",
                        .text = joined( module ) } );
-   PageView const page = view( Xcvr::CmisTable::p10h );
-   bool const isRead = raw_->has( row( "rxAutoSquelchDisable" ) ) && !decoded_->flatMem();
-   Json all = Json::array();
-   std::vector<std::string> set;
+   std::vector<LaneBits> bits;
    for ( auto const & [field, words] : controls ) {
-      unsigned const mask = page.u8( field.at );
-      for ( unsigned lane = 0; lane < lanes; ++lane ) {
-         all[lane][std::string( field.name )] = ( mask >> lane & 1 ) != 0;
-      }
-      if ( mask != 0 ) {
-         set.push_back( words + ( ' ' + laneWords( lanesIn( mask ), lanes ) ) );
-      }
+      bits.push_back(
+         { std::string( field.name ), words, view( Xcvr::CmisTable::p10h ).u8( field.at ) } );
    }
-   report.push_back( { .member = "laneControls",
-                       .value = isRead ? all : Json(),
-                       .label = isRead ? "Lane controls" : "",
-                       .text = joined( set ) } );
+   addLaneBits( raw_->has( row( "rxAutoSquelchDisable" ) ) && !decoded_->flatMem(), report,
+                { .member = "laneControls", .label = "Lane controls" }, bits, lanes );
 }
 
 /// What the lanes carry: the state of the data path and the application in force.
@@ -533,14 +489,16 @@ void CmisModule::dataPaths( Report & report ) const {
       codes.push_back( code );
       codeWords[lane] = code == 0 ? "none" : fmt::format( "{}", code );
    }
-   report.push_back( { .member = "dataPathStates",
-                       .value = isRead ? states : Json(),
-                       .label = isRead ? "Data paths" : "",
-                       .text = byLanes( stateWords ) } );
-   report.push_back( { .member = "activeApplications",
-                       .value = active.empty() ? Json() : codes,
-                       .label = active.empty() ? "" : "Application in force",
-                       .text = byLanes( codeWords ) } );
+   addIf( isRead, report,
+          { .member = "dataPathStates",
+            .value = states,
+            .label = "Data paths",
+            .text = byLanes( stateWords ) } );
+   addIf( !active.empty(), report,
+          { .member = "activeApplications",
+            .value = codes,
+            .label = "Application in force",
+            .text = byLanes( codeWords ) } );
 }
 
 /// The signal settings in force, as codes, the first lane first.
@@ -563,18 +521,11 @@ void CmisModule::tuning( Report & report ) const {
         row( "rxOutputAmplitude" ) },
    };
    for ( auto const & [member, label, codes, field] : settings ) {
-      bool const isRead = raw_->has( field ) && !codes.empty();
-      Json values = Json::array();
-      std::vector<unsigned> texts;
-      for ( std::uint8_t lane = 0; lane < lanes; ++lane ) {
-         unsigned const code = codes.at( ChannelId( lane ) );
-         values.push_back( code );
-         texts.push_back( code );
+      std::vector<std::optional<unsigned>> values;
+      for ( std::uint8_t lane = 0; raw_->has( field ) && lane < codes.size(); ++lane ) {
+         values.emplace_back( codes.at( ChannelId( lane ) ) );
       }
-      report.push_back( { .member = member,
-                          .value = isRead ? values : Json(),
-                          .label = isRead && isThere( field ) ? label : "",
-                          .text = fmt::format( "code {}", fmt::join( texts, " / " ) ) } );
+      addLaneCodes( report, member, !values.empty() && isThere( field ) ? label : "", values );
    }
    MemoryField const & adaptive = row( "txInputAdaptiveEqEnable" );
    bool const isRead = raw_->has( adaptive ) && !from.flatMem();
@@ -585,10 +536,11 @@ void CmisModule::tuning( Report & report ) const {
       values.push_back( isOn );
       mask |= unsigned{ isOn } << lane;
    }
-   report.push_back( { .member = "txInputAdaptiveEqEnable",
-                       .value = isRead ? values : Json(),
-                       .label = isRead && isThere( adaptive ) ? "Adaptive Tx equalization" : "",
-                       .text = mask == 0 ? "off" : laneWords( lanesIn( mask ), lanes ) } );
+   addIf( isRead, report,
+          { .member = "txInputAdaptiveEqEnable",
+            .value = values,
+            .label = isThere( adaptive ) ? "Adaptive Tx equalization" : "",
+            .text = mask == 0 ? "off" : laneWords( mask, lanes ) } );
 }
 
 /// What the status cannot tell: the monitors of the lower page if those of the lanes are missing, and
@@ -659,14 +611,12 @@ std::vector<Checksum> CmisModule::checksums() const {
       if ( !decoded_->checksumHas( page ) ) {
          continue;
       }
-      bool const isStored = raw_->has( field );
       result.push_back( { .name = field.name,
                           .label = label,
                           .page = field.page,
-                          .stored = isStored ? std::optional<unsigned>( decoded_->checksum( page ) )
-                                             : std::optional<unsigned>(),
+                          .stored = byteOf( view( field.page ), field ),
                           .computed = decoded_->checksumCalculated( page ),
-                          .valid = isStored && decoded_->checksumValid( page ) } );
+                          .valid = raw_->has( field ) && decoded_->checksumValid( page ) } );
    }
    return result;
 }
@@ -767,11 +717,6 @@ Sentences ofMissingPages( Module const & module ) {
    return found;
 }
 
-Sentences ofTwoIdentifiers( Module const & module ) {
-   return differingIdentifiers( cmis( module ).view( Xcvr::CmisTable::lower ),
-                                cmis( module ).view( Xcvr::CmisTable::p00h ) );
-}
-
 Sentences ofFault( Module const & module ) {
    MemoryField const & field = row( "faultCause" );
    if ( cmis( module ).cmis().moduleState() != Xcvr::moduleFault ) {
@@ -783,7 +728,7 @@ Sentences ofFault( Module const & module ) {
 
 constexpr Check cmisChecks[] = {
    { "page-missing", ofMissingPages, missingPageAdvice },
-   { "identifier-copy", ofTwoIdentifiers, identifierAdvice },
+   identifierCopyCheck,
    { "module-fault", ofFault, "Reset the module; if it stays so, it is one to replace." },
 };
 

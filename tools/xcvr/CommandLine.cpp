@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fmt/format.h>
+#include <fstream>
 #include <memory>
 #include <sstream>
 #include <unistd.h>
@@ -60,6 +61,7 @@ struct Arguments {
    bool isWatch = false;
    bool isAgent = false;
    AgentOptions agent;
+   std::string output; // where the control set goes; empty: nowhere
 };
 
 /// Results on standard output. What cannot be written is noticed, not lost.
@@ -115,6 +117,9 @@ void describeControlSet( CLI::App & app, Arguments & arguments ) {
          ->check( CLI::Range( 0u, setting.largest ).description( "" ) );
    }
    sub.add_flag( "--force", arguments.change.force, "Even if that changes another lane too" );
+   sub.add_option( "--output", arguments.output, "Write the 29 bytes, as changed, to a file" )
+      ->type_name( "FILE" );
+   describeJson( sub, arguments );
    sub.footer( "Example:\n  xcvr control-set set.bin --lane 3 --application 2 --tx-eq 5" );
    sub.callback( [&arguments] { arguments.isControlSet = true; } );
 }
@@ -257,26 +262,43 @@ ExitCode printText( Arguments const & arguments, Output & output ) {
    } );
 }
 
+/// ASCII only: whatever bytes a module holds, they do nothing to a terminal.
+std::string document( Json const & json ) {
+   return json.dump( 2, ' ', true ) + '\n';
+}
+
+/// Writes the whole of a file. What stands in the way is said.
+bool writeFile( std::string const & path, std::string const & content ) {
+   std::ofstream file( path, std::ios::binary );
+   file << content;
+   file.close();
+   if ( !file ) {
+      complain( fmt::format( "{}: cannot be written ({}); make room or write elsewhere",
+                             shownFileName( path ), std::strerror( errno ) ) );
+   }
+   return !file.fail();
+}
+
 ExitCode printControlSet( Arguments const & arguments, Output & output ) {
    std::string const & file = arguments.files.front();
    try {
-      auto const [text, refusal] =
-         editControlSet( readControlSet( file ), arguments.change, styleOfOutput() );
-      output.write( text );
-      if ( !refusal.empty() ) {
-         complain( fmt::format( "{}: {}", shownFileName( file ), refusal ) );
+      std::string const before = readControlSet( file );
+      ControlSetOutcome const outcome = changedControlSet( before, arguments.change );
+      if ( !outcome.refusal.empty() ) {
+         complain( fmt::format( "{}: {}", shownFileName( file ), outcome.refusal ) );
          return exitFindings;
       }
+      if ( !arguments.output.empty() && !writeFile( arguments.output, outcome.image ) ) {
+         return exitInput;
+      }
+      bool const isChange = !arguments.change.lanes.empty();
+      output.write( arguments.json ? document( controlSetJson( before, outcome ) )
+                                   : controlSetText( before, outcome, isChange, styleOfOutput() ) );
    } catch ( ImageError const & error ) {
       complain( error.what() );
       return exitInput;
    }
    return exitDone;
-}
-
-/// ASCII only: whatever bytes a module holds, they do nothing to a terminal.
-std::string document( Json const & json ) {
-   return json.dump( 2, ' ', true ) + '\n';
 }
 
 /// What stands for a file of a module that came from an agent is its slot.

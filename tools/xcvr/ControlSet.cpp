@@ -32,50 +32,50 @@ std::uint8_t code( unsigned value ) {
 } // namespace
 
 std::array<LaneSetting, laneSettingCount> const laneSettings = { {
-   { "application", "Application", 15,
+   { "application", "application", "Application", 15,
      []( Set const & set, Lane lane ) { return unsigned{ set.laneApSel( lane ) } >> 4; },
      []( Set & set, Lane lane, unsigned value ) {
         return set.applicationCodeIs( lane, Vel::U4( code( value ) ) );
      } },
-   { "data-path", "Data path", 7,
+   { "data-path", "dataPath", "Data path", 7,
      []( Set const & set, Lane lane ) { return unsigned{ set.laneApSel( lane ) } >> 1 & 7; },
      []( Set & set, Lane lane, unsigned value ) {
         return set.dataPathCodeIs( lane, Vel::U3( code( value ) ) );
      } },
-   { "explicit", "Explicit", 1,
+   { "explicit", "explicitControl", "Explicit", 1,
      []( Set const & set, Lane lane ) { return unsigned{ set.laneApSel( lane ) } & 1; },
      []( Set & set, Lane lane, unsigned value ) {
         return set.explicitTuningControlIs( lane, bit( value ) );
      } },
-   { "tx-adaptive", "Tx adaptive", 1,
+   { "tx-adaptive", "txInputAdaptiveEqEnable", "Tx adaptive", 1,
      []( Set const & set, Lane lane ) {
         return unsigned{ set.tuning( lane ).txInputAdaptiveEqEnable() };
      },
      []( Set & set, Lane lane, unsigned value ) {
         return set.txInputAdaptiveEqEnableIs( lane, bit( value ) );
      } },
-   { "tx-eq", "Tx EQ", 15,
+   { "tx-eq", "txInputEqualization", "Tx EQ", 15,
      []( Set const & set, Lane lane ) {
         return unsigned{ set.tuning( lane ).txInputEqualization() };
      },
      []( Set & set, Lane lane, unsigned value ) {
         return set.txInputEqualizationIs( lane, code( value ) );
      } },
-   { "rx-pre", "Rx pre", 15,
+   { "rx-pre", "rxOutputPreEmphasis", "Rx pre", 15,
      []( Set const & set, Lane lane ) {
         return unsigned{ set.tuning( lane ).rxOutputPreEmphasis() };
      },
      []( Set & set, Lane lane, unsigned value ) {
         return set.rxOutputPreEmphasisIs( lane, code( value ) );
      } },
-   { "rx-post", "Rx post", 15,
+   { "rx-post", "rxOutputPostEmphasis", "Rx post", 15,
      []( Set const & set, Lane lane ) {
         return unsigned{ set.tuning( lane ).rxOutputPostEmphasis() };
      },
      []( Set & set, Lane lane, unsigned value ) {
         return set.rxOutputPostEmphasisIs( lane, code( value ) );
      } },
-   { "rx-amplitude", "Rx amplitude", 15,
+   { "rx-amplitude", "rxOutputAmplitude", "Rx amplitude", 15,
      []( Set const & set, Lane lane ) {
         return unsigned{ set.tuning( lane ).rxOutputAmplitude() };
      },
@@ -107,15 +107,14 @@ std::string readControlSet( std::string const & path ) {
 
 namespace {
 
-/// The lanes, by their numbers from 1, on which any setting differs.
-std::vector<unsigned> differingLanes( Set const & before, Set const & after ) {
-   std::vector<unsigned> lanes;
+/// The lanes on which any setting differs, a bit each.
+unsigned differingLanes( Set const & before, Set const & after ) {
+   unsigned lanes = 0;
    for ( std::uint8_t lane = 0; lane < Xcvr::osfpLanes; ++lane ) {
-      if ( std::ranges::any_of( laneSettings, [&]( LaneSetting const & setting ) {
-              return setting.get( before, Lane( lane ) ) != setting.get( after, Lane( lane ) );
-           } ) ) {
-         lanes.push_back( lane + 1u );
-      }
+      bool const differs = std::ranges::any_of( laneSettings, [&]( LaneSetting const & setting ) {
+         return setting.get( before, Lane( lane ) ) != setting.get( after, Lane( lane ) );
+      } );
+      lanes |= unsigned{ differs } << lane;
    }
    return lanes;
 }
@@ -151,12 +150,8 @@ std::string differenceText( std::string_view before, std::string_view after ) {
 
 } // namespace
 
-ControlSetOutcome editControlSet( std::string const & image, ControlSetChange const & change,
-                                  Style const & style ) {
+ControlSetOutcome changedControlSet( std::string const & image, ControlSetChange const & change ) {
    auto const before = Xcvr::osfpControlSetFactory( Vel::String( image ) );
-   if ( change.lanes.empty() ) {
-      return { laneTable( *before, style ), {} };
-   }
    auto const after = Xcvr::osfpControlSetFactory( Vel::String( image ) );
    for ( unsigned const number : change.lanes ) {
       Lane const lane( static_cast<std::uint8_t>( number - 1 ) );
@@ -167,21 +162,51 @@ ControlSetOutcome editControlSet( std::string const & image, ControlSetChange co
       }
    }
    // Where a byte below has its highest bit set, the library sets the codes of lanes above to 15.
-   std::vector<unsigned> others = differingLanes( *before, *after );
-   std::erase_if( others, [&]( unsigned lane ) {
-      return std::ranges::find( change.lanes, lane ) != change.lanes.end();
-   } );
-   if ( !others.empty() && !change.force ) {
+   unsigned others = differingLanes( *before, *after );
+   for ( unsigned const number : change.lanes ) {
+      others &= ~( 1u << ( number - 1 ) );
+   }
+   if ( others != 0 && !change.force ) {
       return {
-         {},
+         image, 0,
          fmt::format( "this would also change settings {}, and nothing is changed; name those "
                       "lanes too, or give --force",
                       laneWords( others, Xcvr::osfpLanes ) ) };
    }
-   return { laneTable( *after, style ) + '\n' + differenceText( image, after->image().view() ) +
-               fmt::format( "   Apply mask  0x{:02x}\n   Image       {}\n", after->applyControl(),
-                            hexBytes( after->image().view(), " " ) ),
-            {} };
+   return { std::string( after->image().view() ), after->applyControl(), {} };
+}
+
+std::string controlSetText( std::string const & before, ControlSetOutcome const & after,
+                            bool isChange, Style const & style ) {
+   std::string const lanes =
+      laneTable( *Xcvr::osfpControlSetFactory( Vel::String( after.image ) ), style );
+   return isChange ? fmt::format( "{}\n{}   Apply mask  0x{:02x}\n   Image       {}\n", lanes,
+                                  differenceText( before, after.image ), after.applyMask,
+                                  hexBytes( after.image, " " ) )
+                   : lanes;
+}
+
+Json controlSetJson( std::string const & before, ControlSetOutcome const & after ) {
+   auto const set = Xcvr::osfpControlSetFactory( Vel::String( after.image ) );
+   Json lanes = Json::array();
+   for ( std::uint8_t lane = 0; lane < Xcvr::osfpLanes; ++lane ) {
+      for ( LaneSetting const & setting : laneSettings ) {
+         lanes[lane][setting.member] = setting.get( *set, Lane( lane ) );
+      }
+   }
+   Json changes = Json::array();
+   for ( std::size_t at = 0; at < before.size(); ++at ) {
+      if ( before[at] != after.image[at] ) {
+         changes.push_back( { { "address", firstAddress + at },
+                              { "before", static_cast<std::uint8_t>( before[at] ) },
+                              { "after", static_cast<std::uint8_t>( after.image[at] ) } } );
+      }
+   }
+   return { { "schema", 1 },
+            { "lanes", lanes },
+            { "changes", changes },
+            { "applyMask", after.applyMask },
+            { "image", hexBytes( after.image, "" ) } };
 }
 
 } // namespace XcvrTool

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/xcvr/Text.h"
+#include "tools/xcvr/Report.h"
 
 #include <Xcvr/XcvrOsfpControlSet.h>
 
@@ -15,6 +15,7 @@ namespace XcvrTool {
 /// One setting of a lane.
 struct LaneSetting {
    char const * option; // of the command line
+   char const * member; // in JSON
    char const * label;
    unsigned largest;
    unsigned ( *get )( Xcvr::OsfpControlSet const & set, Xcvr::OsfpLane lane );
@@ -32,17 +33,25 @@ struct ControlSetChange {
    bool force = false;                                           // even if another lane changes too
 };
 
+/// What came of it.
 struct ControlSetOutcome {
-   std::string text;    // what the command prints
-   std::string refusal; // empty: done
+   std::string image;      // the 29 bytes
+   unsigned applyMask = 0; // a bit for each lane of which a setting has changed
+   std::string refusal;    // why nothing has changed; empty: done
 };
 
 /// The 29 bytes of a control set in a file: as they are, or as a hex dump. Throws ImageError.
 [[nodiscard]] std::string readControlSet( std::string const & path );
 
-/// Shows a control set of 29 bytes lane by lane or, if lanes are named, changes it and shows what
-/// came of it: the lanes, the bytes that differ, the lanes to be applied, the new image.
-[[nodiscard]] ControlSetOutcome
-editControlSet( std::string const & image, ControlSetChange const & change, Style const & style );
+/// The control set with the settings of the lanes that are named changed, or as it is.
+[[nodiscard]] ControlSetOutcome changedControlSet( std::string const & image,
+                                                   ControlSetChange const & change );
+
+/// The lanes of a control set and, of one that was to be changed, the bytes that differ, the lanes to
+/// be applied and the new image.
+[[nodiscard]] std::string controlSetText( std::string const & before,
+                                          ControlSetOutcome const & after, bool isChange,
+                                          Style const & style );
+[[nodiscard]] Json controlSetJson( std::string const & before, ControlSetOutcome const & after );
 
 } // namespace XcvrTool

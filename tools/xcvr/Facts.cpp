@@ -4,6 +4,7 @@
 #include "tools/xcvr/FieldText.h"
 
 #include <fmt/format.h>
+#include <utility>
 
 namespace XcvrTool {
 
@@ -55,11 +56,82 @@ void addLength( Report & report, MemoryField const & field, std::string const & 
                                   : fmt::format( "{} {}", code * step, unit ) } );
 }
 
-std::string laneWords( std::vector<unsigned> const & lanes, std::size_t of ) {
-   if ( lanes.size() == of ) {
-      return "on all lanes";
+void addNumber( Report & report, std::string_view member, std::string const & label, double number,
+                std::string_view unit, std::optional<int> decimals ) {
+   std::string const digits =
+      decimals ? fmt::format( "{:.{}f}", number, *decimals ) : fmt::format( "{:g}", number );
+   report.push_back( { .member = std::string( member ),
+                       .value = number,
+                       .unit = std::string( unit ),
+                       .label = number != 0 ? label : "",
+                       .text = fmt::format( "{} {}", digits, unit ) } );
+}
+
+void addReading( Report & report, MemoryField const & field, std::string const & label,
+                 PageView page ) {
+   std::string const text = fieldText( page, field );
+   report.push_back(
+      { .member = std::string( field.name ), .value = text, .label = label, .text = text } );
+}
+
+void addIf( bool isHeld, Report & report, Fact fact ) {
+   if ( !isHeld ) {
+      fact.value = Json();
+      fact.label.clear();
    }
-   return fmt::format( "on lane{} {}", lanes.size() == 1 ? "" : "s", fmt::join( lanes, "/" ) );
+   report.push_back( std::move( fact ) );
+}
+
+std::optional<unsigned> byteOf( PageView page, MemoryField const & field ) {
+   return page.has( field.at, 1 ) ? std::optional<unsigned>( page.u8( field.at ) ) : std::nullopt;
+}
+
+std::vector<unsigned> lanesIn( unsigned mask ) {
+   std::vector<unsigned> lanes;
+   for ( unsigned lane = 1; mask != 0; ++lane, mask >>= 1 ) {
+      if ( mask & 1 ) {
+         lanes.push_back( lane );
+      }
+   }
+   return lanes;
+}
+
+std::string laneWords( unsigned mask, unsigned of ) {
+   std::vector<unsigned> const lanes = lanesIn( mask );
+   return lanes.empty() ? "none"
+          : lanes.size() == of
+             ? "on all lanes"
+             : fmt::format( "on lane{} {}", lanes.size() == 1 ? "" : "s", fmt::join( lanes, "/" ) );
+}
+
+void addLaneBits( bool isHeld, Report & report, Fact fact, std::vector<LaneBits> const & bits,
+                  unsigned lanes ) {
+   std::vector<std::string> words;
+   for ( LaneBits const & row : bits ) {
+      for ( unsigned lane = 0; lane < lanes; ++lane ) {
+         fact.value[lane][row.name] = ( row.mask >> lane & 1 ) != 0;
+      }
+      if ( row.mask != 0 ) {
+         words.push_back( row.words + ' ' + laneWords( row.mask, lanes ) );
+      }
+   }
+   fact.text = joined( words );
+   fact.alarming = fact.alarming && !words.empty();
+   addIf( isHeld, report, std::move( fact ) );
+}
+
+void addLaneCodes( Report & report, std::string const & member, std::string const & label,
+                   std::vector<std::optional<unsigned>> const & codes ) {
+   Json values;
+   std::vector<std::string> texts;
+   for ( std::optional<unsigned> const & code : codes ) {
+      values.push_back( code ? Json( *code ) : Json() );
+      texts.push_back( code ? fmt::format( "{}", *code ) : "-" );
+   }
+   report.push_back( { .member = member,
+                       .value = values,
+                       .label = label,
+                       .text = fmt::format( "code {}", fmt::join( texts, " / " ) ) } );
 }
 
 namespace {

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -34,8 +35,42 @@ void addBits( Report & report, Xcvr::MemoryField const & field, std::string cons
 void addLength( Report & report, Xcvr::MemoryField const & field, std::string const & label,
                 std::uint8_t code );
 
-/// "on lanes 1/3", of so many; people count lanes from 1.
-[[nodiscard]] std::string laneWords( std::vector<unsigned> const & lanes, std::size_t of );
+/// A number that is unspecified where it is 0: text leaves that out. Without a number of decimals it
+/// has those that it needs.
+void addNumber( Report & report, std::string_view member, std::string const & label, double number,
+                std::string_view unit, std::optional<int> decimals = {} );
+
+/// A field as it reads, in both forms.
+void addReading( Report & report, Xcvr::MemoryField const & field, std::string const & label,
+                 Xcvr::PageView page );
+
+/// A fact that the image may not hold: then JSON has null, and text leaves it out.
+void addIf( bool isHeld, Report & report, Fact fact );
+
+/// The number in a byte of a page; none if the page ends before it.
+[[nodiscard]] std::optional<unsigned> byteOf( Xcvr::PageView page,
+                                              Xcvr::MemoryField const & field );
+
+/// The lanes whose bits are set, as people count them: from 1.
+[[nodiscard]] std::vector<unsigned> lanesIn( unsigned mask );
+
+/// "on lanes 1/3", of so many; "none".
+[[nodiscard]] std::string laneWords( unsigned mask, unsigned of );
+
+/// Something that is true of lanes.
+struct LaneBits {
+   std::string name; // in JSON
+   std::string words;
+   unsigned mask; // a bit for each lane
+};
+
+/// What is true of lanes: in JSON an object for each lane.
+void addLaneBits( bool isHeld, Report & report, Fact fact, std::vector<LaneBits> const & bits,
+                  unsigned lanes );
+
+/// Signal settings, the first lane first; none for one that the module lacks.
+void addLaneCodes( Report & report, std::string const & member, std::string const & label,
+                   std::vector<std::optional<unsigned>> const & codes );
 
 /// The name of a field of a model value, out of the label with which it is visited.
 [[nodiscard]] constexpr std::string_view fieldName( std::string_view label ) {

@@ -18,15 +18,16 @@ void findMissingPage( std::vector<std::string> & found, Module const & module,
    }
 }
 
-std::vector<std::string> differingIdentifiers( Xcvr::PageView lower, Xcvr::PageView upper ) {
-   std::uint8_t const first = lower.u8( 0 );
-   std::uint8_t const second = upper.u8( 0 );
-   if ( lower.empty() || upper.empty() || first == second ) {
+std::vector<std::string> ofTwoIdentifiers( Module const & module ) {
+   std::string const * lower = module.image().page( "lower" );
+   std::string const * upper = module.image().page( "00h" );
+   if ( !lower || !upper || lower->front() == upper->front() ) {
       return {};
    }
    return { fmt::format( "Byte 0 has the identifier {:02x}h, byte 128 has {:02x}h, and they should "
                          "be the same",
-                         first, second ) };
+                         static_cast<std::uint8_t>( lower->front() ),
+                         static_cast<std::uint8_t>( upper->front() ) ) };
 }
 
 } // namespace XcvrTool

@@ -15,12 +15,12 @@ void findMissingPage( std::vector<std::string> & found, Module const & module,
                       std::string_view label, std::string_view contents );
 
 /// A sentence if byte 0 and byte 128, which both have the identifier, differ.
-[[nodiscard]] std::vector<std::string> differingIdentifiers( Xcvr::PageView lower,
-                                                             Xcvr::PageView upper );
+[[nodiscard]] std::vector<std::string> ofTwoIdentifiers( Module const & module );
 
 inline constexpr std::string_view missingPageAdvice =
    "Read all pages of the module; many drivers give the first ones only.";
-inline constexpr std::string_view identifierAdvice =
-   "Read the module again; if it stays so, programs may take it for one kind or the other.";
+inline constexpr Check identifierCopyCheck = {
+   "identifier-copy", ofTwoIdentifiers,
+   "Read the module again; if it stays so, programs may take it for one kind or the other." };
 
 } // namespace XcvrTool

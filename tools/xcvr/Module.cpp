@@ -1,10 +1,7 @@
 #include "tools/xcvr/Module.h"
 
-#include "tools/xcvr/CfpModule.h"
-#include "tools/xcvr/CmisModule.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FieldText.h"
-#include "tools/xcvr/QsfpModule.h"
-#include "tools/xcvr/SfpModule.h"
 #include "tools/xcvr/Text.h"
 
 #include <algorithm>

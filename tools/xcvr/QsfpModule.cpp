@@ -1,6 +1,5 @@
-#include "tools/xcvr/QsfpModule.h"
-
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FamilyChecks.h"
 #include "tools/xcvr/FieldText.h"
 
@@ -8,7 +7,6 @@
 #include <Xcvr/XcvrQsfpStatus.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <fmt/format.h>
 #include <iterator>
@@ -139,9 +137,7 @@ void QsfpModule::form( Report & report ) const {
 
 void QsfpModule::origin( Report & report ) const {
    if ( isIdentified() ) {
-      std::string const oui = fieldText( upper(), row( "vendorOui" ) );
-      report.push_back(
-         { .member = "vendorOui", .value = oui, .label = "Vendor OUI", .text = oui } );
+      addReading( report, row( "vendorOui" ), "Vendor OUI", upper() );
    }
    auto const addIfThere = [&]( char const * member, char const * label,
                                 Vel::String const & text ) {
@@ -222,13 +218,7 @@ void QsfpModule::wavelength( Report & report ) const {
    };
    for ( auto const & [field, label, decimals] : numbers ) {
       if ( contents().fieldInUse( field ) ) {
-         double const number = upper().value( field );
-         std::string const unit( field.unit );
-         report.push_back( { .member = std::string( field.name ),
-                             .value = number,
-                             .unit = unit,
-                             .label = number > 0 ? label : "",
-                             .text = fmt::format( "{:.{}f} {}", number, decimals, unit ) } );
+         addNumber( report, field.name, label, upper().value( field ), field.unit, decimals );
       }
    }
 }
@@ -246,67 +236,30 @@ void QsfpModule::features( Report & report ) const {
    }
    addCode( report, row( "revisionCompliance" ), "Revision", contents().revisionCompliance() );
    report.push_back( { .member = "flatMemory", .value = contents().flatMemory() } );
-   double const power = contents().maxPower();
-   report.push_back( { .member = "maxPower",
-                       .value = power,
-                       .unit = "W",
-                       .label = power > 0 ? "Maximum power" : "",
-                       .text = fmt::format( "{:.1f} W", power ) } );
-   std::uint8_t const temperature = contents().maxCaseTemp();
-   report.push_back( { .member = "maxCaseTemp",
-                       .value = temperature,
-                       .unit = "°C",
-                       .label = temperature > 0 ? "Maximum case temperature" : "",
-                       .text = fmt::format( "{} °C", temperature ) } );
-   double const delay = lower().value( row( "propagationDelay" ) );
-   report.push_back( { .member = "propagationDelay",
-                       .value = delay,
-                       .unit = "ns",
-                       .label = delay > 0 ? "Propagation delay" : "",
-                       .text = fmt::format( "{:.0f} ns", delay ) } );
+   addNumber( report, "maxPower", "Maximum power", contents().maxPower(), "W", 1 );
+   addNumber( report, "maxCaseTemp", "Maximum case temperature", contents().maxCaseTemp(), "°C" );
+   addNumber( report, "propagationDelay", "Propagation delay",
+              lower().value( row( "propagationDelay" ) ), "ns", 0 );
 }
 
-template <typename T>
-using PerLane = std::array<T, QsfpNewStatus::lanes>;
-
-/// What a getter of the status says of each lane.
-template <typename T>
-PerLane<T> ofLanes( QsfpNewStatus const & status, T ( QsfpNewStatus::*get )( LaneId ) const ) {
-   PerLane<T> all;
-   for ( std::uint8_t lane = 0; lane < all.size(); ++lane ) {
-      all[lane] = ( status.*get )( LaneId( lane ) );
-   }
-   return all;
-}
-
-/// What is true on any lane, in words, each once.
+/// What a getter of the status says of each lane. Its numbers, which are codes, are for programs only.
 template <ModelValue T>
-std::vector<std::string> trueOnLanes( PerLane<T> const & all ) {
-   std::vector<std::string> words;
+void addLanes( bool isHeld, Report & report, Fact fact, QsfpNewStatus const & status,
+               T ( QsfpNewStatus::*get )( LaneId ) const ) {
+   std::vector<LaneBits> all;
    T::velFields( [&]<typename F>( auto const & label, F T::*field ) {
+      std::string const name( fieldName( label ) );
+      LaneBits bits{ name, wordsOf( name ), 0 };
+      for ( std::uint8_t lane = 0; lane < QsfpNewStatus::lanes; ++lane ) {
+         F const value = ( status.*get )( LaneId( lane ) ).*field;
+         fact.value[lane][name] = value;
+         bits.mask |= unsigned{ value } << lane;
+      }
       if constexpr ( std::is_same_v<F, bool> ) {
-         std::vector<unsigned> lanes;
-         for ( unsigned lane = 0; lane < all.size(); ++lane ) {
-            if ( all[lane].*field ) {
-               lanes.push_back( lane + 1 );
-            }
-         }
-         if ( !lanes.empty() ) {
-            words.push_back( wordsOf( fieldName( label ) ) + ' ' +
-                             laneWords( lanes, QsfpNewStatus::lanes ) );
-         }
+         all.push_back( bits );
       }
    } );
-   return words;
-}
-
-template <typename T>
-Json jsonOfLanes( PerLane<T> const & all ) {
-   Json array = Json::array();
-   for ( T const & value : all ) {
-      array.push_back( jsonOf( value ) );
-   }
-   return array;
+   addLaneBits( isHeld, report, std::move( fact ), all, QsfpNewStatus::lanes );
 }
 
 /// What was lit since the last reading, and what the module says of itself.
@@ -318,33 +271,27 @@ void QsfpModule::flags( Report & report ) const {
    harmless.initializationCompleteIs( module.initializationComplete() );
    harmless.tcReadinessChangedIs( module.tcReadinessChanged() );
    harmless.interruptIs( module.interrupt() );
-   report.push_back( { .member = "moduleFlags",
-                       .value = isRead ? jsonOf( module ) : Json(),
-                       .label = isRead ? "Module flags" : "",
-                       .text = joined( trueOnes( module ) ),
-                       .alarming = module != harmless } );
-   auto const lanes = ofLanes( *status_, &QsfpNewStatus::laneFlags );
-   std::vector<std::string> const lit = trueOnLanes( lanes );
-   report.push_back( { .member = "laneFlags",
-                       .value = isRead ? jsonOfLanes( lanes ) : Json(),
-                       .label = isRead ? "Lane flags" : "",
-                       .text = joined( lit ),
-                       .alarming = !lit.empty() } );
+   addIf( isRead, report,
+          { .member = "moduleFlags",
+            .value = jsonOf( module ),
+            .label = "Module flags",
+            .text = joined( trueOnes( module ) ),
+            .alarming = module != harmless } );
+   addLanes( isRead, report, { .member = "laneFlags", .label = "Lane flags", .alarming = true },
+             *status_, &QsfpNewStatus::laneFlags );
 }
 
-/// What the host has set.
+/// What the host has set, in a module without monitors too.
 void QsfpModule::controls( Report & report ) const {
-   bool const isRead = status_->domInfoValid( LaneId() );
+   bool const isRead = lower().has( 0, row( "pinControl" ).end() );
    Xcvr::QsfpModuleControls const module = status_->moduleControls();
-   report.push_back( { .member = "moduleControls",
-                       .value = isRead ? jsonOf( module ) : Json(),
-                       .label = isRead ? "Module controls" : "",
-                       .text = joined( trueOnes( module ) ) } );
-   auto const lanes = ofLanes( *status_, &QsfpNewStatus::laneControls );
-   report.push_back( { .member = "laneControls",
-                       .value = isRead ? jsonOfLanes( lanes ) : Json(),
-                       .label = isRead ? "Lane controls" : "",
-                       .text = joined( trueOnLanes( lanes ) ) } );
+   addIf( isRead, report,
+          { .member = "moduleControls",
+            .value = jsonOf( module ),
+            .label = "Module controls",
+            .text = joined( trueOnes( module ) ) } );
+   addLanes( isRead, report, { .member = "laneControls", .label = "Lane controls" }, *status_,
+             &QsfpNewStatus::laneControls );
 }
 
 /// The signal settings that the module has, as codes, the first lane first.
@@ -360,18 +307,14 @@ void QsfpModule::tuning( Report & report ) const {
       { "rxOutputAmplitude", "Rx output amplitude", &QsfpNewStatus::rxOutputAmplitude },
    };
    for ( auto const & [member, label, get] : settings ) {
-      Json codes = Json::array();
-      std::vector<std::string> texts;
-      bool isAnyValid = false;
-      for ( Xcvr::TuningValue const & value : ofLanes( *status_, get ) ) {
-         isAnyValid = isAnyValid || value.valid();
-         codes.push_back( value.valid() ? Json( value.val() ) : Json() );
-         texts.push_back( value.valid() ? fmt::format( "{}", value.val() ) : "-" );
+      std::vector<std::optional<unsigned>> codes( QsfpNewStatus::lanes );
+      for ( std::uint8_t lane = 0; lane < codes.size(); ++lane ) {
+         if ( auto const value = ( *status_.*get )( LaneId( lane ) ); value.valid() ) {
+            codes[lane] = value.val();
+         }
       }
-      report.push_back( { .member = member,
-                          .value = codes,
-                          .label = isAnyValid ? label : "",
-                          .text = fmt::format( "code {}", fmt::join( texts, " / " ) ) } );
+      bool const isAny = codes != std::vector<std::optional<unsigned>>( codes.size() );
+      addLaneCodes( report, member, isAny ? label : "", codes );
    }
 }
 
@@ -397,15 +340,14 @@ std::vector<Checksum> QsfpModule::checksums() const {
       if ( !isIdentified() ) {
          continue;
       }
-      bool const isStored = upper().has( field.at, field.width );
+      std::optional<unsigned> const stored = byteOf( upper(), field );
       unsigned const sum = ( contents().*computed )( Xcvr::eepromPage00Upper );
       result.push_back( { .name = name,
                           .label = label,
                           .page = field.page,
-                          .stored = isStored ? std::optional<unsigned>( upper().u8( field.at ) )
-                                             : std::optional<unsigned>(),
+                          .stored = stored,
                           .computed = sum,
-                          .valid = isStored && upper().u8( field.at ) == sum } );
+                          .valid = stored == sum } );
    }
    return result;
 }
@@ -463,13 +405,9 @@ Sentences ofMissingPages( Module const & module ) {
    return found;
 }
 
-Sentences ofTwoIdentifiers( Module const & module ) {
-   return differingIdentifiers( qsfp( module ).lower(), qsfp( module ).upper() );
-}
-
 constexpr Check qsfpChecks[] = {
    { "page-missing", ofMissingPages, missingPageAdvice },
-   { "identifier-copy", ofTwoIdentifiers, identifierAdvice },
+   identifierCopyCheck,
 };
 
 std::span<Check const> QsfpModule::familyChecks() const {

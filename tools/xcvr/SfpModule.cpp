@@ -1,6 +1,5 @@
-#include "tools/xcvr/SfpModule.h"
-
 #include "tools/xcvr/Facts.h"
+#include "tools/xcvr/Families.h"
 #include "tools/xcvr/FieldText.h"
 
 #include <Xcvr/XcvrSfpStatus.h>
@@ -125,8 +124,7 @@ void SfpModule::form( Report & report ) const {
 }
 
 void SfpModule::origin( Report & report ) const {
-   std::string const oui = fieldText( pageA0h(), row( "vendorOui" ) );
-   report.push_back( { .member = "vendorOui", .value = oui, .label = "Vendor OUI", .text = oui } );
+   addReading( report, row( "vendorOui" ), "Vendor OUI", pageA0h() );
 }
 
 void SfpModule::medium( Report & report ) const {
@@ -229,16 +227,18 @@ void SfpModule::condition( Report & report ) const {
    Xcvr::SfpDomFlags const flags = status_->domFlags();
    bool const hasFlags =
       isRead && pageA0h().bit( bit( "enhancedOptions", "alarm and warning flags" ) );
-   report.push_back( { .member = "statusBits",
-                       .value = isRead ? jsonOf( bits ) : Json(),
-                       .label = isRead ? "Status bits" : "",
-                       .text = joined( trueOnes( bits ) ),
-                       .alarming = bits.txFault() || bits.rxLos() } );
-   report.push_back( { .member = "domFlags",
-                       .value = hasFlags ? jsonOf( flags ) : Json(),
-                       .label = hasFlags ? "Alarms and warnings" : "",
-                       .text = joined( trueOnes( flags ) ),
-                       .alarming = flags != Xcvr::SfpDomFlags() } );
+   addIf( isRead, report,
+          { .member = "statusBits",
+            .value = jsonOf( bits ),
+            .label = "Status bits",
+            .text = joined( trueOnes( bits ) ),
+            .alarming = bits.txFault() || bits.rxLos() } );
+   addIf( hasFlags, report,
+          { .member = "domFlags",
+            .value = jsonOf( flags ),
+            .label = "Alarms and warnings",
+            .text = joined( trueOnes( flags ) ),
+            .alarming = flags != Xcvr::SfpDomFlags() } );
 }
 
 std::vector<Checksum> SfpModule::checksums() const {
@@ -263,12 +263,10 @@ std::vector<Checksum> SfpModule::checksums() const {
       if ( page.empty() || !contents().fieldInUse( field ) ) {
          continue;
       }
-      bool const isStored = page.has( field.at, field.width );
       result.push_back( { .name = name,
                           .label = label,
                           .page = field.page,
-                          .stored = isStored ? std::optional<unsigned>( page.u8( field.at ) )
-                                             : std::optional<unsigned>(),
+                          .stored = byteOf( page, field ),
                           .computed = static_cast<unsigned>( ( contents().*computed )() ) & 0xff,
                           .valid = ( contents().*valid )() } );
    }

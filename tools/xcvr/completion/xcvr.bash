@@ -30,7 +30,7 @@ _xcvr() {
    media-types) options+=' --json' ;;
    control-set)
       options+=' --lane --application --data-path --explicit --tx-adaptive --tx-eq --rx-pre'
-      options+=' --rx-post --rx-amplitude --force'
+      options+=' --rx-post --rx-amplitude --force --output --json'
       ;;
    *) options+=' --family' ;;
    esac

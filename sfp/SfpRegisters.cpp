@@ -1,0 +1,48 @@
+#include <Xcvr/XcvrSfpStatus.h>
+
+#include <Vel/Define.h>
+
+#include <algorithm>
+
+namespace Xcvr {
+
+VEL_VALUE_DEFINE( XcvrSff8472DomRegisterData )
+
+bool Sff8472Registers::erase( key_type key ) {
+   if ( !contains( key ) ) {
+      return false;
+   }
+   Page & home = pageIs( deviceOf( key ) );
+   --home.count;
+   home.bytes[byteOf( key )] = 0;
+   home.held[byteOf( key )] = 0;
+   return true;
+}
+
+size_t Sff8472Registers::size() const {
+   size_t result = 0;
+   for ( Page const & page : pages_ ) {
+      result += page.count;
+   }
+   return result;
+}
+
+Sff8472Registers::Page & Sff8472Registers::newPage( uint8_t device ) {
+   auto const place = std::ranges::upper_bound( pages_, device, {}, &Page::device );
+   return *pages_.insert( place, Page{ .device = device } );
+}
+
+Sff8472Registers::Entry Sff8472Registers::Iterator::operator*() const {
+   Page const & page = registers_.pages_[at_ / pageSize];
+   auto const key = static_cast<key_type>( page.device * pageSize + at_ % pageSize );
+   return { key, mapped_type( key, page.bytes[at_ % pageSize] ) };
+}
+
+void Sff8472Registers::Iterator::skip() {
+   size_t const end = registers_.pages_.size() * pageSize;
+   while ( at_ < end && !registers_.pages_[at_ / pageSize].held[at_ % pageSize] ) {
+      ++at_;
+   }
+}
+
+} // namespace Xcvr
