@@ -1,4 +1,3 @@
-#include "tests/support/AllocationCount.h"
 #include "tests/support/CfpModules.h"
 #include "tests/support/StatusValues.h"
 #include "tests/support/TraceCapture.h"
@@ -104,21 +103,11 @@ TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
 // Monitors and thresholds
 
 TEST( Cfp2StatusTest, MonitorsAreValidOnceReadFromThisModule ) {
+   expectValidOnceRead<Cfp2NewStatus>( [] { return inserted( cfp2Lr4() ); } );
    Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
-   auto const valid = [&status] {
-      return std::pair( status->domInfoValid( LaneId( 3 ) ), status->domThresholdValid() );
-   };
-   EXPECT_EQ( valid(), std::pair( true, true ) );
+   EXPECT_TRUE( status->domInfoValid( LaneId( 3 ) ) );
    EXPECT_FALSE( status->domInfoValid( LaneId( 4 ) ) );
-   EXPECT_THAT( doubles( status->domInfo( LaneId( 4 ) ) ),
-                testing::Contains( unreadable ).Times( 6 ) );
-   status->lastDomUpdateTimeIs( 10 );
-   status->lastDomThresholdsUpdateTimeIs( 0 );
-   EXPECT_EQ( valid(), std::pair( false, false ) );
-   asRead( status )->idEepromValidIs( false );
-   EXPECT_EQ( valid(), std::pair( true, false ) );
-   asRead( status )->presenceIs( xcvrNotPresent );
-   EXPECT_EQ( valid(), std::pair( false, false ) );
+   EXPECT_EQ( status->domInfo( LaneId( 4 ) ).temperature(), unreadable );
    // A count of 0 is 16 lanes.
    EXPECT_TRUE( inserted( cfpModule( identifierCfp2, 3, 16 ) )->domInfoValid( LaneId( 15 ) ) );
 }
@@ -194,15 +183,7 @@ TEST( Cfp2StatusTest, ThresholdsOfAShortTableAndOfTheOperator ) {
    EXPECT_EQ( status->domThreshold().rxPowerHighAlarm(), dBm( 0x2100 ) );
    EXPECT_EQ( status->domThreshold().rxPowerLowAlarm(), unreadable ); // half of it is there
    EXPECT_FALSE( status->domThresholdValid() );
-   Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
-   status->xgcIs( xgc );
-   Vel::Ptr<DomThresholdOverride> const row = xgc->domThresholdOverrideDataIs( "row" );
-   row->vendorPnIs( "PN-1" );
-   row->rxPowerLowAlarmIs( Units::Decibels( -14.5 ) );
-   EXPECT_EQ( status->domThresholdInForce(), status->domThreshold() );
-   status->domThresholdOverriddenIs( true );
-   EXPECT_EQ( status->domThresholdInForce().rxPowerLowAlarm(), -14.5 );
-   EXPECT_EQ( status->domThresholdInForce().tempHighAlarm(), 1 );
+   expectClosestOperatorThresholds( *inserted( cfp2Lr4() ) );
 }
 
 TEST( Cfp2StatusTest, FaultsOfLanes ) {
@@ -319,12 +300,8 @@ TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
 TEST( Cfp2StatusTest, ReadingAllocatesNothing ) {
    Vel::Ptr<Cfp2DcoNewStatus> const dco =
       inserted<Cfp2DcoNewStatus>( coherentCfp( identifierCfp2Dco ) );
-   double sum = 0;
    AllocationCount const count;
-   sum += static_cast<double>( dco->vendorInfo().vendorName().size() );
-   sum += dco->domInfo( LaneId( 0 ) ).temperature() + dco->domThreshold().tempHighAlarm();
-   sum += static_cast<double>( dco->mediaType() ) + dco->domAggPower().updateTime();
-   sum += dco->tuningCapabilities().firstFrequency() + dco->dcoMonitors().updateTime();
+   expectNoAllocation( *dco );
+   EXPECT_NE( dco->tuningCapabilities().firstFrequency() + dco->dcoMonitors().updateTime(), 0 );
    EXPECT_EQ( count.calls(), 0u );
-   EXPECT_NE( sum, 0 );
 }

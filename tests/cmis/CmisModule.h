@@ -1,12 +1,11 @@
 #pragma once
 
 #include "tests/support/CmisImageBuilder.h"
+#include "tests/support/StatusValues.h"
 
 #include <Xcvr/XcvrOsfp.h>
 
-#include <limits>
-
-constexpr double unreadable = -std::numeric_limits<double>::infinity();
+using XcvrTest::unreadable;
 
 /// A module of single-mode optics with every page, all lane flags, and all monitors but the voltage.
 inline XcvrTest::CmisImageBuilder opticalModule() {

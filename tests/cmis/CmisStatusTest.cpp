@@ -13,12 +13,7 @@ Vel::Ptr<OsfpStatus> inserted( CmisImageBuilder const & image ) {
    Vel::Ptr<OsfpStatus> const status = osfpStatusFactory( "Ethernet1" );
    image.writeTo( *status->rawEepromContents() );
    status->parseEeprom();
-   status->presenceIs( xcvrPresent );
-   status->idEepromValidIs( true );
-   status->lastPresenceChangeIs( 10 );
-   status->lastDomUpdateTimeIs( 20 );
-   status->lastDomThresholdsUpdateTimeIs( 15 );
-   return status;
+   return XcvrTest::asRead( status );
 }
 
 } // namespace

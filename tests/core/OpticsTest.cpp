@@ -48,14 +48,7 @@ TEST( OpticsTest, PowersAddInWatts ) {
    EXPECT_NEAR( addFourPower( 0, 0, 0, 0 ), 6.0206, 1e-4 );
    EXPECT_NEAR( addFourPower( -3, none, none, none ), -3, 1e-12 );
    EXPECT_EQ( addFourPower( none, none, none, none ), none );
-}
-
-TEST( OpticsTest, AggregatePowerOfADirectionThatIsNotValidIsUnreadable ) {
-   DomAggPower const both = aggQsfpCfp2Power( 0, 0, 0, 0, -10, -10, -10, -10, true, true, 7.5 );
-   EXPECT_EQ( both.updateTime(), 7.5 );
-   EXPECT_EQ( both.calibration(), domCalibrationInternal );
-   EXPECT_NEAR( both.aggTxPower(), 6.0206, 1e-4 );
-   EXPECT_NEAR( both.aggRxPower(), -3.9794, 1e-4 );
+   // A direction that is not valid is unreadable.
    EXPECT_EQ( aggQsfpCfp2Power( 0, 0, 0, 0, 0, 0, 0, 0, true, false, 0 ).aggRxPower(), none );
    EXPECT_EQ( aggQsfpCfp2Power( 0, 0, 0, 0, 0, 0, 0, 0, false, true, 0 ).aggTxPower(), none );
 }

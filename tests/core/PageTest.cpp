@@ -1,4 +1,3 @@
-#include "core/Checksum.h"
 #include "core/MemoryMapCheck.h"
 
 #include <gtest/gtest.h>
@@ -81,19 +80,6 @@ TEST( MemoryMap, FaultyTablesAreRefused ) {
    EXPECT_EQ( conditionFault( { "p", 2, 9, "bits", "other" } ),
               "a condition names no bit of the table" );
    EXPECT_EQ( conditionFault( { "p", 5, 9, "bits", "high" } ), "a condition covers no row" );
-}
-
-TEST( Checksum, SumsSignedBytesOfAnyLength ) {
-   for ( int fill : { 0x01, 0x7f, 0x80, 0xff } ) {
-      std::string bytes;
-      int sum = 0;
-      for ( unsigned size = 0; size <= 256; ++size ) {
-         ASSERT_EQ( signedByteSum( bytes ), sum ) << size << " bytes, the last " << fill;
-         auto const byte = static_cast<signed char>( fill - static_cast<int>( size % 3 ) );
-         bytes += static_cast<char>( byte );
-         sum += byte;
-      }
-   }
 }
 
 } // namespace

@@ -51,40 +51,24 @@ TEST( StatusTest, WhatAFamilyDoesNotSupplyIsNeutralAndTraced ) {
       EXPECT_EQ( result, expected ) << operation;
       traced( operation );
    };
-   LaneId const lane( 0 );
    double const no = unreadable;
-   neutral( "capabilities", status.capabilities(),
-            Capabilities( 0, false, false, false, false, 0 ) );
-   neutral( "vendorInfo", status.vendorInfo(), VendorInfo( "", "", "", "", "" ) );
+   neutral( "capabilities", status.capabilities(), Capabilities() );
    neutral( "bitrate", status.bitrate(), 0u );
-   neutral( "mediaType", status.mediaType(), xcvrUnknown );
-   neutral( "detectedMediaType", status.detectedMediaType(), xcvrUnknown );
-   neutral( "laserWavelength", status.laserWavelength(), 0u );
    neutral( "laserWavelengthPrecision", status.laserWavelengthPrecision(),
             laserWavelengthPrecisionUnknown );
    neutral( "disablePolling", status.disablePolling(), false );
-   neutral( "domInfoValid", status.domInfoValid( lane ), false );
-   neutral( "domInfo", status.domInfo( lane ),
+   neutral( "domInfoValid", status.domInfoValid( LaneId() ), false );
+   neutral( "domInfo", status.domInfo( LaneId() ),
             DomInfo( 0, domCalibrationUnknown, no, no, no, no, no, no ) );
    neutral( "domAggPower", status.domAggPower(), DomAggPower( 0, domCalibrationUnknown, no, no ) );
    neutral( "domThresholdValid", status.domThresholdValid(), false );
    neutral( "domThreshold", status.domThreshold(), allUnreadable<DomThreshold>() );
-   neutral( "domCapabilities", status.domCapabilities(), DomCapabilities() );
-   neutral( "enhancedDomValuesValid", status.enhancedDomValuesValid( 1 ), false );
    neutral( "enhancedDomValue", status.enhancedDomValue( 1 ), no );
-   neutral( "enhancedDomThresholdValid", status.enhancedDomThresholdValid( 1 ), false );
    neutral( "enhancedDomThreshold", status.enhancedDomThreshold( 1 ),
             allUnreadable<EnhancedDomThreshold>() );
-   neutral( "enhancedDomCapabilities", status.enhancedDomCapabilities(),
-            EnhancedDomCapabilities() );
-   neutral( "idEepromInfo", status.idEepromInfo(), EepromDescriptor() );
    neutral( "powerClass", status.powerClass(), xcvrPowerClassUnknown );
-   neutral( "rxOutputAmplitude", status.rxOutputAmplitude( lane ), TuningValue() );
-   neutral( "rxOutputPreEmphasis", status.rxOutputPreEmphasis( lane ), TuningValue() );
-   neutral( "txInputEqualization", status.txInputEqualization( lane ), TuningValue() );
    neutral( "electricalPathAttenuation", status.electricalPathAttenuation().value(), no );
    neutral( "hwChannel", status.hwChannel(), 0u );
-   neutral( "narrowBand", status.narrowBand(), false );
    status.idEepromContentsIs( 0, "bytes" ), traced( "idEepromContentsIs" );
    status.updateLastValidTime( 1 ), traced( "updateLastValidTime" );
    status.capabilitiesIs( {} ), traced( "capabilitiesIs" );

@@ -1,7 +1,5 @@
-#include <Corenet/IntfId.h>
 #include <Keel/ConditionStat.h>
 #include <Units/Celsius.h>
-#include <Units/Decibels.h>
 #include <Vel/Define.h>
 #include <Vel/TypeRegistry.h>
 #include <Xcvr/XcvrTypes.h>
@@ -159,10 +157,7 @@ TEST( XcvrTypes, StringFormsAsOtherProgramsReadThem ) {
    constexpr double minusInfinity = -std::numeric_limits<double>::infinity();
    expectForm( XcvrState( true, XcvrState::badEepromChecksum ),
                "Value('Xcvr::XcvrState', ** {'enabled': True, 'reason': badEepromChecksum})" );
-   expectForm( ChannelId( 23 ), "Value('Xcvr::ChannelId', ** {'value': 23})" );
-   expectForm( Corenet::IntfId( 7 ), "Value('Corenet::IntfId', ** {'value': 7})" );
    expectForm( Units::Celsius( -1.5 ), "Value('Units::Celsius', ** {'value': -1.5})" );
-   expectForm( Units::Decibels( 3 ), "Value('Units::Decibels', ** {'value': 3})" );
    expectForm(
       DomInfo( 1574000000.5, domCalibrationExternal, -40, 3.3, 6.25, -2.5, minusInfinity, 1e-7 ),
       "Value('Xcvr::DomInfo', ** {'updateTime': 1574000000.5, "

@@ -154,15 +154,6 @@ TEST( QsfpContents, PowerClassAndMaximumPower ) {
    EXPECT_EQ( known.powerClass(), xcvrPowerClass4 );
 }
 
-TEST( QsfpContents, PassiveCopperHasNoMonitors ) {
-   for ( unsigned technology = 0; technology < 16; ++technology ) {
-      Contents const contents = QsfpImageBuilder().raw( "deviceTech", technology << 4 ).contents();
-      EXPECT_EQ( static_cast<unsigned>( contents.deviceTechnology() ), technology );
-      EXPECT_EQ( contents.domSupported(), technology != 10 && technology != 11 );
-   }
-   EXPECT_FALSE( Contents().domSupported() );
-}
-
 TEST( QsfpContents, PagesAreThoseThatTheModuleHas ) {
    QsfpImageBuilder module;
    module.text( "userText", "Rack 7, row B" );

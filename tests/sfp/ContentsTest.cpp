@@ -13,10 +13,6 @@ namespace Xcvr {
 namespace {
 
 using Contents = XcvrSff8472IdEepromContents;
-using testing::AnyOf;
-using testing::Contains;
-using testing::IsSupersetOf;
-using testing::Not;
 using XcvrTest::numberedPage;
 using XcvrTest::SfpImageBuilder;
 
@@ -78,15 +74,6 @@ TEST( SfpContents, TextSettersPadCutAndKeepTheRest ) {
    }
 }
 
-TEST( SfpContents, MonitoringTypeBits ) {
-   for ( unsigned type : { 0x40u, 0x20u, 0x10u, 0x8fu } ) {
-      Contents const contents = SfpImageBuilder().raw( "diagsMonitoringType", type ).contents();
-      EXPECT_EQ( contents.domSupported(), type == 0x40 );
-      EXPECT_EQ( contents.domInternallyCalibrated(), type == 0x20 );
-      EXPECT_EQ( contents.domExternallyCalibrated(), type == 0x10 );
-   }
-}
-
 TEST( SfpContents, AttenuationOfTheVendorArea ) {
    auto const attenuation = []( uint8_t minuend, uint8_t subtrahend, size_t size ) {
       std::string page = std::string( 118, '\1' ) + char( minuend ) + char( subtrahend );
@@ -136,18 +123,6 @@ TEST( SfpContents, ChecksumsAreSumsOfSignedBytesAndCanBeMended ) {
    EXPECT_FALSE( contents.checksumsValid( maxSfpPages ) );
 }
 
-TEST( SfpContents, AreAValue ) {
-   Contents const contents( "\x03 'a\"", "\xff", 1.5 );
-   EXPECT_EQ( stringValue( Contents() ),
-              "Value('Xcvr::XcvrSff8472IdEepromContents', ** {'buf': '', 'eepromPageA2Data': '', "
-              "'lastValidData': 0})" );
-   EXPECT_EQ( Contents( stringValue( contents ) ), contents );
-   EXPECT_TRUE( !Contents() && !!contents );
-   // Of two names of one register the text is the first.
-   EXPECT_EQ( Sff8472::optionalStatusCtrl, Sff8472::domStatusBits );
-   EXPECT_EQ( stringValue( Sff8472::optionalStatusCtrl ), "domStatusBits" );
-}
-
 // Those that something rests on.
 TEST( SfpContents, BitsLieWhereTheStandardPutsThem ) {
    struct Bit {
@@ -165,28 +140,6 @@ TEST( SfpContents, BitsLieWhereTheStandardPutsThem ) {
          SfpImageBuilder().bit( bit.at > 10 ? "options" : "compliance", bit.name ).a0h();
       EXPECT_EQ( static_cast<uint8_t>( page[bit.at] ), 1u << bit.number ) << bit.name;
    }
-}
-
-TEST( SfpContents, RowsHoldOnlyWhereTheyAreInUse ) {
-   auto const used = []( SfpImageBuilder const & module ) {
-      return XcvrTest::fieldsInUse( module.contents(), sff8472Fields() );
-   };
-   SfpImageBuilder module;
-   EXPECT_THAT( used( module ), IsSupersetOf( { "vendorName", "laserWavelengthInteger" } ) );
-   EXPECT_THAT( used( module ), Not( Contains( AnyOf( "domTemperature", "alarmFlags" ) ) ) );
-   module.bit( "diagsMonitoringType", "digital diagnostics" )
-      .bit( "options", "tunable transmitter" );
-   EXPECT_THAT( used( module ), IsSupersetOf( { "domTemperature", "domTempHighAlarm" } ) );
-   EXPECT_THAT( used( module ), Not( Contains( AnyOf( "domRxPower4", "tuningChannel" ) ) ) );
-   module.raw( "diagsMonitoringType", 0x50 ).raw( "enhancedOptions", 0x80 );
-   module.raw( "tuningPageSelect", 2 );
-   // Everything but what cables, DWDM modules and rates beyond byte 12 have: five rows.
-   EXPECT_EQ( used( module ).size(), sff8472Fields().size() - 5 );
-   module.raw( "identifier", 11 ).raw( "bitrateNominal", 255 ).bit( "compliance", "passive cable" );
-   EXPECT_THAT( used( module ),
-                IsSupersetOf( { "dwdmLength", "passiveAttenuation", "bitrateHigh" } ) );
-   EXPECT_THAT( used( module ), Not( Contains( AnyOf( "laserWavelengthInteger", "bitrateMax",
-                                                      "activeAttenuation", "bitrateMin" ) ) ) );
 }
 
 TEST( SfpContents, ThresholdsAreRewrittenInPlace ) {
