@@ -156,20 +156,6 @@ TEST_F( CmisToolTest, Findings ) {
                 ContainsRegex( "dom-missing: .* or page 11h up to byte 201" ) );
 }
 
-/// No cut ends in a fatal assertion, not even one within the control set of page 11h.
-TEST_F( CmisToolTest, AnyCutOfAnImage ) {
-   std::string bytes;
-   for ( CmisImageBuilder::Page const & known : CmisImageBuilder::allPages ) {
-      bytes += dr4().page( known.label );
-   }
-   for ( std::size_t const size : { 128u, 200u, 384u, 641u, 700u, 718u, 740u } ) {
-      for ( char const * command : { "show -", "show --json -", "hexdump -", "explain -" } ) {
-         EXPECT_EQ( run( command, bytes.substr( 0, size ) ).exitCode, 0 ) << command << ' ' << size;
-      }
-      EXPECT_THAT( run( "check -", bytes.substr( 0, size ) ).out, HasSubstr( "page-missing: " ) );
-   }
-}
-
 TEST_F( CmisToolTest, ControlSet ) {
    std::string set( 29, '\0' );
    set[2] = 0x1f; // lane 3: application 1, data path 7, explicit
