@@ -21,15 +21,9 @@ using Contents = CfpMsaMisIdEepromContents;
 
 /// What could not be read: the operations that the trace names.
 std::vector<std::string> unreadIn( std::function<void()> const & operation ) {
-   TraceCapture capture( "XcvrCfp2" );
+   TraceCapture const capture( "XcvrCfp2" );
    operation();
-   std::vector<std::string> names;
-   for ( TraceCapture::Record const & record : capture.takeRecords() ) {
-      if ( !record.text.empty() ) {
-         names.push_back( record.operation );
-      }
-   }
-   return names;
+   return capture.operations();
 }
 
 Vel::Ptr<CfpMsaMisMemoryTable> tableOf( uint8_t width, std::string_view bytes ) {

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Xcvr;
 using testing::ElementsAre;
@@ -98,9 +97,7 @@ TEST( CmisParserTest, EveryMeasurementIsWhereTheStandardHasIt ) {
    auto const celsius = []( PageView page, unsigned at ) { return page.s16be( at ) / 256.; };
    auto const volts = []( PageView page, unsigned at ) { return page.u16be( at ) * 0.0001; };
    auto const mA = []( PageView page, unsigned at ) { return page.u16be( at ) * 0.002; };
-   auto const dBm = []( PageView page, unsigned at ) {
-      return 10 * std::log10( page.u16be( at ) * 1e-7 ) + 30;
-   };
+   auto const dBm = []( PageView page, unsigned at ) { return XcvrTest::dBm( page.u16be( at ) ); };
    PageView const lower = module.page( 0 ), limits = module.page( 3 ), p11h = module.page( 5 );
    DomThreshold const expected(
       celsius( limits, 128 ), celsius( limits, 130 ), celsius( limits, 132 ),

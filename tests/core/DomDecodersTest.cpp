@@ -1,3 +1,5 @@
+#include "tests/support/StatusValues.h"
+
 #include <Xcvr/XcvrDomDecoders.h>
 
 #include <gtest/gtest.h>
@@ -10,6 +12,8 @@
 
 namespace Xcvr {
 namespace {
+
+using XcvrTest::dBm;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
@@ -35,10 +39,6 @@ double rxPower( unsigned raw, Polynomial const & p ) {
       }
    }
    return std::apply( decodeDomECRxPower, bytes );
-}
-
-double dBm( double tenthMicrowatts ) {
-   return 10 * std::log10( tenthMicrowatts * 1e-7 ) + 30;
 }
 
 TEST( InternalCalibration, NumbersInTheirUnits ) {

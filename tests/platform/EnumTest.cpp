@@ -46,15 +46,4 @@ TEST( Enum, NamesAndCodesAsDeclared ) {
    EXPECT_EQ( velEnumModel( Switch() ).byCode( 2 ), nullptr );
 }
 
-TEST( Enum, WhatIsNoNameIsRefused ) {
-   for ( char const * text :
-         { "", "Status", "statu", "statuss", " status", "status = 0x10", "16" } ) {
-      try {
-         ADD_FAILURE() << text << " was read as " << RegisterInstance( text );
-      } catch ( Vel::ParseException const & error ) {
-         EXPECT_EQ( error.expected(), "a name of EnumTest::Register" );
-      }
-   }
-}
-
 } // namespace EnumTest

@@ -26,6 +26,7 @@ std::size_t deliverPiece( Vel::FlowOut & flow, Vel::Entity & replica, Vel::FlowI
       Vel::NboAttrLog log( piece );
       replica.doHandleAttrDeserialization( log, in );
       EXPECT_EQ( log.position(), piece.size() );
+      EXPECT_LE( piece.size(), most + 300 ) << "and one small entity";
    }
    return piece.size();
 }
@@ -230,40 +231,6 @@ TEST_F( FlowTest, aNameThatLeadsNowhereYetIsFollowedLater ) {
    EXPECT_EQ( in.unresolved(), 0u );
 }
 
-TEST_F( FlowTest, beyondTheBoundComesAFreshImage ) {
-   flow = newFlow( 10000 );
-   adaptor = Vel::Dir::velNboAttrLogSaIs( dir, flow );
-   deliver();
-   copy()->readingIs( 200, 1 ); // which only an image removes
-   for ( uint32_t i = 0; i < 10000; ++i ) {
-      slot->aliasIs( Vel::String( std::to_string( i ) ), "x" );
-      slot->aliasDel( Vel::String( std::to_string( i ) ) );
-      ASSERT_LE( flow->waitingBytes(), 10000u );
-   }
-   EXPECT_FALSE( adaptor->complete() );
-   deliver();
-   EXPECT_TRUE( adaptor->complete() );
-   EXPECT_EQ( asText( *replica ), asText( *dir ) );
-}
-
-TEST_F( FlowTest, piecesAreBounded ) {
-   std::vector<Vel::Ptr<Slot>> slots;
-   for ( int i = 0; i < 100; ++i ) {
-      slots.push_back( slotFactory( Vel::String( "more" + std::to_string( i ) ) ) );
-      dir->entryIs( slots.back() );
-   }
-   deliver();
-   for ( auto const & each : slots ) {
-      each->speedIs( 1000 );
-   }
-   std::size_t pieces = 0;
-   for ( ; flow->pending(); ++pieces ) {
-      EXPECT_LE( deliverPiece( *flow, *replica, in, 200 ), 200u + 40 ) << "and a small entity";
-   }
-   EXPECT_GT( pieces, 10u );
-   EXPECT_EQ( asText( *replica ), asText( *dir ) );
-}
-
 TEST_F( FlowTest, theEntityMayGoBeforeItsAdaptor ) {
    deliver();
    slot->speedIs( 3 );
@@ -451,6 +418,7 @@ TEST( FlowRandomTest, replicasAgreeAfterAnyWrites ) {
          }
       }
       changeAnything( *dir, pick );
+      ASSERT_LE( readers[2].flow->waitingBytes(), 500u );
       for ( Reader & reader : readers ) {
          if ( pick( reader.often ) == 0 && reader.flow->pending() ) {
             deliverPiece( *reader.flow, *reader.replica, reader.in, reader.most );

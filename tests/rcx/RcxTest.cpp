@@ -22,13 +22,10 @@ TEST( RcxTest, AFreshSlotReportsWhatIsFixedAndTracesIt ) {
    EXPECT_EQ( status->mediaType(), xcvr100GBaseCr4 );
    EXPECT_EQ( status->vendorInfo(), VendorInfo( "N/A", "RCx", "N/A", "N/A", "N/A" ) );
    EXPECT_EQ( OtherInterface( "slot" ).capabilities(), Capabilities() );
-   std::vector<std::string> traced;
-   for ( auto const & record : capture.takeRecords() ) {
-      traced.push_back( record.operation + " " + record.text );
-   }
-   EXPECT_THAT( traced, ElementsAre( "mediaType RcxStatus:mediaType(): xcvr100GBaseCr4",
-                                     "vendorInfo RcxStatus:vendorInfo()",
-                                     "capabilities RcxStatus:capabilities()" ) );
+   EXPECT_THAT( capture.takeNotes(),
+                ElementsAre( "mediaType: RcxStatus:mediaType(): xcvr100GBaseCr4",
+                             "vendorInfo: RcxStatus:vendorInfo()",
+                             "capabilities: RcxStatus:capabilities()" ) );
 }
 
 TEST( RcxTest, ACellTellsOfItsSlots ) {

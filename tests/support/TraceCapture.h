@@ -43,11 +43,13 @@ class TraceCapture {
       }
       return notes;
    }
-   /// Those of the records so far.
+   /// Those of the records so far that do not just open a scope.
    [[nodiscard]] std::vector<std::string> operations() const {
       std::vector<std::string> result;
       for ( Record const & record : records_ ) {
-         result.push_back( record.operation );
+         if ( !record.text.empty() ) {
+            result.push_back( record.operation );
+         }
       }
       return result;
    }

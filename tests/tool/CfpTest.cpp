@@ -6,26 +6,23 @@
 namespace XcvrTest {
 namespace {
 
-/// The image of an example module, to be changed table by table.
+/// The image of an example module, with its tables changed.
 class CfpImage {
  public:
    explicit CfpImage( std::string const & example ) : image_( exampleImage( example ) ) {}
 
    /// A byte, which of a table of words is half a register.
-   CfpImage byte( std::string const & table, std::size_t at, std::uint8_t value ) const {
-      CfpImage changed = *this;
-      changed.image_.pages.at( table ).at( at ) = static_cast<char>( value );
-      return changed;
+   CfpImage & byte( std::string const & table, std::size_t at, std::uint8_t value ) {
+      image_.pages.at( table ).at( at ) = static_cast<char>( value );
+      return *this;
    }
-   CfpImage missing( std::string const & table ) const {
-      CfpImage changed = *this;
-      changed.image_.pages.erase( table );
-      return changed;
+   CfpImage & missing( std::string const & table ) {
+      image_.pages.erase( table );
+      return *this;
    }
-   CfpImage cut( std::string const & table, std::size_t size ) const {
-      CfpImage changed = *this;
-      changed.image_.pages.at( table ).resize( size );
-      return changed;
+   CfpImage & cut( std::string const & table, std::size_t size ) {
+      image_.pages.at( table ).resize( size );
+      return *this;
    }
    operator std::string() const { return labelledForm( image_ ); }
 
