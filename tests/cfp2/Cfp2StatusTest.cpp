@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <string>
 
 using namespace Xcvr;
 using namespace XcvrTest;
@@ -25,8 +24,6 @@ Vel::Ptr<Status> inserted( CfpImageBuilder const & image ) {
 }
 
 } // namespace
-
-// Tables
 
 TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
    Vel::Ptr<Cfp2NewStatus> const status = cfp2NewStatusFactory( "Ethernet1" );
@@ -63,8 +60,6 @@ TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
    EXPECT_EQ( status->mediaType(), xcvr100GBaseLr4 );
 }
 
-// Identity
-
 TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
    Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4()
                                                        .raw( "networkLaneBitRateMax", 129 )
@@ -99,8 +94,6 @@ TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
    status->updateLaneStatus();
    EXPECT_TRUE( status->laneStatusMap().empty() );
 }
-
-// Monitors and thresholds
 
 TEST( Cfp2StatusTest, MonitorsAreValidOnceReadFromThisModule ) {
    expectValidOnceRead<Cfp2NewStatus>( [] { return inserted( cfp2Lr4() ); } );
@@ -209,8 +202,6 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
    EXPECT_EQ( faults( *inserted( whole ) ), std::pair( size_t{ 2 }, 3u ) );
 }
 
-// Tuning
-
 TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
    Vel::Ptr<Cfp2NewStatus> const status = inserted(
       cfp2Lr4().raw( "txInputEqualization", 0xAB, 3 ).raw( "rxOutputPreEmphasis", 9, 3 ) );
@@ -275,8 +266,6 @@ TEST( Cfp2StatusTest, TheTuningInTheRegisters ) {
    EXPECT_EQ( inserted( image )->cfpxTuneStatus(),
               CfpxTuneStatus( HwTuningConfig( 3, 0, -1 ), 0, -2, 0, 20 ) );
 }
-
-// The line of a CFP2-DCO
 
 TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
    CfpImageBuilder image = coherentCfp( identifierCfp2Dco );

@@ -33,12 +33,6 @@ Vel::Ptr<CfpMsaMisMemoryTable> tableOf( uint8_t width, std::string_view bytes ) 
    return table;
 }
 
-} // namespace
-
-// The read primitives
-
-namespace {
-
 constexpr int unread = -1;
 
 struct PrimitiveCase {
@@ -66,8 +60,6 @@ constexpr PrimitiveCase primitiveCases[] = {
    { 2, { 0xA003, 16, 0 }, unread, unread },
    { 2, { 0x9FFF, 16, 0 }, unread, unread },
 };
-
-} // namespace
 
 TEST( CfpPrimitives, NumbersInTheirTable ) {
    for ( auto const & [bytes, field, wide, narrow] : primitiveCases ) {
@@ -109,8 +101,6 @@ TEST( CfpPrimitives, NoTableIsTracedAndAnEmptyOneIsNot ) {
    EXPECT_THAT( read( tableOf( 16, "" ) ), IsEmpty() );
 }
 
-// The tables of a module
-
 TEST( CfpContents, ANewTableReplacesTheOldOne ) {
    struct Observer : Contents::Notifiee {
       void onMemory( CfpMsaMisTableId id ) override { heard.push_back( id ); }
@@ -138,10 +128,6 @@ TEST( CfpContents, ANewTableReplacesTheOldOne ) {
    EXPECT_THAT( observer.heard,
                 ElementsAre( table9000, table9000, table9000, table8100, table8100 ) );
 }
-
-// The accessors
-
-namespace {
 
 double numberIn( double number ) {
    return number;
@@ -226,8 +212,6 @@ Vel::Ptr<Contents> selfAddressed( CfpMsaMisIdentifier identifier ) {
    return image.raw( "identifier", static_cast<uint32_t>( identifier ) ).contents();
 }
 
-} // namespace
-
 TEST( CfpContents, RegistersOfTheThreeLayouts ) {
    auto const expected = []( uint16_t address ) {
       bool const isWordOfBytes = address >= 0x8080 && address < 0x9000 && address != 0x8181;
@@ -257,8 +241,6 @@ TEST( CfpContents, RegistersOfTheThreeLayouts ) {
    EXPECT_EQ( line.networkBer(), 0x90500000 ); // each half by itself
    EXPECT_EQ( detached.networkBer() + detached.rxSnr() + detached.clientIntfPcsAlarmStatus(), 0u );
 }
-
-namespace {
 
 struct FieldCase {
    char const * accessor;
@@ -313,8 +295,6 @@ std::vector<FieldCase> const fieldCases = listOf(
    GIVES( c.txFaultStatus(), cfpx, 0xB01D, 0x0200, 1 ),
    GIVES( c.txFaultStatus(), dco, 0xB01D, 0x0040, 1 ),
    GIVES( c.txFaultStatus(), dco, 0xB01D, 0xFD3F, 0 ) );
-
-} // namespace
 
 TEST( CfpContents, FieldsAndFlags ) {
    for ( FieldCase const & c : fieldCases ) {
@@ -403,8 +383,6 @@ TEST( CfpContents, DecodersScale ) {
    EXPECT_EQ( static_cast<int>( of( cfp2 )->laserWavelengthPrecision() ), 1 );
 }
 
-// Checksums
-
 TEST( CfpChecksums, GuardEveryByteOfTheirRange ) {
    struct Range {
       CfpMsaMisTableId table;
@@ -446,3 +424,5 @@ TEST( CfpChecksums, OfWhatIsNotThere ) {
    EXPECT_EQ( halved->checksumCalculated( table8080 ), uint8_t( 'a' + 'b' + 'c' ) );
    EXPECT_FALSE( halved->checksumValid( table8080 ) );
 }
+
+} // namespace

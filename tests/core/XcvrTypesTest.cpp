@@ -23,9 +23,6 @@ std::string record( T const & value ) {
    return std::string( log.bytes() );
 }
 
-// ---------------------------------------------------------------------------------------------
-// The contract with other processes
-
 /// What others know of a type: the size of an empty record and the fields in their order, or the names
 /// and codes of an enumeration.
 template <typename T>

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <bit>
-#include <cmath>
 #include <string>
 
 namespace Sample {

@@ -85,9 +85,6 @@ class EntityTest : public testing::Test {
    Recorder recorder{ slot.get() };
 };
 
-// ---------------------------------------------------------------------------------------------
-// What each kind of attribute tells
-
 TEST_F( EntityTest, singleAttributesTellOfChange ) {
    slot->speedIs( 0 );
    slot->labelIs( "" );
@@ -304,9 +301,6 @@ TEST( Dir, ownsItsEntriesAndFindsThemByPath ) {
    EXPECT_EQ( slot->parent(), nullptr );
 }
 
-// ---------------------------------------------------------------------------------------------
-// Observers
-
 TEST_F( EntityTest, switchingDeliveryOffAndOn ) {
    recorder.isRegisteredNotifieeIs( false );
    slot->speedIs( 1 );
@@ -425,9 +419,6 @@ TEST( Observers, anEntityThatNoPointerHoldsIsNotDestroyed ) {
    slot.readingIs( 1, 1 );
    EXPECT_THAT( recorder.takeHeard(), ElementsAre( "speed", "reading 1", "reading" ) );
 }
-
-// ---------------------------------------------------------------------------------------------
-// Reflection
 
 TEST( Reflection, attributesAreNumberedAndReadThroughTheModel ) {
    Vel::Ptr<Slot> const slot = opticalSlotFactory( "slot1" );

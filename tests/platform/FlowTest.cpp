@@ -246,9 +246,6 @@ TEST_F( FlowTest, theEntityMayGoBeforeItsAdaptor ) {
    EXPECT_FALSE( flow->pending() );
 }
 
-// ---------------------------------------------------------------------------------------------
-// The layout, and logs that are not as they should be
-
 TEST( FlowLayoutTest, isAsDocumented ) {
    Vel::Ptr<OpticalSlot> const slot = opticalSlotFactory( "slot" );
    slot->laneIs( LaneNumber( 3 ) );
@@ -375,8 +372,6 @@ TEST_F( FlowTest, anEntryOfATypeThatCannotBeMadeIsLeftOut ) {
    deliver();
    EXPECT_EQ( copy()->speed(), 8u ) << "the others are not disturbed";
 }
-
-// ---------------------------------------------------------------------------------------------
 
 /// One random change somewhere below a directory of slots.
 void changeAnything( Vel::Dir & dir, Pick & pick ) {

@@ -328,9 +328,6 @@ TEST_F( SessionTest, peersMayNotWriteUnlessTheyMayAndWhatTheyMadeGoesWithThem ) 
    EXPECT_EQ( client.entity( "new" ), own );
 }
 
-// ---------------------------------------------------------------------------------------------
-// Peers that do not keep to the protocol
-
 std::string message( char kind, std::string const & body ) {
    return std::string( { 0, 0, 0, static_cast<char>( 1 + body.size() ), kind } ) + body;
 }

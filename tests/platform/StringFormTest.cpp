@@ -105,9 +105,6 @@ TEST( StringForm, DoublesPrintShortestAndReadBackBitByBit ) {
    EXPECT_TRUE( std::isnan( fromStringForm<double>( "nan" ) ) );
 }
 
-// ---------------------------------------------------------------------------------------------
-// Malformed text
-
 /// In a valid form, `valid` becomes `malformed`; the ^ in it is where the parser has to stop.
 struct Malformation {
    char const * valid;
@@ -177,34 +174,17 @@ TEST( StringForm, MalformedTextIsRefusedWhereItGoesWrong ) {
 }
 
 template <typename T>
-void tamperWith( std::string const & form ) {
+void expectRefusedCut( std::string const & form ) {
    for ( std::size_t size = 0; size < form.size(); ++size ) {
       // Vectors, so that a sanitizer sees a read beyond the end.
-      std::vector<char> text( form.data(), form.data() + size );
+      std::vector<char> const text( form.data(), form.data() + size );
       EXPECT_THROW( fromStringForm<T>( { text.data(), size } ), Vel::ParseException ) << size;
-   }
-   std::vector<char> text( form.begin(), form.end() );
-   for ( std::size_t at = 0; at < form.size(); ++at ) {
-      std::string bytes( "09-.en'\\{},: x\0\xff", 17 );
-      for ( int bit = 0; bit < 8; ++bit ) {
-         bytes += static_cast<char>( form[at] ^ 1 << bit );
-      }
-      for ( char byte : bytes ) {
-         text[at] = byte;
-         try {
-            T const value = fromStringForm<T>( { text.data(), text.size() } );
-            ASSERT_EQ( fromStringForm<T>( stringForm( value ) ), value );
-         } catch ( Vel::ParseException const & error ) {
-            ASSERT_LE( error.position(), text.size() );
-         }
-      }
-      text[at] = form[at];
    }
 }
 
-TEST( StringForm, CutOrChangedAnywhereItIsRefusedOrAnotherValue ) {
-   tamperWith<All>( allForm );
-   tamperWith<Maps>( mapsForm );
+TEST( StringForm, CutAnywhereItIsRefused ) {
+   expectRefusedCut<All>( allForm );
+   expectRefusedCut<Maps>( mapsForm );
 }
 
 } // namespace

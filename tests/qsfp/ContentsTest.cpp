@@ -6,9 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <set>
 #include <string>
-#include <vector>
 
 namespace Xcvr {
 namespace {

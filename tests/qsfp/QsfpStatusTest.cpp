@@ -7,7 +7,6 @@
 
 #include <random>
 #include <string>
-#include <vector>
 
 using namespace Xcvr;
 using testing::Each;
@@ -76,8 +75,6 @@ LaneId lane( unsigned number ) {
 double attenuation( QsfpNewStatus const & status ) {
    return status.electricalPathAttenuation().value();
 }
-
-} // namespace
 
 TEST( QsfpStatusTest, PagesAreStoredByTheirNumber ) {
    Vel::Ptr<QsfpNewStatus> const status = qsfpNewStatusFactory( "Ethernet1" );
@@ -169,6 +166,7 @@ TEST( QsfpStatusTest, MonitorsAreValidOnceReadFromThisModule ) {
       bool info, thresholds;
    };
    for ( Case const & c : { Case{ cwdm4().raw( "deviceTech", 0xb0 ), false, false },
+                            Case{ cwdm4().raw( "deviceTech", 0xc0 ), true, true },
                             Case{ cwdm4().missing( "lower" ), false, true },
                             Case{ cwdm4().missing( "03h" ), true, false },
                             Case{ cwdm4().bit( "moduleStatus", "flat memory" ), true, false } } ) {
@@ -339,10 +337,6 @@ TEST( QsfpStatusTest, SignalTuningIsValidWhereSupported ) {
    EXPECT_FALSE( inserted( image )->txInputEqualization( lane( 1 ) ).valid() );
 }
 
-// Enhanced monitors
-
-namespace {
-
 using enum EnhancedDomMonitor;
 constexpr uint8_t ofSlot = 4;
 
@@ -389,8 +383,6 @@ QsfpImageBuilder enhanced() {
    Parameter{ snr, 2, 9, 1, 0 }.put( image, 24 );
    return image;
 }
-
-} // namespace
 
 TEST( QsfpStatusTest, EnhancedMonitorsAreFoundByTheirTypeAndLane ) {
    Vel::Ptr<QsfpNewStatus> const status = inserted( enhanced() );
@@ -486,3 +478,5 @@ TEST( QsfpStatusTest, AskingAllocatesNothing ) {
    static_cast<void>( status->laneFlags( lane( 0 ) ) );
    EXPECT_EQ( allocations.calls(), 0u );
 }
+
+} // namespace

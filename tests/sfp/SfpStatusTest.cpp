@@ -68,8 +68,6 @@ double temperature( Vel::Ptr<SfpNewStatus> const & status ) {
    return status->domInfo( lane ).temperature();
 }
 
-} // namespace
-
 TEST( SfpRegisterTest, AByteIsStoredOnceAndToldOnChange ) {
    struct Watcher : SfpNewStatus::Notifiee {
       void onRegisterData( uint16_t address ) override { told.push_back( address ); }
@@ -298,10 +296,6 @@ TEST( SfpStatusTest, AttenuationOfAPassiveCableComesFromTheTableOrItsLength ) {
    EXPECT_EQ( attenuation( 2 ), 0.25 );
 }
 
-// Tuning
-
-namespace {
-
 /// 191.3 to 196.1 THz in 50 GHz, tuned to its channel 1.
 SfpImageBuilder tunableModule() {
    return SfpImageBuilder()
@@ -317,8 +311,6 @@ SfpImageBuilder tunableModule() {
       .value( "tuningGridSpacingGHz", 50 )
       .raw( "tuningChannel", 1 );
 }
-
-} // namespace
 
 TEST( SfpTuningTest, CapabilitiesComeFromTheTuningPage ) {
    Vel::Ptr<SfpNewStatus> const status = inserted( tunableModule().raw( "tuningChannel", 0x201 ) );
@@ -411,3 +403,5 @@ TEST( SfpStatusTest, ReadingAndWritingRegistersAllocatesNothing ) {
       EXPECT_EQ( allocations.calls(), 0u );
    }
 }
+
+} // namespace

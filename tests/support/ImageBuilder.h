@@ -102,6 +102,7 @@ class ImageBuilder {
       return builder();
    }
 
+   [[nodiscard]] std::span<std::string_view const> pageLabels() const { return labels_; }
    /// By the label of the page: "lower", "00h", …; empty for one that is missing.
    [[nodiscard]] std::string page( std::string_view label ) const {
       if ( missing_.contains( std::string( label ) ) ) {
@@ -124,7 +125,7 @@ class ImageBuilder {
  protected:
    ImageBuilder( std::span<Xcvr::MemoryField const> fields, std::span<PageSum const> sums,
                  std::span<std::string_view const> labels, size_t pageSize )
-      : fields_( fields ), sums_( sums ) {
+      : fields_( fields ), sums_( sums ), labels_( labels ) {
       for ( std::string_view label : labels ) {
          pages_[label] = std::string( pageSize, '\0' );
       }
@@ -147,6 +148,7 @@ class ImageBuilder {
 
    std::span<Xcvr::MemoryField const> fields_;
    std::span<PageSum const> sums_;
+   std::span<std::string_view const> labels_;
    std::map<std::string_view, std::string> pages_;
    std::set<std::string> missing_;
    std::string brokenChecksum_;

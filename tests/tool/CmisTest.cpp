@@ -14,10 +14,6 @@ CmisImageBuilder cable() {
    return example<CmisImageBuilder>( "400gbase-cr8" ).flat();
 }
 
-std::string labelled( CmisImageBuilder const & image ) {
-   return labelledImage( image, { "lower", "00h", "01h", "02h", "10h", "11h" } );
-}
-
 using CmisToolTest = ToolTest;
 
 TEST_F( CmisToolTest, ShowFacts ) {

@@ -22,10 +22,6 @@ QsfpImageBuilder cable() {
    return example<QsfpImageBuilder>( "100gbase-cr4" ).flat();
 }
 
-std::string labelled( QsfpImageBuilder const & image ) {
-   return labelledImage( image, { "lower", "00h", "02h", "03h", "20h", "21h" } );
-}
-
 using QsfpToolTest = ToolTest;
 
 TEST_F( QsfpToolTest, ShowFacts ) {

@@ -82,11 +82,11 @@ Builder example( std::string const & name ) {
 
 /// A labelled image of the pages that a builder has.
 template <typename Builder>
-std::string labelledImage( Builder const & built, std::vector<std::string> const & labels ) {
+std::string labelled( Builder const & built ) {
    XcvrTool::ModuleImage result;
-   for ( std::string const & label : labels ) {
+   for ( std::string_view const label : built.pageLabels() ) {
       if ( std::string const page = built.page( label ); !page.empty() ) {
-         result.pages[label] = page;
+         result.pages[std::string( label )] = page;
       }
    }
    return labelledForm( result );
