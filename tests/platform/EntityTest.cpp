@@ -441,18 +441,10 @@ TEST( Reflection, attributesAreNumberedAndReadThroughTheModel ) {
    }
    EXPECT_THAT( inherited,
                 ElementsAre( "name", "fullName", "parent", "parentAttrName", "entity" ) );
+   slot->nameIsFromBackup( "slot10" );
+   EXPECT_EQ( slot->fullName(), "slot10" );
    EXPECT_EQ( uint16_t( Slot::madeAttr ), 5 );
    EXPECT_EQ( uint16_t( OpticalSlot::wavelengthAttr ), uint16_t( Slot::velAttrEnd ) );
-}
-
-TEST( Reflection, theRegistryMakesEntitiesByTypeName ) {
-   Vel::Ptr<Vel::Entity> const made = Vel::TypeRegistry::newEntity( "Sample::Slot", "slot9" );
-   ASSERT_NE( Vel::dynamicPtr<Slot>( made ), nullptr );
-   EXPECT_EQ( made->name(), "slot9" );
-   made->nameIsFromBackup( "slot10" );
-   EXPECT_EQ( made->fullName(), "slot10" );
-   EXPECT_EQ( Vel::TypeRegistry::newEntity( "Sample::Lane", "x" ), nullptr ) << "has no factory";
-   EXPECT_EQ( Vel::TypeRegistry::newEntity( "Sample::Nothing", "x" ), nullptr );
 }
 
 } // namespace

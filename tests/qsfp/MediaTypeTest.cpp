@@ -104,7 +104,6 @@ TEST( QsfpMediaType, OrderAndEdges ) {
       { extended( 1, 0x01 ), xcvr40GBaseAr4 },   // a code that does not count
       { extended( 3, 0xa0 ), xcvr40GBasePlrl4 }, // the bit of 10GBASE-LR is none of both rates
       { extended( 3, 0x8f ), xcvr100GBaseLr4 },
-      { extended( 2, 0x8f ), xcvr100GBaseSr4 },
       { extended( 11, 0x8f ), xcvr100GBaseCr4 },
       // The 40G bits in their order.
       { with( qsfpPlus, 0x0f ), xcvr40GBaseAr4 },
