@@ -206,6 +206,10 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
    if ( !passes( at, key ) ) {
       return;
    }
+   // A new child queues itself, and has to come after the record that makes it.
+   if ( owned && !structureLink_.queued ) {
+      flow_.structure_.add( *this );
+   }
    bool const renewed = owned && childIs( at, key );
    if ( owned ? structureDue_ : imageDue_ ) {
       return;
@@ -217,11 +221,7 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
       keys.emplace( key, renewed );
       flow_.markBytes_ += markSize + key.size();
    }
-   if ( owned ) {
-      if ( !structureLink_.queued ) {
-         flow_.structure_.add( *this );
-      }
-   } else {
+   if ( !owned ) {
       mark( attribute );
    }
    if ( flow_.markBytes_ > flow_.bound_ ) [[unlikely]] {
