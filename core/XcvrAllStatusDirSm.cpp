@@ -214,21 +214,22 @@ AllStatusDirSm::AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStat
    observers_->baseConfigDir.notifierIs( in_.baseConfigDir.get() );
 }
 
-AllStatusDirSm::~AllStatusDirSm() {
-   sliceStatusSmDelAll();
-}
+AllStatusDirSm::~AllStatusDirSm() = default;
 
 void AllStatusDirSm::close() {
    Vel::Ptr<AllStatusDirSm> const self( this );
    initializedIs( false );
    ++handshakes_;
    observers_ = std::make_unique<Observers>( *this ); // which observe nothing
+   in_ = {}; // a handshake or a look for slices that still runs finds nothing more
+   sliceConfigDir_ = nullptr;
    sliceStatusSmDelAll();
    withdrawFixed( __func__ );
 }
 
 void AllStatusDirSm::handleInitialized() {
    VEL_TRACE_SCOPE( trace );
+   Vel::Ptr<AllStatusDirSm> const self( this ); // those who are told may drop the singleton
    handleFixedStatusGenId();
    handleBaseConfigDir( "slice" );
 }
@@ -300,6 +301,7 @@ void AllStatusDirSm::handleNewSlice( Vel::String const & sliceId ) {
 
 void AllStatusDirSm::handleSlice( Vel::String const & sliceId ) {
    VEL_TRACE_SCOPE( trace );
+   Vel::Ptr<AllStatusDirSm> const self( this );
    if ( auto const sm = sliceStatusSm( sliceId );
         sm && !( sm->agentStatus() == agentStatusOf( sliceId ) &&
                  sm->xcvrStatusDir() == statusDirOf( sliceId ) ) ) {
@@ -368,6 +370,7 @@ void AllStatusDirSm::sliceStatusSmDel( Vel::String const & sliceId ) {
 }
 
 void AllStatusDirSm::sliceStatusSmDelAll() {
+   Vel::Ptr<AllStatusDirSm> const self( this );
    while ( !sliceStatusSm_.empty() ) {
       Vel::String const first = sliceStatusSm_.begin()->first;
       sliceStatusSmDel( first );
@@ -453,9 +456,10 @@ void XcvrAllStatusDirSingleton::doStartSm() {
 
 #define INPUT_DEL( input )                                                                         \
    void XcvrAllStatusDirSingleton::input##Del() {                                                  \
+      auto const sm = allStatusDirSm_; /* those who are told may drop the singleton */             \
       input##Is( nullptr );                                                                        \
-      if ( allStatusDirSm_ ) {                                                                     \
-         allStatusDirSm_->input##Del();                                                            \
+      if ( sm ) {                                                                                  \
+         sm->input##Del();                                                                         \
       }                                                                                            \
    }
 INPUT_DEL( sliceStatusDir )

@@ -78,7 +78,6 @@ class XCVR_API AllStatusDirSm : public Vel::PtrInterface {
       Vel::Ptr<Vel::Dir> agentStatusDir;
       Vel::Ptr<XcvrSliceStatus> fixedAgentStatus;
    };
-   AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStatusDir );
    ~AllStatusDirSm() override;
 
    [[nodiscard]] Vel::Ptr<Vel::Dir> const & sliceStatusDir() const { return in_.sliceStatusDir; }
@@ -129,8 +128,10 @@ class XCVR_API AllStatusDirSm : public Vel::PtrInterface {
    void handleSlice( Vel::String const & sliceId );
 
  private:
-   friend class XcvrAllStatusDirSingleton;
+   friend class XcvrAllStatusDirSingleton; // makes it, and closes it before it lets go of it
    struct Observers;
+   AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStatusDir );
+   /// The end: withdraws all that was published, and observes nothing any more.
    void close();
    void withdrawFixed( char const * operation );
    [[nodiscard]] Vel::Ptr<XcvrSliceStatus> agentStatusOf( Vel::String const & sliceId ) const;
