@@ -44,9 +44,8 @@ class Session::Serving : public Mount::NotifieeConst {
    Serving( Session & session, uint32_t number, Vel::Ptr<Mount> const & mount )
       : session_( session ), number_( number ), mount_( mount ),
         group_( new MountGroup( "peer" ) ) {
-      made_ = mount->mode() == MountMode::write && !session_.manager_.entity( mount->name() );
       group_->mountIs( mount );
-      session_.manager_.mountGroupIs( group_ );
+      session_.manager_.mountGroupIs( group_, EntityManager::WhatIsMade::goes );
       notifierIs( mount );
       update( true );
    }
@@ -54,9 +53,6 @@ class Session::Serving : public Mount::NotifieeConst {
       notifierIs( nullptr );
       adaptor_ = nullptr;
       session_.manager_.mountGroupDel( group_ );
-      if ( made_ ) {
-         session_.manager_.entityDel( mount_->name() ); // it was there for this writer
-      }
    }
    void onState() override { update( true ); }
    void onTarget() override { update( false ); }
@@ -98,8 +94,7 @@ class Session::Serving : public Mount::NotifieeConst {
    Session & session_;
    uint32_t number_;
    Vel::Ptr<Mount> mount_;
-   Vel::Ptr<MountGroup> group_; // of this mount alone
-   bool made_;
+   Vel::Ptr<MountGroup> group_;           // of this mount alone
    Vel::Entity const * served_ = nullptr; // only to be compared with
    Vel::Ptr<Vel::NboAttrLogSa> adaptor_;
    bool imageTold_ = false;
