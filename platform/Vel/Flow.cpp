@@ -5,6 +5,8 @@
 #include <Vel/TypeName.h>
 
 #include <algorithm>
+#include <map>
+#include <set>
 
 namespace Vel {
 
@@ -17,7 +19,8 @@ constexpr uint16_t pathRecord = 0;  // names the entity of the records that foll
 constexpr std::size_t deepest = 64; // steps in a path
 constexpr std::size_t keptBuffer = 256 * 1024;
 constexpr std::size_t markSize = 64; // of one key, beside its bytes
-constexpr std::size_t mostWaiting = 1 << 20;
+constexpr std::size_t mostNames = 1 << 20;
+constexpr std::size_t mostNameless = 1 << 16;
 
 } // namespace
 
@@ -59,6 +62,7 @@ NboAttrLogSa::NboAttrLogSa( FlowOut & flow, EntityModel const & model, Order * o
 Ptr<NboAttrLogSa> NboAttrLogSa::attached( Entity const & entity, Ptr<FlowOut> const & flow,
                                           uint32_t tag, Only only ) {
    Ptr<NboAttrLogSa> const adaptor = entity.velModel().adaptor( entity, *flow );
+   std::sort( only.begin(), only.end() );
    adaptor->root_.reset( new Root{ flow, tag, std::move( only ) } );
    flow->roots_.push_back( adaptor.get() );
    adaptor->start();
@@ -67,9 +71,20 @@ Ptr<NboAttrLogSa> NboAttrLogSa::attached( Entity const & entity, Ptr<FlowOut> co
 
 NboAttrLogSa::~NboAttrLogSa() {
    dropKeys();
+   if ( collections_ ) {
+      for ( Entity const * target : collections_->nameless ) {
+         auto & all = flow_.nameless_;
+         auto const from = all.lower_bound( { target, this, 0, String() } );
+         auto to = from;
+         while ( to != all.end() && to->target == target && to->holder == this ) {
+            ++to;
+         }
+         all.erase( from, to );
+      }
+   }
    flow_.structure_.remove( *this );
    flow_.values_.remove( *this );
-   root().imagesDue -= imageDue_;
+   root().imagesDue -= imageCounted_;
    if ( root_ ) {
       std::erase( flow_.roots_, this );
    }
@@ -82,6 +97,9 @@ void NboAttrLogSa::start() {
       owning_ = owning_ || ( travel && travel->owned );
    }
    imageDue();
+   if ( !flow_.nameless_.empty() ) {
+      flow_.nameIs( *entity() );
+   }
    if ( !owning_ ) {
       return;
    }
@@ -96,8 +114,13 @@ void NboAttrLogSa::start() {
 }
 
 void NboAttrLogSa::imageDue() {
+   root().imagesDue += !imageCounted_;
+   imageCounted_ = true;
+   imageInsteadOfMarks();
+}
+
+void NboAttrLogSa::imageInsteadOfMarks() {
    dropMarks();
-   root().imagesDue += !imageDue_;
    imageDue_ = true;
    flow_.values_.add( *this );
    if ( owning_ ) {
@@ -112,6 +135,22 @@ void NboAttrLogSa::imageIs() {
       for ( auto const & child : collections_->children ) {
          child.second->imageIs();
       }
+   }
+}
+
+/// Beyond the bound: what has marks of keys is to be sent whole. What has none keeps its place in the queue,
+/// so that a slow reader gets through it; and `complete` stays what it was.
+void NboAttrLogSa::imagesInsteadOfKeys() {
+   if ( !collections_ ) {
+      return;
+   }
+   auto const & marked = collections_->marked;
+   if ( std::any_of( marked.begin(), marked.end(),
+                     []( MarkedKeys const & one ) { return !one.keys.empty(); } ) ) {
+      imageInsteadOfMarks();
+   }
+   for ( auto const & child : collections_->children ) {
+      child.second->imagesInsteadOfKeys();
    }
 }
 
@@ -226,7 +265,7 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
    }
    if ( flow_.markBytes_ > flow_.bound_ ) [[unlikely]] {
       for ( NboAttrLogSa * root : flow_.roots_ ) {
-         root->imageIs();
+         root->imagesInsteadOfKeys();
       }
    }
 }
@@ -237,7 +276,7 @@ bool NboAttrLogSa::passes( Row const & at, String const & key ) const {
       return true;
    }
    Name const name = Internal::keyOfBytes<Name>( key );
-   return std::find( root_->only.begin(), root_->only.end(), name ) != root_->only.end();
+   return std::binary_search( root_->only.begin(), root_->only.end(), name );
 }
 
 /// Sees to the adaptor of the child of that key; says whether the one that was there is none any more.
@@ -282,7 +321,7 @@ void endRecord( NboAttrLog & log, std::size_t begin ) {
    log.numberIs( begin + sizeof( uint16_t ), static_cast<uint32_t>( size ) );
 }
 
-static Entity const * topOf( Entity const & entity ) {
+Entity const * topOf( Entity const & entity ) {
    Entity const * top = &entity;
    while ( top->parent() ) {
       top = top->parent();
@@ -329,7 +368,7 @@ void NboAttrLogSa::writeStructure( NboAttrLog & log ) {
 
 void NboAttrLogSa::writeValues( NboAttrLog & log ) {
    bool const all = std::exchange( imageDue_, false );
-   root().imagesDue -= all;
+   root().imagesDue -= std::exchange( imageCounted_, false );
    Entity const * const from = entity();
    if ( !from ) {
       return;
@@ -339,6 +378,11 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
          Row const at = row( attribute );
          if ( at.info->travel && !at.travel().owned ) {
             writeWhole( *from, at, log );
+            if ( at.travel().target ) {
+               for ( String const & key : at.travel().keys( *from ) ) {
+                  keepNameless( *from, at, attribute, key );
+               }
+            }
          }
       }
       return;
@@ -346,9 +390,14 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
    for ( uint8_t attribute = order_[0].next; attribute != 0; ) {
       Row const at = row( attribute );
       if ( at.travel().keyed ) {
-         writeKeys( *from, at, takeKeys( attribute ), log );
+         Keys const keys = takeKeys( attribute );
+         writeKeys( *from, at, keys, log );
+         for ( auto const & key : keys ) {
+            keepNameless( *from, at, attribute, key.first );
+         }
       } else {
          at.travel().write( *from, at.id, log );
+         keepNameless( *from, at, attribute, String() );
       }
       attribute = std::exchange( order_[attribute], Order{} ).next;
    }
@@ -387,9 +436,7 @@ void NboAttrLogSa::writeKeys( Entity const & from, Row const & at, Keys const & 
    bool gone = false;
    bool set = false;
    for ( auto const & [key, renewed] : keys ) {
-      std::size_t const size = log.bytes().size();
-      bool const there = travel.writeEntry( from, key, log );
-      log.sizeIs( size );
+      bool const there = travel.has( from, key );
       set = set || there;
       if ( !there || renewed ) {
          gone = true;
@@ -408,6 +455,44 @@ void NboAttrLogSa::writeKeys( Entity const & from, Row const & at, Keys const & 
          travel.writeEntry( from, key.first, log );
       }
       Internal::endRecord( log, begin );
+   }
+}
+
+/// What a pointer leads to may have no name yet, being in no tree: then it is marked again once it has.
+void NboAttrLogSa::keepNameless( Entity const & from, Row const & at, uint16_t attribute,
+                                 String const & key ) {
+   Entity const * const target = at.travel().target ? at.travel().target( from, key ) : nullptr;
+   if ( !target || Internal::topOf( *target ) == Internal::topOf( from ) ) {
+      return;
+   }
+   auto & nameless = flow_.nameless_;
+   if ( nameless.size() >= mostNameless ) { // some may have come to lead elsewhere
+      std::erase_if( nameless, []( FlowOut::Nameless const & one ) {
+         Entity const * const holder = one.holder->entity();
+         return !holder ||
+                one.holder->row( one.attribute ).travel().target( *holder, one.key ) != one.target;
+      } );
+   }
+   if ( nameless.size() < mostNameless &&
+        nameless.insert( { target, this, attribute, key } ).second ) {
+      collections().nameless.push_back( target );
+   }
+}
+
+void FlowOut::nameIs( Entity const & target ) {
+   auto const from = nameless_.lower_bound( { &target, nullptr, 0, String() } );
+   auto to = from;
+   while ( to != nameless_.end() && to->target == &target ) {
+      ++to;
+   }
+   std::vector<Nameless> const named( from, to );
+   nameless_.erase( from, to );
+   for ( Nameless const & one : named ) {
+      if ( one.holder->row( one.attribute ).travel().keyed ) {
+         one.holder->markKey( one.attribute, one.key );
+      } else {
+         one.holder->mark( one.attribute );
+      }
    }
 }
 
@@ -458,14 +543,62 @@ std::string_view FlowOut::piece( std::size_t most ) {
 // ---------------------------------------------------------------------------------------------
 // Reading
 
-struct FlowIn::Waiting {
-   Ref<Entity> holder;
+/// A pointer or reference of a replica; the holder only to be compared with.
+struct FlowIn::Pointer {
+   Entity const * holder;
    AttrTravel const * row;
    Name key;
-   Name path;
+   friend auto operator<=>( Pointer const &, Pointer const & ) = default;
 };
 
-FlowIn::FlowIn() = default;
+struct FlowIn::Names {
+   struct Kept {
+      Ref<Entity> holder;
+      Name path;
+      bool settled = false;
+   };
+   using ByPointer = std::map<Pointer, Kept>;
+
+   void keep( Pointer const & pointer, Entity & holder, Name const & path, bool settled ) {
+      if ( byPointer.size() >= std::min( sweepAt, mostNames ) ) {
+         sweep();
+      }
+      if ( byPointer.size() < mostNames ) {
+         auto const [at, added] = byPointer.try_emplace( pointer );
+         if ( !added ) {
+            byPath.erase( { at->second.path, &at->first } );
+         }
+         at->second.holder.targetIs( &holder );
+         at->second.path = path;
+         at->second.settled = settled;
+         byPath.emplace( path, &at->first );
+      }
+   }
+   void erase( ByPointer::iterator at ) {
+      byPath.erase( { at->second.path, &at->first } );
+      byPointer.erase( at );
+   }
+   /// Names of holders that are gone go when they may be half of all: at a cost that is small in each.
+   void sweep() {
+      for ( auto at = byPointer.begin(); at != byPointer.end(); ) {
+         auto const next = std::next( at );
+         if ( !at->second.holder.get() ) {
+            erase( at );
+         }
+         at = next;
+      }
+      sweepAt = std::max<std::size_t>( 64, 2 * byPointer.size() );
+   }
+
+   ByPointer byPointer;
+   std::set<std::pair<Name, Pointer const *>> byPath; // the pointers of `byPointer`
+   std::size_t sweepAt = 64;
+   Ref<Entity> root; // null where names count from the top of the replica's tree
+   Ref<Entity> replica;
+   Name place;
+};
+
+FlowIn::FlowIn() : names_( std::make_unique<Names>() ) {}
 FlowIn::~FlowIn() = default;
 
 namespace {
@@ -482,11 +615,11 @@ AttrInfo const * rowOf( EntityModel const & type, uint16_t id ) {
 }
 
 /// The entity that a path leads to; null where this side has none.
-Entity * follow( Entity & replica, Internal::LogCursor body ) {
+Entity * entityAt( Entity & replica, Internal::LogCursor body ) {
    Entity * at = &replica;
    for ( std::size_t steps = 0; at && body.spare != 0; ++steps ) {
       if ( steps == deepest ) {
-         Internal::LogCursor::fail( body, "a path of more than 64 steps" );
+         return nullptr; // what is deeper has no copy here
       }
       AttrInfo const * row = rowOf( at->velModel(), body.next<uint16_t>() );
       at = row && row->travel && row->travel->childAt ? row->travel->childAt( *at, body ) : nullptr;
@@ -494,10 +627,16 @@ Entity * follow( Entity & replica, Internal::LogCursor body ) {
    return at;
 }
 
-bool settled( Entity & entity, AttrTravel const & row, Name const & key, Name const & path ) {
-   auto * const top = const_cast<Entity *>( Internal::topOf( entity ) );
-   Ptr<Entity> const target = top->entity( path );
-   return target && row.settle( entity, key, target );
+/// What is left of a path below a place; false for one that is elsewhere.
+bool below( Name const & place, std::string_view & path ) {
+   if ( !place.empty() ) {
+      if ( !path.starts_with( place ) ||
+           ( path.size() > place.size() && path[place.size()] != '/' ) ) {
+         return false;
+      }
+      path.remove_prefix( std::min( place.size() + 1, path.size() ) );
+   }
+   return true;
 }
 
 } // namespace
@@ -514,7 +653,7 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
    Hold const hold( replica );
    Ptr<Entity> child; // held while records are applied to it
    Entity * subject = &replica;
-   made_ = false;
+   made_.clear();
    while ( in.spare != 0 ) {
       auto const id = in.next<uint16_t>();
       std::size_t const size = in.next<uint32_t>();
@@ -522,7 +661,7 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
       Internal::LogCursor const body{ in.begin, in.at, size };
       in.at += size;
       if ( id == pathRecord ) {
-         subject = follow( replica, body );
+         subject = entityAt( replica, body );
          child = subject == &replica ? nullptr : Ptr<Entity>( subject );
       } else if ( subject ) {
          AttrInfo const * row = rowOf( subject->velModel(), id );
@@ -532,39 +671,136 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
       }
       log.positionIs( static_cast<std::size_t>( in.at - in.begin ) );
    }
-   if ( made_ ) {
-      resolve();
+   for ( Name const & path : std::exchange( made_, {} ) ) {
+      follow( path, false );
    }
 }
 
-bool FlowIn::point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path ) {
-   if ( settled( entity, row, key, path ) ) {
-      return true;
-   }
-   if ( waiting_.size() < mostWaiting ) {
-      waiting_.push_back( std::make_unique<Waiting>() );
-      Waiting & one = *waiting_.back();
-      one.holder.targetIs( &entity );
-      one.row = &row;
-      one.key = key;
-      one.path = path;
-   }
-   return false;
+void FlowIn::clear() {
+   names_ = std::make_unique<Names>();
 }
 
-void FlowIn::dropWaiting( Entity const & entity, AttrTravel const & row, Name const & key ) {
-   std::erase_if( waiting_, [&]( auto const & one ) {
-      return one->holder.get() == &entity && one->row == &row && one->key == key;
-   } );
+void FlowIn::placeIs( Entity & root, Entity & replica, Name path ) {
+   clear();
+   names_->root.targetIs( &root );
+   names_->replica.targetIs( &replica );
+   names_->place = std::move( path );
+}
+
+/// Sets a pointer to what its name leads to now. False where the name is done with: once it has led to what
+/// lives and goes with the replica.
+bool FlowIn::follow( Entity & holder, Pointer const & pointer, Name const & path, bool & settled ) {
+   Entity * top = names_->replica.get();
+   std::string_view rest = path;
+   bool const inside = !top || below( names_->place, rest );
+   if ( !top ) {
+      top = const_cast<Entity *>( Internal::topOf( holder ) );
+   } else if ( !inside ) {
+      top = names_->root.get();
+   }
+   settled = pointer.row->settle( holder, pointer.key, top ? top->entity( rest ) : nullptr );
+   return !settled || !inside;
+}
+
+void FlowIn::point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path ) {
+   Pointer const pointer{ &entity, &row, key };
+   forget( entity, row, key );
+   bool settled = false;
+   if ( path.size() > longestName ) {
+      row.settle( entity, key, nullptr );
+   } else if ( follow( entity, pointer, path, settled ) ) {
+      names_->keep( pointer, entity, path, settled );
+   }
+}
+
+void FlowIn::forget( Entity const & entity, AttrTravel const & row, Name const & key ) {
+   auto const found = names_->byPointer.find( { &entity, &row, key } );
+   if ( found != names_->byPointer.end() ) {
+      names_->erase( found );
+   }
+}
+
+void FlowIn::forgetAll( Entity const & entity, AttrTravel const & row ) {
+   auto & byPointer = names_->byPointer;
+   for ( auto at = byPointer.lower_bound( { &entity, &row, Name() } );
+         at != byPointer.end() && at->first.holder == &entity && at->first.row == &row; ) {
+      names_->erase( at++ );
+   }
+}
+
+/// Whoever is told of one pointer may do away with the others.
+void FlowIn::follow( std::vector<Pointer> const & pointers ) {
+   for ( Pointer const & pointer : pointers ) {
+      auto const found = names_->byPointer.find( pointer );
+      if ( found == names_->byPointer.end() ) {
+         continue;
+      }
+      Ptr<Entity> const holder( found->second.holder.get() );
+      bool settled = false;
+      bool const kept = holder && follow( *holder, pointer, Name( found->second.path ), settled );
+      auto const still = names_->byPointer.find( pointer );
+      if ( still != names_->byPointer.end() ) {
+         still->second.settled = settled;
+         if ( !kept ) {
+            names_->erase( still );
+         }
+      }
+   }
+}
+
+void FlowIn::follow( Name const & path, bool andBelow ) {
+   std::vector<Pointer> due;
+   auto const & byPath = names_->byPath;
+   auto const add = [&]( Name const & from, auto const & fits ) {
+      for ( auto at = byPath.lower_bound( { from, nullptr } );
+            at != byPath.end() && fits( at->first ); ++at ) {
+         due.push_back( *at->second );
+      }
+   };
+   add( path, [&]( Name const & name ) { return name == path; } );
+   if ( andBelow ) {
+      Name const start = path + "/";
+      add( start, [&]( Name const & name ) { return name.view().starts_with( start ); } );
+   }
+   follow( due );
 }
 
 void FlowIn::resolve() {
-   auto const before = std::exchange( waiting_, {} );
-   for ( auto const & one : before ) {
-      if ( Entity * holder = one->holder.get() ) {
-         point( *holder, *one->row, one->key, one->path );
-      }
+   std::vector<Pointer> due;
+   for ( auto const & entry : names_->byPointer ) {
+      due.push_back( entry.first );
    }
+   follow( due );
+}
+
+void FlowIn::resolve( Name const & path ) {
+   follow( path, true );
+}
+
+std::size_t FlowIn::unresolved() const {
+   return static_cast<std::size_t>(
+      std::count_if( names_->byPointer.begin(), names_->byPointer.end(), []( auto const & entry ) {
+         return !entry.second.settled && entry.second.holder.get();
+      } ) );
+}
+
+void FlowIn::madeIs( Entity const & made ) {
+   if ( names_->byPointer.empty() ) {
+      return;
+   }
+   Name path;
+   if ( Entity const * const replica = names_->replica.get() ) {
+      Name const top = replica->fullName() + "/";
+      Name const full = made.fullName();
+      if ( !full.view().starts_with( top ) ) {
+         return;
+      }
+      path = names_->place.empty() ? Name() : names_->place + "/";
+      path += full.view().substr( top.size() );
+   } else {
+      static_cast<void>( Internal::pathOf( made, made, path ) );
+   }
+   made_.push_back( path );
 }
 
 Ptr<Entity> FlowIn::newEntity( Name const & typeName, Name const & name ) {
