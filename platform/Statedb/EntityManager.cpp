@@ -94,7 +94,7 @@ PathWatch::PathWatch( Vel::Ptr<Vel::Dir> root, Vel::Name path, std::function<voi
 PathWatch::~PathWatch() = default;
 
 void PathWatch::look() {
-   auto const before = std::exchange( steps_, {} );
+   auto before = std::exchange( steps_, {} );
    std::string_view rest = path_;
    Vel::Ptr<Vel::Entity> at = root_;
    while ( at && !rest.empty() ) {
@@ -107,6 +107,7 @@ void PathWatch::look() {
    }
    if ( !at || !( at == entity_ ) ) {
       entity_ = at;
+      before.clear(); // `then` may be the end of the watch, and they must not come here again
       if ( auto const then = then_ ) {
          then();
       }
