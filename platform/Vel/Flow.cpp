@@ -553,36 +553,55 @@ struct FlowIn::Pointer {
 
 struct FlowIn::Names {
    struct Kept {
-      Ref<Entity> holder;
       Name path;
       bool settled = false;
    };
    using ByPointer = std::map<Pointer, Kept>;
 
-   void keep( Pointer const & pointer, Entity & holder, Name const & path, bool settled ) {
+   /// The entity of a pointer; null once it is gone.
+   [[nodiscard]] Entity * holderOf( Pointer const & pointer ) const {
+      return holders.at( pointer.holder ).get();
+   }
+   void keep( Pointer const & pointer, Entity & holder, Kept const & name ) {
       if ( byPointer.size() >= std::min( sweepAt, mostNames ) ) {
          sweep();
       }
-      if ( byPointer.size() < mostNames ) {
-         auto const [at, added] = byPointer.try_emplace( pointer );
-         if ( !added ) {
-            byPath.erase( { at->second.path, &at->first } );
-         }
-         at->second.holder.targetIs( &holder );
-         at->second.path = path;
-         at->second.settled = settled;
-         byPath.emplace( path, &at->first );
+      if ( byPointer.size() >= mostNames ) {
+         return;
       }
+      if ( auto const found = holders.find( &holder );
+           found != holders.end() && !found->second.get() ) {
+         eraseAll( &holder ); // of another entity, which was at this address
+      }
+      if ( auto const found = byPointer.find( pointer ); found != byPointer.end() ) {
+         erase( found );
+      }
+      holders[&holder].targetIs( &holder );
+      auto const at = byPointer.emplace( pointer, name ).first;
+      byPath.emplace( name.path, &at->first );
    }
    void erase( ByPointer::iterator at ) {
+      Entity const * const holder = at->first.holder;
       byPath.erase( { at->second.path, &at->first } );
       byPointer.erase( at );
+      auto const next = byPointer.lower_bound( { holder, nullptr, Name() } );
+      if ( next == byPointer.end() || next->first.holder != holder ) {
+         holders.erase( holder );
+      }
+   }
+   /// All of a holder, or those of one of its attributes.
+   void eraseAll( Entity const * holder, AttrTravel const * row = nullptr ) {
+      for ( auto at = byPointer.lower_bound( { holder, row, Name() } );
+            at != byPointer.end() && at->first.holder == holder &&
+            ( !row || at->first.row == row ); ) {
+         erase( at++ );
+      }
    }
    /// Names of holders that are gone go when they may be half of all: at a cost that is small in each.
    void sweep() {
       for ( auto at = byPointer.begin(); at != byPointer.end(); ) {
          auto const next = std::next( at );
-         if ( !at->second.holder.get() ) {
+         if ( !holderOf( at->first ) ) {
             erase( at );
          }
          at = next;
@@ -592,6 +611,7 @@ struct FlowIn::Names {
 
    ByPointer byPointer;
    std::set<std::pair<Name, Pointer const *>> byPath; // the pointers of `byPointer`
+   std::map<Entity const *, Ref<Entity>> holders; // one each, since every Ref is one more observer
    std::size_t sweepAt = 64;
    Ref<Entity> root; // null where names count from the top of the replica's tree
    Ref<Entity> replica;
@@ -709,7 +729,7 @@ void FlowIn::point( Entity & entity, AttrTravel const & row, Name const & key, N
    if ( path.size() > longestName ) {
       row.settle( entity, key, nullptr );
    } else if ( follow( entity, pointer, path, settled ) ) {
-      names_->keep( pointer, entity, path, settled );
+      names_->keep( pointer, entity, { path, settled } );
    }
 }
 
@@ -721,11 +741,7 @@ void FlowIn::forget( Entity const & entity, AttrTravel const & row, Name const &
 }
 
 void FlowIn::forgetAll( Entity const & entity, AttrTravel const & row ) {
-   auto & byPointer = names_->byPointer;
-   for ( auto at = byPointer.lower_bound( { &entity, &row, Name() } );
-         at != byPointer.end() && at->first.holder == &entity && at->first.row == &row; ) {
-      names_->erase( at++ );
-   }
+   names_->eraseAll( &entity, &row );
 }
 
 /// Whoever is told of one pointer may do away with the others.
@@ -735,7 +751,7 @@ void FlowIn::follow( std::vector<Pointer> const & pointers ) {
       if ( found == names_->byPointer.end() ) {
          continue;
       }
-      Ptr<Entity> const holder( found->second.holder.get() );
+      Ptr<Entity> const holder( names_->holderOf( pointer ) );
       bool settled = false;
       bool const kept = holder && follow( *holder, pointer, Name( found->second.path ), settled );
       auto const still = names_->byPointer.find( pointer );
@@ -778,9 +794,9 @@ void FlowIn::resolve( Name const & path ) {
 }
 
 std::size_t FlowIn::unresolved() const {
-   return static_cast<std::size_t>(
-      std::count_if( names_->byPointer.begin(), names_->byPointer.end(), []( auto const & entry ) {
-         return !entry.second.settled && entry.second.holder.get();
+   return static_cast<std::size_t>( std::count_if(
+      names_->byPointer.begin(), names_->byPointer.end(), [this]( auto const & entry ) {
+         return !entry.second.settled && names_->holderOf( entry.first );
       } ) );
 }
 
