@@ -1,5 +1,7 @@
 // The end of the reactors of the aggregation while they run: those who are told of a publication or a
 // withdrawal drop the singleton.
+#include "tests/support/TraceCapture.h"
+
 #include <Xcvr/XcvrAllStatusDirSm.h>
 
 #include <gtest/gtest.h>
@@ -98,6 +100,27 @@ TEST( ReactorLifetimeTest, aClosedReactorPublishesNothingMore ) {
    reactors.fixedAgentStatus->generationIdIs( 1 );
    reactors.fixedConfigDir->generationIdIs( 1 );
    EXPECT_TRUE( all->xcvrStatusMap().empty() );
+}
+
+TEST( ReactorLifetimeTest, withdrawalsAreTracedUnderTheOperationThatMakesThem ) {
+   Reactors reactors;
+   reactors.singleton->doStartSm();
+   TraceCapture capture( "XcvrAllStatusDirSm", 8 );
+   std::string traced;
+   reactors.agentStatusDir->entryDel( "1" );
+   reactors.fixedStatusDir->entryDel( "fixed" );
+   Vel::dynamicPtr<Vel::Dir>( reactors.sliceStatusDir->entry( "2" ) )->entryDel( "2/a" );
+   reactors.fixedConfigDir->generationIdIs( 7 );
+   for ( auto const & record : capture.takeRecords() ) {
+      if ( record.text.starts_with( "Removing" ) ) {
+         traced +=
+            record.operation + ": " + record.text.substr( 0, record.text.rfind( ' ' ) ) + "\n";
+      }
+   }
+   EXPECT_EQ( traced, "sliceStatusSmDel: Removing sliced xcvr\n"
+                      "sliceStatusSmDel: Removing sliced xcvr\n"
+                      "handleFixedStatusDir: Removing fixed xcvr\n"
+                      "handleXcvrStatusDir: Removing sliced xcvr\n" );
 }
 
 } // namespace
