@@ -573,12 +573,19 @@ struct FlowIn::Names {
            found != holders.end() && !found->second.get() ) {
          eraseAll( &holder ); // of another entity, which was at this address
       }
-      if ( auto const found = byPointer.find( pointer ); found != byPointer.end() ) {
-         erase( found );
-      }
+      erase( pointer );
       holders[&holder].targetIs( &holder );
       auto const at = byPointer.emplace( pointer, name ).first;
       byPath.emplace( name.path, &at->first );
+   }
+   [[nodiscard]] Kept * find( Pointer const & pointer ) {
+      auto const found = byPointer.find( pointer );
+      return found != byPointer.end() ? &found->second : nullptr;
+   }
+   void erase( Pointer const & pointer ) {
+      if ( auto const found = byPointer.find( pointer ); found != byPointer.end() ) {
+         erase( found );
+      }
    }
    void erase( ByPointer::iterator at ) {
       Entity const * const holder = at->first.holder;
@@ -618,7 +625,7 @@ struct FlowIn::Names {
    Name place;
 };
 
-FlowIn::FlowIn() : names_( std::make_unique<Names>() ) {}
+FlowIn::FlowIn() = default;
 FlowIn::~FlowIn() = default;
 
 namespace {
@@ -697,11 +704,11 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
 }
 
 void FlowIn::clear() {
-   names_ = std::make_unique<Names>();
+   names_ = nullptr;
 }
 
 void FlowIn::placeIs( Entity & root, Entity & replica, Name path ) {
-   clear();
+   names_ = std::make_unique<Names>();
    names_->root.targetIs( &root );
    names_->replica.targetIs( &replica );
    names_->place = std::move( path );
@@ -710,7 +717,7 @@ void FlowIn::placeIs( Entity & root, Entity & replica, Name path ) {
 /// Sets a pointer to what its name leads to now. False where the name is done with: once it has led to what
 /// lives and goes with the replica.
 bool FlowIn::follow( Entity & holder, Pointer const & pointer, Name const & path, bool & settled ) {
-   Entity * top = names_->replica.get();
+   Entity * top = names_ ? names_->replica.get() : nullptr;
    std::string_view rest = path;
    bool const inside = !top || below( names_->place, rest );
    if ( !top ) {
@@ -729,42 +736,48 @@ void FlowIn::point( Entity & entity, AttrTravel const & row, Name const & key, N
    if ( path.size() > longestName ) {
       row.settle( entity, key, nullptr );
    } else if ( follow( entity, pointer, path, settled ) ) {
+      if ( !names_ ) {
+         names_ = std::make_unique<Names>();
+      }
       names_->keep( pointer, entity, { path, settled } );
    }
 }
 
 void FlowIn::forget( Entity const & entity, AttrTravel const & row, Name const & key ) {
-   auto const found = names_->byPointer.find( { &entity, &row, key } );
-   if ( found != names_->byPointer.end() ) {
-      names_->erase( found );
+   if ( names_ ) {
+      names_->erase( { &entity, &row, key } );
    }
 }
 
 void FlowIn::forgetAll( Entity const & entity, AttrTravel const & row ) {
-   names_->eraseAll( &entity, &row );
+   if ( names_ ) {
+      names_->eraseAll( &entity, &row );
+   }
 }
 
 /// Whoever is told of one pointer may do away with the others.
 void FlowIn::follow( std::vector<Pointer> const & pointers ) {
    for ( Pointer const & pointer : pointers ) {
-      auto const found = names_->byPointer.find( pointer );
-      if ( found == names_->byPointer.end() ) {
+      Names::Kept * const name = names_ ? names_->find( pointer ) : nullptr;
+      if ( !name ) {
          continue;
       }
       Ptr<Entity> const holder( names_->holderOf( pointer ) );
       bool settled = false;
-      bool const kept = holder && follow( *holder, pointer, Name( found->second.path ), settled );
-      auto const still = names_->byPointer.find( pointer );
-      if ( still != names_->byPointer.end() ) {
-         still->second.settled = settled;
+      bool const kept = holder && follow( *holder, pointer, Name( name->path ), settled );
+      if ( Names::Kept * const still = names_ ? names_->find( pointer ) : nullptr ) {
+         still->settled = settled;
          if ( !kept ) {
-            names_->erase( still );
+            names_->erase( pointer );
          }
       }
    }
 }
 
 void FlowIn::follow( Name const & path, bool andBelow ) {
+   if ( !names_ ) {
+      return;
+   }
    std::vector<Pointer> due;
    auto const & byPath = names_->byPath;
    auto const add = [&]( Name const & from, auto const & fits ) {
@@ -783,8 +796,10 @@ void FlowIn::follow( Name const & path, bool andBelow ) {
 
 void FlowIn::resolve() {
    std::vector<Pointer> due;
-   for ( auto const & entry : names_->byPointer ) {
-      due.push_back( entry.first );
+   if ( names_ ) {
+      for ( auto const & entry : names_->byPointer ) {
+         due.push_back( entry.first );
+      }
    }
    follow( due );
 }
@@ -794,14 +809,17 @@ void FlowIn::resolve( Name const & path ) {
 }
 
 std::size_t FlowIn::unresolved() const {
-   return static_cast<std::size_t>( std::count_if(
-      names_->byPointer.begin(), names_->byPointer.end(), [this]( auto const & entry ) {
-         return !entry.second.settled && names_->holderOf( entry.first );
-      } ) );
+   std::size_t count = 0;
+   if ( names_ ) {
+      for ( auto const & [pointer, name] : names_->byPointer ) {
+         count += !name.settled && names_->holderOf( pointer );
+      }
+   }
+   return count;
 }
 
 void FlowIn::madeIs( Entity const & made ) {
-   if ( names_->byPointer.empty() ) {
+   if ( !names_ || names_->byPointer.empty() ) {
       return;
    }
    Name path;
