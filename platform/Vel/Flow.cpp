@@ -472,10 +472,19 @@ void NboAttrLogSa::keepNameless( Entity const & from, Row const & at, uint16_t a
          return !holder ||
                 one.holder->row( one.attribute ).travel().target( *holder, one.key ) != one.target;
       } );
+      if ( nameless.size() > mostNameless / 2 ) {
+         nameless.clear(); // a look at all of them must not be due again soon
+      }
    }
-   if ( nameless.size() < mostNameless &&
-        nameless.insert( { target, this, attribute, key } ).second ) {
-      collections().nameless.push_back( target );
+   if ( nameless.insert( { target, this, attribute, key } ).second ) {
+      std::vector<Entity const *> & mine = collections().nameless;
+      if ( mine.size() == mine.capacity() ) { // those that have got their names since
+         std::erase_if( mine, [&]( Entity const * one ) {
+            auto const found = nameless.lower_bound( { one, this, 0, String() } );
+            return found == nameless.end() || found->target != one || found->holder != this;
+         } );
+      }
+      mine.push_back( target );
    }
 }
 
@@ -563,7 +572,7 @@ struct FlowIn::Names {
       return holders.at( pointer.holder ).get();
    }
    void keep( Pointer const & pointer, Entity & holder, Kept const & name ) {
-      if ( byPointer.size() >= std::min( sweepAt, mostNames ) ) {
+      if ( ++keptSinceSweep > byPointer.size() + 64 ) {
          sweep();
       }
       if ( byPointer.size() >= mostNames ) {
@@ -604,7 +613,8 @@ struct FlowIn::Names {
          erase( at++ );
       }
    }
-   /// Names of holders that are gone go when they may be half of all: at a cost that is small in each.
+   /// Names of holders that are gone go when they may be half of all: at a cost that is small in each that
+   /// is kept, or that finds no room.
    void sweep() {
       for ( auto at = byPointer.begin(); at != byPointer.end(); ) {
          auto const next = std::next( at );
@@ -613,13 +623,13 @@ struct FlowIn::Names {
          }
          at = next;
       }
-      sweepAt = std::max<std::size_t>( 64, 2 * byPointer.size() );
+      keptSinceSweep = 0;
    }
 
    ByPointer byPointer;
    std::set<std::pair<Name, Pointer const *>> byPath; // the pointers of `byPointer`
    std::map<Entity const *, Ref<Entity>> holders; // one each, since every Ref is one more observer
-   std::size_t sweepAt = 64;
+   std::size_t keptSinceSweep = 0;
    Ref<Entity> root; // null where names count from the top of the replica's tree
    Ref<Entity> replica;
    Name place;

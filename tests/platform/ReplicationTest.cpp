@@ -42,6 +42,12 @@ TEST( ReplicationTest, whatJoinsWithChildrenBringsThem ) {
    copied.dir->entryIs( below );
    copied.deliver();
    EXPECT_EQ( asText( *copied.replica ), asText( *copied.dir ) );
+   Vel::Ptr<Slot> const other( new Slot( "slot" ) ); // takes the place of the first
+   other->laneIs( LaneNumber( 1 ) );
+   other->laneIs( LaneNumber( 2 ) )->litIs( true );
+   below->entryIs( other );
+   copied.deliver();
+   EXPECT_EQ( asText( *copied.replica ), asText( *copied.dir ) );
 }
 
 TEST( ReplicationTest, pointersTravelOnceTheirTargetsHaveJoinedTheTree ) {
