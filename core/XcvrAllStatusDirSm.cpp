@@ -19,16 +19,6 @@ std::string note( std::string_view text, Vel::String const & name ) {
    return std::string( text ) + std::string( name );
 }
 
-using Published = Vel::HashMap<Vel::Name, bool>;
-
-void publishedIs( Published & published, Vel::Name const & name, bool is ) {
-   if ( is ) {
-      published.try_emplace( name, true );
-   } else if ( auto const found = published.find( name ); found != published.end() ) {
-      published.erase( found );
-   }
-}
-
 /// What a handshake goes through: the directory may change under the hands of those that are told.
 std::vector<Vel::Ptr<Vel::Entity>> entriesOf( Vel::Dir const & dir ) {
    std::vector<Vel::Ptr<Vel::Entity>> entries;
@@ -73,6 +63,60 @@ class GenerationObserver : public T::NotifieeConst {
 } // namespace
 
 // ---------------------------------------------------------------------------------------------
+// What both kinds of reactors do
+
+void StatusPublisher::nameIs( Vel::Name const & name, bool published ) {
+   if ( published ) {
+      names_.try_emplace( name, true );
+   } else if ( auto const found = names_.find( name ); found != names_.end() ) {
+      names_.erase( found );
+   }
+}
+
+void StatusPublisher::publish( Vel::Ptr<Vel::Dir> from, char const * operation ) {
+   uint64_t const handshake = ++handshakes_;
+   for ( auto const & entry : entriesOf( *from ) ) {
+      auto const xs = statusOf( entry );
+      // A handshake within this one, or the end of the reactor, has had the last word.
+      if ( handshake != handshakes_ ) {
+         return;
+      }
+      if ( from->entry( xs->name() ) == entry ) {
+         nameIs( xs->name(), true );
+         traceName( operation, "Adding ", xs->name() );
+         to_->xcvrStatusIs( xs );
+      }
+   }
+}
+
+void StatusPublisher::withdraw( char const * operation ) {
+   uint64_t const handshake = ++handshakes_;
+   while ( !names_.empty() && handshake == handshakes_ ) {
+      withdraw( Vel::Name( names_.begin()->first ), operation );
+   }
+}
+
+void StatusPublisher::withdraw( Vel::Name const & name, char const * operation ) {
+   nameIs( name, false );
+   traceName( operation, "Removing ", name );
+   to_->xcvrStatusDel( name );
+}
+
+void StatusPublisher::entryIs( Vel::Name const & name, Vel::Ptr<Vel::Entity> const & entry,
+                               char const * operation ) {
+   if ( has( name ) && !( entry.get() == to_->xcvrStatus( name ).get() ) ) {
+      withdraw( name, operation );
+   }
+}
+
+void StatusPublisher::traceName( char const * operation, char const * what,
+                                 Vel::Name const & name ) const {
+   if ( trace.passes( 8 ) ) {
+      trace.write( 8, __LINE__, operation, note( std::string( what ) + kind_ + " xcvr ", name ) );
+   }
+}
+
+// ---------------------------------------------------------------------------------------------
 // One slice
 
 struct SliceStatusSm::Observers {
@@ -90,7 +134,8 @@ SliceStatusSm::SliceStatusSm( AllStatusDirSm & top, Vel::String sliceId,
                               Vel::Ptr<Vel::Dir> xcvrStatusDir,
                               Vel::Ptr<AllNewStatusDir> allStatusDir )
    : top_( &top ), sliceId_( std::move( sliceId ) ), agentStatus_( std::move( agentStatus ) ),
-     xcvrStatusDir_( std::move( xcvrStatusDir ) ), allStatusDir_( std::move( allStatusDir ) ),
+     xcvrStatusDir_( std::move( xcvrStatusDir ) ),
+     published_( "sliced", std::move( allStatusDir ) ),
      observers_( std::make_unique<Observers>( *this ) ) {}
 
 SliceStatusSm::~SliceStatusSm() = default;
@@ -98,10 +143,6 @@ SliceStatusSm::~SliceStatusSm() = default;
 void SliceStatusSm::sliceConfigIs( Vel::Ptr<AllConfigDir> const & config ) {
    sliceConfig_ = config;
    observers_->sliceConfig.notifierIs( config.get() );
-}
-
-void SliceStatusSm::sliceXcvrsIs( Vel::Name const & name, bool published ) {
-   publishedIs( sliceXcvrs_, name, published );
 }
 
 void SliceStatusSm::handleInitialized() {
@@ -121,7 +162,6 @@ void SliceStatusSm::handleAgentStatusGenId() {
    }
    VEL_TRACE_SCOPE( trace );
    Vel::Ptr<SliceStatusSm> const self( this ); // those who are told may end the slice
-   uint64_t const handshake = ++handshakes_;
    Vel::Ptr<Vel::Dir> const & configs = top_->sliceConfigDir();
    sliceConfigIs( configs ? Vel::dynamicPtr<AllConfigDir>( configs->entry( sliceId_ ) ) : nullptr );
    if ( !sliceConfig_ ) {
@@ -132,53 +172,23 @@ void SliceStatusSm::handleAgentStatusGenId() {
                     std::to_string( sliceConfig_->generationId() ) + " xsGenId " +
                     std::to_string( agentStatus_->generationId() ) );
    }
-   if ( !sliceConfig_ || sliceConfig_->generationId() != agentStatus_->generationId() ) {
-      withdraw( __func__ );
-      return;
-   }
-   for ( auto const & entry : entriesOf( *xcvrStatusDir_ ) ) {
-      auto const xs = statusOf( entry );
-      // A handshake within this one, or the end of the slice, has had the last word.
-      if ( handshake != handshakes_ ) {
-         return;
-      }
-      if ( xcvrStatusDir_->entry( xs->name() ) == entry ) {
-         sliceXcvrsIs( xs->name(), true );
-         VEL_TRACE( trace, 8, note( "Adding sliced xcvr ", xs->name() ) );
-         allStatusDir_->xcvrStatusIs( xs );
-      }
-   }
-}
-
-void SliceStatusSm::withdraw( char const * operation ) {
-   uint64_t const handshake = handshakes_;
-   while ( !sliceXcvrs_.empty() && handshake == handshakes_ ) {
-      Vel::Name const name = sliceXcvrs_.begin()->first;
-      sliceXcvrsIs( name, false );
-      if ( trace.passes( 8 ) ) {
-         trace.write( 8, __LINE__, operation, note( "Removing sliced xcvr ", name ) );
-      }
-      allStatusDir_->xcvrStatusDel( name );
+   if ( sliceConfig_ && sliceConfig_->generationId() == agentStatus_->generationId() ) {
+      published_.publish( xcvrStatusDir_, __func__ );
+   } else {
+      published_.withdraw( __func__ );
    }
 }
 
 void SliceStatusSm::handleXcvrStatusDir( Vel::Name const & name ) {
    VEL_TRACE_SCOPE( trace );
-   auto const published = allStatusDir_->xcvrStatus( name );
-   if ( sliceXcvrs( name ) && !( xcvrStatusDir_->entry( name ).get() == published.get() ) ) {
-      sliceXcvrsIs( name, false );
-      VEL_TRACE( trace, 8, note( "Removing sliced xcvr ", name ) );
-      allStatusDir_->xcvrStatusDel( name );
-   }
+   published_.entryIs( name, xcvrStatusDir_->entry( name ), __func__ );
 }
 
-void SliceStatusSm::close() {
+void SliceStatusSm::close( char const * operation ) {
    Vel::Ptr<SliceStatusSm> const self( this );
    top_ = nullptr;
-   ++handshakes_;
    observers_ = std::make_unique<Observers>( *this ); // which observe nothing
-   withdraw( __func__ );
-   sliceXcvrsDelAll();
+   published_.withdraw( operation );
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -203,7 +213,7 @@ struct AllStatusDirSm::Observers {
 };
 
 AllStatusDirSm::AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStatusDir )
-   : in_( std::move( inputs ) ), allStatusDir_( std::move( allStatusDir ) ),
+   : in_( std::move( inputs ) ), published_( "fixed", std::move( allStatusDir ) ),
      observers_( std::make_unique<Observers>( *this ) ) {
    observers_->fixedConfigDir.notifierIs( in_.fixedConfigDir.get() );
    observers_->fixedAgentStatus.notifierIs( in_.fixedAgentStatus.get() );
@@ -213,21 +223,21 @@ AllStatusDirSm::AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStat
    observers_->baseConfigDir.notifierIs( in_.baseConfigDir.get() );
 }
 
-AllStatusDirSm::~AllStatusDirSm() {
-   sliceStatusSmDelAll();
-}
+AllStatusDirSm::~AllStatusDirSm() = default;
 
 void AllStatusDirSm::close() {
    Vel::Ptr<AllStatusDirSm> const self( this );
    initializedIs( false );
-   ++handshakes_;
    observers_ = std::make_unique<Observers>( *this ); // which observe nothing
+   in_ = {}; // a handshake or a look for slices that still runs finds nothing more
+   sliceConfigDir_ = nullptr;
    sliceStatusSmDelAll();
-   withdrawFixed( __func__ );
+   published_.withdraw( __func__ );
 }
 
 void AllStatusDirSm::handleInitialized() {
    VEL_TRACE_SCOPE( trace );
+   Vel::Ptr<AllStatusDirSm> const self( this ); // those who are told may drop the singleton
    handleFixedStatusGenId();
    handleBaseConfigDir( "slice" );
 }
@@ -235,46 +245,18 @@ void AllStatusDirSm::handleInitialized() {
 void AllStatusDirSm::handleFixedStatusGenId() {
    VEL_TRACE_SCOPE( trace );
    Vel::Ptr<AllStatusDirSm> const self( this );
-   uint64_t const handshake = ++handshakes_;
-   if ( !in_.fixedConfigDir || !in_.fixedAgentStatus || !in_.fixedStatusDir ||
-        in_.fixedConfigDir->generationId() != in_.fixedAgentStatus->generationId() ) {
-      withdrawFixed( __func__ );
-      return;
-   }
-   for ( auto const & entry : entriesOf( *in_.fixedStatusDir ) ) {
-      auto const xs = statusOf( entry );
-      // A handshake within this one, or the end of the reactor, has had the last word.
-      if ( handshake != handshakes_ ) {
-         return;
-      }
-      if ( in_.fixedStatusDir->entry( xs->name() ) == entry ) {
-         publishedIs( fixedXcvrs_, xs->name(), true );
-         VEL_TRACE( trace, 8, note( "Adding fixed xcvr ", xs->name() ) );
-         allStatusDir_->xcvrStatusIs( xs );
-      }
-   }
-}
-
-void AllStatusDirSm::withdrawFixed( char const * operation ) {
-   uint64_t const handshake = handshakes_;
-   while ( !fixedXcvrs_.empty() && handshake == handshakes_ ) {
-      Vel::Name const name = fixedXcvrs_.begin()->first;
-      publishedIs( fixedXcvrs_, name, false );
-      if ( trace.passes( 8 ) ) {
-         trace.write( 8, __LINE__, operation, note( "Removing fixed xcvr ", name ) );
-      }
-      allStatusDir_->xcvrStatusDel( name );
+   if ( in_.fixedConfigDir && in_.fixedAgentStatus && in_.fixedStatusDir &&
+        in_.fixedConfigDir->generationId() == in_.fixedAgentStatus->generationId() ) {
+      published_.publish( in_.fixedStatusDir, __func__ );
+   } else {
+      published_.withdraw( __func__ );
    }
 }
 
 void AllStatusDirSm::handleFixedStatusDir( Vel::Name const & name ) {
    VEL_TRACE_SCOPE( trace );
-   auto const published = allStatusDir_->xcvrStatus( name );
-   if ( fixedXcvrs( name ) && !( in_.fixedStatusDir->entry( name ).get() == published.get() ) ) {
-      publishedIs( fixedXcvrs_, name, false );
-      VEL_TRACE( trace, 8, note( "Removing fixed xcvr ", name ) );
-      allStatusDir_->xcvrStatusDel( name );
-   }
+   published_.entryIs( name, in_.fixedStatusDir ? in_.fixedStatusDir->entry( name ) : nullptr,
+                       __func__ );
 }
 
 Vel::Ptr<XcvrSliceStatus> AllStatusDirSm::agentStatusOf( Vel::String const & sliceId ) const {
@@ -299,6 +281,7 @@ void AllStatusDirSm::handleNewSlice( Vel::String const & sliceId ) {
 
 void AllStatusDirSm::handleSlice( Vel::String const & sliceId ) {
    VEL_TRACE_SCOPE( trace );
+   Vel::Ptr<AllStatusDirSm> const self( this );
    if ( auto const sm = sliceStatusSm( sliceId );
         sm && !( sm->agentStatus() == agentStatusOf( sliceId ) &&
                  sm->xcvrStatusDir() == statusDirOf( sliceId ) ) ) {
@@ -349,7 +332,7 @@ AllStatusDirSm::sliceStatusSmIs( Vel::String const & sliceId,
                                  Vel::Ptr<Vel::Dir> const & xcvrStatusDir ) {
    auto & known = sliceStatusSm_[sliceId];
    if ( !known ) {
-      known = new SliceStatusSm( *this, sliceId, agentStatus, xcvrStatusDir, allStatusDir_ );
+      known = new SliceStatusSm( *this, sliceId, agentStatus, xcvrStatusDir, allStatusDir() );
       Vel::Ptr<SliceStatusSm> const made = known;
       made->handleInitialized(); // those who are told may delete it
       return made;
@@ -362,11 +345,12 @@ void AllStatusDirSm::sliceStatusSmDel( Vel::String const & sliceId ) {
    if ( found != sliceStatusSm_.end() ) {
       auto const gone = found->second;
       sliceStatusSm_.erase( found );
-      gone->close();
+      gone->close( __func__ );
    }
 }
 
 void AllStatusDirSm::sliceStatusSmDelAll() {
+   Vel::Ptr<AllStatusDirSm> const self( this );
    while ( !sliceStatusSm_.empty() ) {
       Vel::String const first = sliceStatusSm_.begin()->first;
       sliceStatusSmDel( first );
@@ -452,9 +436,10 @@ void XcvrAllStatusDirSingleton::doStartSm() {
 
 #define INPUT_DEL( input )                                                                         \
    void XcvrAllStatusDirSingleton::input##Del() {                                                  \
+      auto const sm = allStatusDirSm_; /* those who are told may drop the singleton */             \
       input##Is( nullptr );                                                                        \
-      if ( allStatusDirSm_ ) {                                                                     \
-         allStatusDirSm_->input##Del();                                                            \
+      if ( sm ) {                                                                                  \
+         sm->input##Del();                                                                         \
       }                                                                                            \
    }
 INPUT_DEL( sliceStatusDir )

@@ -17,6 +17,40 @@ namespace Xcvr {
 class AllStatusDirSm;
 class XcvrAllStatusDirSingleton;
 
+/// Publishes the statuses of one directory, as a whole or not at all, and knows what it has published.
+/// Whoever is told may start another handshake, which then has the last word. Traces are under the
+/// name of the reactor's operation.
+class XCVR_API StatusPublisher {
+ public:
+   /// `kind` is "fixed" or "sliced".
+   StatusPublisher( char const * kind, Vel::Ptr<AllNewStatusDir> to )
+      : kind_( kind ), to_( std::move( to ) ) {}
+
+   void publish( Vel::Ptr<Vel::Dir> from, char const * operation );
+   void withdraw( char const * operation );
+   /// An entry of the directory has come, gone (null) or become another one: what is not any more what
+   /// was published is withdrawn.
+   void entryIs( Vel::Name const & name, Vel::Ptr<Vel::Entity> const & entry,
+                 char const * operation );
+
+   [[nodiscard]] Vel::Ptr<AllNewStatusDir> const & to() const { return to_; }
+   [[nodiscard]] bool has( Vel::Name const & name ) const {
+      return names_.find( name ) != names_.end();
+   }
+   [[nodiscard]] std::size_t count() const { return names_.size(); }
+   void nameIs( Vel::Name const & name, bool published );
+   void clear() { names_.clear(); }
+
+ private:
+   void withdraw( Vel::Name const & name, char const * operation );
+   void traceName( char const * operation, char const * what, Vel::Name const & name ) const;
+
+   char const * kind_;
+   Vel::Ptr<AllNewStatusDir> to_;
+   Vel::HashMap<Vel::Name, bool> names_;
+   uint64_t handshakes_ = 0;
+};
+
 /// The reactor for one slice.
 class XCVR_API SliceStatusSm : public Vel::PtrInterface {
  public:
@@ -34,12 +68,12 @@ class XCVR_API SliceStatusSm : public Vel::PtrInterface {
    [[nodiscard]] bool initialized() const { return initialized_; }
    void initializedIs( bool initialized ) { initialized_ = initialized; }
    /// The names that this slice has published.
-   [[nodiscard]] bool sliceXcvrs( Vel::Name const & name ) const {
-      return sliceXcvrs_.find( name ) != sliceXcvrs_.end();
+   [[nodiscard]] bool sliceXcvrs( Vel::Name const & name ) const { return published_.has( name ); }
+   [[nodiscard]] std::size_t sliceXcvrsCount() const { return published_.count(); }
+   void sliceXcvrsIs( Vel::Name const & name, bool published ) {
+      published_.nameIs( name, published );
    }
-   [[nodiscard]] std::size_t sliceXcvrsCount() const { return sliceXcvrs_.size(); }
-   void sliceXcvrsIs( Vel::Name const & name, bool published );
-   void sliceXcvrsDelAll() { sliceXcvrs_.clear(); }
+   void sliceXcvrsDelAll() { published_.clear(); }
 
    void handleInitialized();
    /// The handshake: publishes or withdraws all of the slice.
@@ -52,18 +86,15 @@ class XCVR_API SliceStatusSm : public Vel::PtrInterface {
    friend class AllStatusDirSm;
    struct Observers;
    /// The end of the slice: withdraws what it has published.
-   void close();
-   void withdraw( char const * operation );
+   void close( char const * operation );
 
    AllStatusDirSm * top_; // null once closed
    Vel::String sliceId_;
    Vel::Ptr<XcvrSliceStatus> agentStatus_;
    Vel::Ptr<Vel::Dir> xcvrStatusDir_;
-   Vel::Ptr<AllNewStatusDir> allStatusDir_;
+   StatusPublisher published_;
    Vel::Ptr<AllConfigDir> sliceConfig_;
    bool initialized_ = false;
-   Vel::HashMap<Vel::Name, bool> sliceXcvrs_;
-   uint64_t handshakes_ = 0;
    std::unique_ptr<Observers> observers_;
 };
 
@@ -78,7 +109,6 @@ class XCVR_API AllStatusDirSm : public Vel::PtrInterface {
       Vel::Ptr<Vel::Dir> agentStatusDir;
       Vel::Ptr<XcvrSliceStatus> fixedAgentStatus;
    };
-   AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStatusDir );
    ~AllStatusDirSm() override;
 
    [[nodiscard]] Vel::Ptr<Vel::Dir> const & sliceStatusDir() const { return in_.sliceStatusDir; }
@@ -91,7 +121,7 @@ class XCVR_API AllStatusDirSm : public Vel::PtrInterface {
    [[nodiscard]] Vel::Ptr<XcvrSliceStatus> const & fixedAgentStatus() const {
       return in_.fixedAgentStatus;
    }
-   [[nodiscard]] Vel::Ptr<AllNewStatusDir> const & allStatusDir() const { return allStatusDir_; }
+   [[nodiscard]] Vel::Ptr<AllNewStatusDir> const & allStatusDir() const { return published_.to(); }
    /// The end of an input: what rested on it is withdrawn, and reactors that need it are deleted.
    void sliceStatusDirDel();
    void fixedStatusDirDel();
@@ -106,9 +136,7 @@ class XCVR_API AllStatusDirSm : public Vel::PtrInterface {
    [[nodiscard]] bool initialized() const { return initialized_; }
    void initializedIs( bool initialized ) { initialized_ = initialized; }
    /// The names published from the fixed status directory.
-   [[nodiscard]] bool fixedXcvrs( Vel::Name const & name ) const {
-      return fixedXcvrs_.find( name ) != fixedXcvrs_.end();
-   }
+   [[nodiscard]] bool fixedXcvrs( Vel::Name const & name ) const { return published_.has( name ); }
 
    /// The reactor of a slice; null for none.
    [[nodiscard]] Vel::Ptr<SliceStatusSm> sliceStatusSm( Vel::String const & sliceId ) const;
@@ -130,19 +158,18 @@ class XCVR_API AllStatusDirSm : public Vel::PtrInterface {
    void handleSlice( Vel::String const & sliceId );
 
  private:
-   friend class XcvrAllStatusDirSingleton;
+   friend class XcvrAllStatusDirSingleton; // makes it, and closes it before it lets go of it
    struct Observers;
+   AllStatusDirSm( Inputs inputs, Vel::Ptr<AllNewStatusDir> allStatusDir );
+   /// The end: withdraws all that was published, and observes nothing any more.
    void close();
-   void withdrawFixed( char const * operation );
    [[nodiscard]] Vel::Ptr<XcvrSliceStatus> agentStatusOf( Vel::String const & sliceId ) const;
    [[nodiscard]] Vel::Ptr<Vel::Dir> statusDirOf( Vel::String const & sliceId ) const;
 
    Inputs in_;
-   Vel::Ptr<AllNewStatusDir> allStatusDir_;
+   StatusPublisher published_; // the fixed ones
    Vel::Ptr<Vel::Dir> sliceConfigDir_;
    bool initialized_ = false;
-   Vel::HashMap<Vel::Name, bool> fixedXcvrs_;
-   uint64_t handshakes_ = 0;
    std::map<Vel::String, Vel::Ptr<SliceStatusSm>> sliceStatusSm_;
    std::unique_ptr<Observers> observers_;
 };
@@ -170,7 +197,8 @@ class XCVR_API XcvrAllStatusDirSingleton : public Vel::Entity {
    Vel::Ptr<AllNewStatusDir> allStatusDirIs( Vel::Name const & name );
    [[nodiscard]] Vel::Ptr<AllStatusDirSm> const & allStatusDirSm() const { return allStatusDirSm_; }
 
-   /// The end of an input, also of one that the top reactor has taken over.
+   /// The end of an input, also of one that the top reactor has taken over. It is for good: an input
+   /// that is set after the start is not taken over.
    void sliceStatusDirDel();
    void fixedStatusDirDel();
    void baseConfigDirDel();

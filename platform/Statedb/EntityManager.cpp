@@ -16,6 +16,21 @@ Mount::Mount( Vel::Name path, Vel::Name typeName, MountFilter filter, MountMode 
    : Vel::Entity( std::move( path ) ), typeName_( std::move( typeName ) ), mode_( mode ),
      filter_( std::move( filter ) ), place_( std::move( place ) ) {}
 
+void Mount::servedIs( MountState state, Vel::Ptr<Vel::Entity> const & target ) {
+   Vel::Hold const hold( *this );
+   if ( state == MountState::mounted ) {
+      targetIs( target );
+      if ( this->target() == target.get() ) {
+         stateIs( state );
+      }
+   } else {
+      stateIs( state );
+      if ( this->state() == state ) {
+         targetIs( nullptr );
+      }
+   }
+}
+
 bool MountGroup::complete() const {
    return std::all_of( mountMap().begin(), mountMap().end(), []( auto const & entry ) {
       return entry.second->state() == MountState::mounted;
@@ -43,6 +58,12 @@ Vel::Name takeName( std::string_view & path ) {
 }
 
 } // namespace
+
+bool isPath( Vel::Name const & path ) {
+   std::string_view const text = path;
+   return !text.starts_with( '/' ) && !text.ends_with( '/' ) &&
+          text.find( "//" ) == std::string_view::npos;
+}
 
 Vel::Name lastName( Vel::Name const & path ) {
    return path.view().substr( path.view().rfind( '/' ) + 1 );
@@ -82,7 +103,7 @@ PathWatch::PathWatch( Vel::Ptr<Vel::Dir> root, Vel::Name path, std::function<voi
 PathWatch::~PathWatch() = default;
 
 void PathWatch::look() {
-   auto const before = std::exchange( steps_, {} );
+   auto before = std::exchange( steps_, {} );
    std::string_view rest = path_;
    Vel::Ptr<Vel::Entity> at = root_;
    while ( at && !rest.empty() ) {
@@ -93,8 +114,9 @@ void PathWatch::look() {
       }
       at = dir ? dir->entry( name ) : nullptr;
    }
-   if ( !( at == entity_ ) ) {
+   if ( !at || !( at == entity_ ) ) {
       entity_ = at;
+      before.clear(); // `then` may be the end of the watch, and they must not come here again
       if ( auto const then = then_ ) {
          then();
       }
@@ -104,119 +126,169 @@ void PathWatch::look() {
 GroupWatch::GroupWatch( Vel::Ptr<MountGroup> group, Tell begin, Tell end )
    : group_( std::move( group ) ), begin_( std::move( begin ) ), end_( std::move( end ) ) {
    notifierIs( group_ );
+}
+
+void GroupWatch::beginAll() {
    for ( Vel::Name const & path : group_->paths() ) {
       onMount( path );
    }
 }
 
-void GroupWatch::onMount( Vel::Name const & path ) {
-   Vel::Ptr<Mount const> const next = group_->mount( path );
-   auto const found = mounts_.find( path );
-   if ( found != mounts_.end() ) {
-      if ( found->second == next ) {
+void GroupWatch::endAll() {
+   auto const self = shared_from_this();
+   notifierIs( nullptr );
+   while ( !mounts_.empty() ) {
+      end_( mounts_.extract( mounts_.begin() ).mapped() );
+   }
+}
+
+void GroupWatch::onMount( Vel::Name const & changed ) {
+   auto const self = shared_from_this();
+   Vel::Name const path = changed;
+   if ( auto const found = mounts_.find( path ); found != mounts_.end() ) {
+      if ( found->second == group_->mount( path ) ) {
          return;
       }
-      auto const ended = std::move( found->second );
-      mounts_.erase( found );
-      end_( ended ); // where the group may change again
+      end_( mounts_.extract( found ).mapped() );
    }
+   // Those who have been told of the end may have changed it again, and then it has begun already.
    Vel::Ptr<Mount> const mount = group_->mount( path );
-   if ( mount && mounts_.try_emplace( path, mount ).second ) {
+   if ( notifier() && mount && mounts_.try_emplace( path, mount ).second ) {
       begin_( mount );
    }
 }
 
 // Serving mounts
 
-/// One mount that is served.
-class EntityManager::Served {
+/// One mount that is served, until it is ended. Whoever is told of it may end it.
+class EntityManager::Served : public std::enable_shared_from_this<Served> {
  public:
-   Served( EntityManager & manager, Vel::Ptr<Mount> served )
-      : mount( std::move( served ) ), manager_( manager ),
+   Served( EntityManager & manager, Vel::Ptr<Mount> served, WhatIsMade whatIsMade )
+      : mount( std::move( served ) ), manager_( manager ), whatIsMade_( whatIsMade ),
         watch_( manager.root_, mount->name(), [this] { look(); } ) {}
    Served( Served const & ) = delete;
    Served & operator=( Served const & ) = delete;
-   ~Served() { is( MountState::waiting, nullptr ); }
 
    void look() {
-      Vel::Ptr<Vel::Entity> entity = watch_.entity();
+      auto const self = shared_from_this();
+      Vel::Ptr<Vel::Entity> const entity = watch_.entity();
       Vel::TypeInfo const * const type = Vel::TypeRegistry::type( mount->typeName() );
       bool const writing = mount->mode() == MountMode::write;
-      if ( !type || !type->entity || ( writing && !entity && !type->entity->factory ) ) {
-         is( MountState::unknownType, nullptr );
+      if ( ended_ || ( making_ && !entity ) ) {
+         return;
+      }
+      if ( !isPath( mount->name() ) ) {
+         is( MountState::refused );
+      } else if ( !type || !type->entity || ( writing && !entity && !type->entity->factory ) ) {
+         is( MountState::unknownType );
       } else if ( entity && !isOfType( *entity, mount->typeName() ) ) {
-         is( MountState::wrongType, nullptr );
+         is( MountState::wrongType );
       } else if ( writing && manager_.writtenByAnother( *this ) ) {
-         is( MountState::taken, nullptr );
+         is( MountState::taken );
       } else if ( entity ) {
          is( MountState::mounted, entity );
-      } else if ( !writing ) {
-         is( MountState::waiting, nullptr );
-      } else if ( !manager_.entityIs( mount->name(),
-                                      type->entity->factory( lastName( mount->name() ) ) ) ) {
-         is( MountState::taken, nullptr ); // else the watch has seen the new entity, and come here
+      } else if ( writing ) {
+         make( *type->entity );
+      } else {
+         is( MountState::waiting );
       }
+   }
+   void end() {
+      ended_ = true;
+      is( MountState::waiting );
+      if ( mount->mode() == MountMode::write ) {
+         takeOutMade();
+         manager_.writerLeft( mount->name() );
+      }
+   }
+   [[nodiscard]] bool writes() const {
+      return mount->mode() == MountMode::write &&
+             ( making_ || mount->state() == MountState::mounted );
    }
 
    Vel::Ptr<Mount> const mount;
 
  private:
-   /// The target is there before, and until after, it is said to be.
-   void is( MountState state, Vel::Ptr<Vel::Entity> const & target ) {
-      auto const keep = mount; // handlers may end the mount
-      if ( state == MountState::mounted ) {
-         keep->targetIs( target );
-         keep->stateIs( state );
-      } else {
-         keep->stateIs( state );
-         keep->targetIs( nullptr );
+   void is( MountState state, Vel::Ptr<Vel::Entity> const & target = nullptr ) {
+      mount->servedIs( state, target );
+   }
+   /// The watch sees the new entity, and looks at it.
+   void make( Vel::EntityModel const & model ) {
+      auto const made = model.factory( lastName( mount->name() ) );
+      made_.targetIs( made.get() );
+      making_ = true;
+      bool const placed = manager_.entityIs( mount->name(), made );
+      making_ = false;
+      if ( ended_ ) {
+         takeOutMade();
+      } else if ( !watch_.entity() ) {
+         placed ? look() : is( MountState::taken );
+      }
+   }
+   void takeOutMade() {
+      if ( made_.get() && whatIsMade_ == WhatIsMade::goes &&
+           manager_.entity( mount->name() ).get() == made_.get() ) {
+         manager_.entityDel( mount->name() );
       }
    }
 
    EntityManager & manager_;
+   WhatIsMade whatIsMade_;
+   bool ended_ = false;
+   bool making_ = false;
+   Vel::Ref<Vel::Entity> made_;
    PathWatch watch_;
 };
 
-/// The mounts of one group.
-class EntityManager::Group {
+/// The mounts of one group. Whoever is told of one may end it.
+class EntityManager::Group : public std::enable_shared_from_this<Group> {
  public:
-   Group( EntityManager & manager, Vel::Ptr<MountGroup> const & group )
-      : manager_( manager ), watch_(
-                                group, [this]( auto const & mount ) { begin( mount ); },
-                                [this]( auto const & mount ) { end( mount ); } ) {}
-   [[nodiscard]] bool writes( Vel::Name const & path, Served const & besides ) const {
+   Group( EntityManager & manager, Vel::Ptr<MountGroup> const & group, WhatIsMade whatIsMade )
+      : manager_( manager ), whatIsMade_( whatIsMade ),
+        watch_( std::make_shared<GroupWatch>(
+           group, [this]( auto const & mount ) { begin( mount ); },
+           [this]( auto const & mount ) { end( mount ); } ) ) {}
+   void beginAll() { watch_->beginAll(); }
+   void endAll() { watch_->endAll(); }
+   [[nodiscard]] std::shared_ptr<Served> served( Vel::Name const & path ) const {
       auto const found = served_.find( path );
-      return found != served_.end() && found->second.get() != &besides &&
-             found->second->mount->mode() == MountMode::write &&
-             found->second->mount->state() == MountState::mounted;
+      return found != served_.end() ? found->second : nullptr;
    }
-   [[nodiscard]] Vel::Ptr<MountGroup> const & group() const { return watch_.group(); }
+   [[nodiscard]] Vel::Ptr<MountGroup> const & group() const { return watch_->group(); }
 
  private:
    void begin( Vel::Ptr<Mount> const & mount ) {
-      auto const served = std::make_shared<Served>( manager_, mount );
+      auto const self = shared_from_this();
+      auto const served = std::make_shared<Served>( manager_, mount, whatIsMade_ );
       served_.emplace( mount->name(), served );
       served->look();
    }
    void end( Vel::Ptr<Mount> const & mount ) {
-      auto const found = served_.find( mount->name() );
-      auto const ended = std::move( found->second );
-      served_.erase( found );
+      auto const self = shared_from_this();
+      served_.extract( mount->name() ).mapped()->end();
    }
 
    EntityManager & manager_;
+   WhatIsMade whatIsMade_;
    std::map<Vel::Name, std::shared_ptr<Served>> served_;
-   GroupWatch watch_;
+   std::shared_ptr<GroupWatch> watch_;
 };
 
 EntityManager::EntityManager() : root_( Vel::dirFactory( "" ) ) {}
-EntityManager::~EntityManager() = default;
+EntityManager::~EntityManager() {
+   while ( !groups_.empty() ) {
+      mountGroupDel( groups_.back()->group() );
+   }
+}
 
 Vel::Ptr<Vel::Entity> EntityManager::entity( Vel::Name const & path ) const {
    return PathWatch( root_, path, nullptr ).entity();
 }
 
-bool EntityManager::entityIs( Vel::Name const & path, Vel::Ptr<Vel::Entity> const & entity ) {
+bool EntityManager::entityIs( Vel::Name path, Vel::Ptr<Vel::Entity> entity ) {
+   if ( path.empty() || !isPath( path ) ) {
+      return false;
+   }
    std::string_view rest = path;
    Vel::Ptr<Vel::Dir> dir = root_;
    for ( Vel::Name name = takeName( rest ); !rest.empty(); name = takeName( rest ) ) {
@@ -243,8 +315,10 @@ void EntityManager::entityDel( Vel::Name const & path ) {
    }
 }
 
-void EntityManager::mountGroupIs( Vel::Ptr<MountGroup> const & group ) {
-   groups_.push_back( std::make_unique<Group>( *this, group ) );
+void EntityManager::mountGroupIs( Vel::Ptr<MountGroup> const & group, WhatIsMade whatIsMade ) {
+   auto const served = std::make_shared<Group>( *this, group, whatIsMade );
+   groups_.push_back( served );
+   served->beginAll();
 }
 
 void EntityManager::mountGroupDel( Vel::Ptr<MountGroup> const & group ) {
@@ -253,13 +327,25 @@ void EntityManager::mountGroupDel( Vel::Ptr<MountGroup> const & group ) {
    if ( found != groups_.end() ) {
       auto const ended = std::move( *found );
       groups_.erase( found );
+      ended->endAll();
    }
 }
 
 bool EntityManager::writtenByAnother( Served const & mount ) const {
    return std::any_of( groups_.begin(), groups_.end(), [&]( auto const & group ) {
-      return group->writes( mount.mount->name(), mount );
+      auto const other = group->served( mount.mount->name() );
+      return other && other.get() != &mount && other->writes();
    } );
+}
+
+/// Another one may write now.
+void EntityManager::writerLeft( Vel::Name const & path ) {
+   for ( auto const & group : std::vector( groups_ ) ) {
+      if ( auto const other = group->served( path );
+           other && other->mount->state() == MountState::taken ) {
+         other->look();
+      }
+   }
 }
 
 } // namespace Statedb

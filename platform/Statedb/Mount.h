@@ -17,7 +17,7 @@ VEL_ENUM( MountState,
    wrongType,   // what is at the path is of another type
    unknownType, // no such type, or for writing none that can be made
    taken,       // something else is where the mount's own entity should be, or another one writes
-   refused ); // the other process lets nobody write
+   refused ); // the other process lets nobody write; or no path, or too large a filter
 
 /// Which children of the mounted entity are copied: all, or those of the names listed. A mount of
 /// this process's own tree gives the entity itself, with all of them.
@@ -44,6 +44,10 @@ class VEL_API Mount : public Vel::Entity {
    [[nodiscard]] MountFilter const & filter() const { return filter_; }
    /// The path in this process's tree.
    [[nodiscard]] Vel::Name const & place() const { return place_.empty() ? name() : place_; }
+
+   /// For whoever serves the group: the state, and what is mounted in the state `mounted`. The target is
+   /// there before, and until after, it is said to be. Those who are told may have the last word.
+   void servedIs( MountState state, Vel::Ptr<Vel::Entity> const & target );
 
  private:
    MountFilter filter_;

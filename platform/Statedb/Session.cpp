@@ -22,15 +22,31 @@ namespace {
 constexpr uint32_t greeting = 0x53444201;
 constexpr std::size_t lengthSize = sizeof( uint32_t );
 constexpr std::size_t longestFrame = 64 * 1024 * 1024;
-constexpr std::size_t longestQuestion = 1024 * 1024; // a message that is no log
-constexpr std::size_t controlWaits = 64 * 1024;      // beyond it nothing more is read
+constexpr std::size_t controlWaits = 64 * 1024;  // beyond it nothing more is read
 constexpr std::size_t controlMost = 1024 * 1024; // what an owner that reads all the same lets grow
 constexpr std::size_t mostMounts = 4096;
 constexpr std::ptrdiff_t deepestPath = 64;
+constexpr std::size_t longestHello = 5;
+constexpr std::size_t longestQuestion = 64 * 1024;       // and whatever else is no log
+constexpr std::size_t mostFilterBytes = 4 * 1024 * 1024; // of all mounts of a peer
 constexpr uint32_t ownLog = 0x80000000; // in the tag of an adaptor: of an own mount, for writing
 
 [[noreturn]] void refuse( std::string const & problem ) {
    throw ProtocolException( "state database session: " + problem );
+}
+
+/// Whether a path can be mounted at all; the empty one is that of the root.
+bool isMountPath( Vel::Name const & path ) {
+   std::string_view const text = path;
+   return isPath( path ) && std::count( text.begin(), text.end(), '/' ) < deepestPath;
+}
+
+std::size_t bytesOf( MountFilter const & filter ) {
+   std::size_t bytes = 0;
+   for ( Vel::Name const & name : filter.only ) {
+      bytes += sizeof( uint32_t ) + name.size();
+   }
+   return bytes;
 }
 
 } // namespace
@@ -45,9 +61,9 @@ class Session::Serving : public Mount::NotifieeConst {
    Serving( Session & session, uint32_t number, Vel::Ptr<Mount> const & mount )
       : session_( session ), number_( number ), mount_( mount ),
         group_( new MountGroup( "peer" ) ) {
-      made_ = mount->mode() == MountMode::write && !session_.manager_.entity( mount->name() );
+      session_.filterBytes_ += bytesOf( mount->filter() );
       group_->mountIs( mount );
-      session_.manager_.mountGroupIs( group_ );
+      session_.manager_.mountGroupIs( group_, EntityManager::WhatIsMade::goes );
       notifierIs( mount );
       update( true );
    }
@@ -55,9 +71,8 @@ class Session::Serving : public Mount::NotifieeConst {
       notifierIs( nullptr );
       adaptor_ = nullptr;
       session_.manager_.mountGroupDel( group_ );
-      if ( made_ ) {
-         session_.manager_.entityDel( mount_->name() ); // it was there for this writer
-      }
+      session_.statesDue_.erase( number_ );
+      session_.filterBytes_ -= bytesOf( mount_->filter() );
    }
    void onState() override { update( true ); }
    void onTarget() override { update( false ); }
@@ -72,6 +87,8 @@ class Session::Serving : public Mount::NotifieeConst {
          target->doHandleAttrDeserialization( log, in_ );
       }
    }
+   /// What its state is now: of those that it had meanwhile nothing is told.
+   void writeState( std::string & to ) const;
    /// Once for each image.
    [[nodiscard]] bool takeComplete() {
       return adaptor_ && !std::exchange( imageTold_, imageTold_ || adaptor_->complete() ) &&
@@ -87,9 +104,10 @@ class Session::Serving : public Mount::NotifieeConst {
       }
       served_ = target.get();
       adaptor_ = nullptr;
-      session_.message( Message::state, number_, mount_->state(),
-                        Vel::Name( target ? target->velModel().typeName : std::string_view() ) );
-      if ( target && mount_->mode() == MountMode::read ) {
+      session_.statesDue_.insert( number_ );
+      if ( target && mount_->mode() == MountMode::write ) {
+         in_.placeIs( *session_.manager_.root(), *target, mount_->name() );
+      } else if ( target ) {
          imageTold_ = false;
          adaptor_ =
             Vel::NboAttrLogSa::attached( *target, session_.flow_, number_, mount_->filter().only );
@@ -99,8 +117,7 @@ class Session::Serving : public Mount::NotifieeConst {
    Session & session_;
    uint32_t number_;
    Vel::Ptr<Mount> mount_;
-   Vel::Ptr<MountGroup> group_; // of this mount alone
-   bool made_;
+   Vel::Ptr<MountGroup> group_;           // of this mount alone
    Vel::Entity const * served_ = nullptr; // only to be compared with
    Vel::Ptr<Vel::NboAttrLogSa> adaptor_;
    bool imageTold_ = false;
@@ -109,31 +126,63 @@ class Session::Serving : public Mount::NotifieeConst {
 
 // The own mounts
 
-/// A mount of this side, which the peer serves.
-class Session::Mounted {
+/// A path of this side's tree, which the peer serves for the mounts of it.
+class Session::Mounted : public std::enable_shared_from_this<Mounted> {
  public:
-   Mounted( Session & session, uint32_t number, Vel::Ptr<Mount> const & served )
-      : mount( served ), session_( session ), number_( number ) {}
+   Mounted( Session & session, uint32_t number, Vel::Ptr<Mount> const & first )
+      : what( first ), session_( session ), number_( number ), mounts_{ first } {}
    Mounted( Mounted const & ) = delete;
    Mounted & operator=( Mounted const & ) = delete;
-   ~Mounted() { end( MountState::waiting ); }
+
+   [[nodiscard]] bool has( Vel::Ptr<Mount> const & mount ) const {
+      return std::find( mounts_.begin(), mounts_.end(), mount ) != mounts_.end();
+   }
+   [[nodiscard]] bool suits( Mount const & mount ) const {
+      return mount.mode() == MountMode::read && what->mode() == MountMode::read &&
+             mount.name() == what->name() && mount.place() == what->place() &&
+             mount.typeName() == what->typeName() && mount.filter() == what->filter();
+   }
+   void mountIs( Vel::Ptr<Mount> const & mount ) {
+      mounts_.push_back( mount );
+      tell( *mount );
+   }
+   /// False, and nothing done, for the last one.
+   bool mountDel( Vel::Ptr<Mount> const & mount ) {
+      if ( mounts_.size() == 1 ) {
+         return false;
+      }
+      std::erase( mounts_, mount );
+      mount->servedIs( MountState::waiting, nullptr );
+      return true;
+   }
+   void close() {
+      closed_ = true;
+      end( MountState::waiting );
+   }
 
    void stateIs( MountState state, Vel::Name const & typeName ) {
       end( state == MountState::mounted ? MountState::waiting : state );
-      if ( state != MountState::mounted ) {
+      if ( state != MountState::mounted || closed_ ) {
          return;
       }
-      bool const writing = mount->mode() == MountMode::write;
-      entity_ = writing ? session_.manager_.entity( mount->place() ) : nullptr;
-      bool const there = static_cast<bool>( entity_ );
+      bool const writing = what->mode() == MountMode::write;
+      EntityManager & manager = session_.manager_;
+      Vel::Ptr<Vel::Entity> entity = writing ? manager.entity( what->place() ) : nullptr;
+      bool const there = static_cast<bool>( entity );
       if ( !there ) {
-         entity_ = Vel::TypeRegistry::newEntity( typeName, lastName( mount->place() ) );
+         entity = Vel::TypeRegistry::newEntity( typeName, lastName( what->place() ) );
       }
-      if ( !entity_ || !isOfType( *entity_, mount->typeName() ) ) {
-         end( entity_ ? MountState::wrongType : MountState::unknownType );
-      } else if ( writing && ( there || place() ) ) {
-         adaptor_ = Vel::NboAttrLogSa::attached( *entity_, session_.flow_, number_ | ownLog );
-         tell();
+      if ( !entity || !isOfType( *entity, what->typeName() ) ) {
+         say( entity ? MountState::wrongType : MountState::unknownType );
+      } else if ( !writing ) {
+         entity_ = entity;
+         in_.placeIs( *manager.root(), *entity, what->place() );
+      } else if ( !there && !manager.entityIs( what->place(), entity ) ) {
+         say( MountState::taken );
+      } else if ( !closed_ ) {
+         entity_ = entity;
+         adaptor_ = Vel::NboAttrLogSa::attached( *entity, session_.flow_, number_ | ownLog );
+         say( MountState::mounted );
       }
    }
    void apply( std::string_view bytes ) {
@@ -144,77 +193,138 @@ class Session::Mounted {
       }
    }
    void imageIs() {
-      if ( entity_ && !placed_ && !adaptor_ && place() ) {
-         tell();
-      }
+      whole_ = true;
+      place();
    }
-   void resolve() { in_.resolve(); }
-   [[nodiscard]] uint32_t number() const { return number_; }
+   void resolve( Vel::Name const & path ) { in_.resolve( path ); }
 
-   Vel::Ptr<Mount> const mount;
+   Vel::Ptr<Mount> const
+      what; // the first mount: path, place, type, mode and filter are those of all
 
  private:
-   bool place() {
-      placed_ = session_.manager_.entityIs( mount->place(), entity_ );
-      if ( !placed_ ) {
-         end( MountState::taken );
+   /// Puts the whole replica into the tree. What points to it is set before it is said to be there.
+   void place() {
+      auto const self = shared_from_this();
+      Vel::Ptr<Vel::Entity> const replica = entity_;
+      if ( !replica || !whole_ || placed_ || adaptor_ ) {
+         return;
       }
-      return placed_;
+      EntityManager & manager = session_.manager_;
+      watch_ = nullptr;
+      placed_ = true;
+      bool const free = manager.entityIs( what->place(), replica );
+      if ( !( entity_ == replica ) ) { // those who were told have ended it
+         takeOut( replica );
+         return;
+      }
+      if ( !free ) { // it waits, and is kept up to date
+         placed_ = false;
+         watch_ = std::make_unique<PathWatch>( manager.root(), what->place(), [this] { place(); } );
+         say( MountState::taken );
+         return;
+      }
+      session_.resolve( what->place() );
+      if ( entity_ == replica ) {
+         say( MountState::mounted );
+      }
    }
-   void tell() {
-      auto const keep = mount;
-      auto const entity = entity_;
-      keep->targetIs( entity );
-      if ( entity_ == entity ) {
-         keep->stateIs( MountState::mounted );
+   void takeOut( Vel::Ptr<Vel::Entity> const & replica ) {
+      if ( session_.manager_.entity( what->place() ) == replica ) {
+         session_.manager_.entityDel( what->place() );
       }
+   }
+   void say( MountState state ) {
+      state_ = state;
+      uint64_t const turn = ++turns_;
+      for ( auto const & mount : std::vector( mounts_ ) ) {
+         if ( turn == turns_ && has( mount ) ) {
+            tell( *mount );
+         }
+      }
+   }
+   void tell( Mount & mount ) {
+      mount.servedIs( state_, state_ == MountState::mounted ? entity_ : nullptr );
    }
    /// What was mounted is no more: a replica goes from the tree.
    void end( MountState state ) {
+      auto const self = shared_from_this();
       auto const entity = std::exchange( entity_, nullptr );
-      bool const replica = std::exchange( placed_, false ) && !adaptor_;
+      bool const replica = std::exchange( placed_, false );
       adaptor_ = nullptr;
-      mount->stateIs( state );
-      mount->targetIs( nullptr );
-      if ( replica && session_.manager_.entity( mount->place() ) == entity ) {
-         session_.manager_.entityDel( mount->place() );
+      watch_ = nullptr;
+      whole_ = false;
+      say( state );
+      if ( !entity_ ) {
+         in_.clear();
+      }
+      if ( replica ) {
+         takeOut( entity );
+         session_.resolve( what->place() );
       }
    }
 
    Session & session_;
    uint32_t number_;
+   std::vector<Vel::Ptr<Mount>> mounts_;
+   MountState state_ = MountState::waiting;
+   uint64_t turns_ = 0;
+   bool closed_ = false;
    Vel::Ptr<Vel::Entity> entity_; // the replica, or what is written
-   bool placed_ = false;          // in the tree, by this mount
+   bool whole_ = false;           // the replica has its image
+   bool placed_ = false;          // it is in the tree
+   std::unique_ptr<PathWatch> watch_;
    Vel::Ptr<Vel::NboAttrLogSa> adaptor_;
    Vel::FlowIn in_;
 };
 
 void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
-   if ( mount->name().empty() ) {
-      mount->stateIs( MountState::taken ); // by this side's own root
+   std::size_t const bytes = mount->name().size() + mount->typeName().size() +
+                             bytesOf( mount->filter() ) + 64; // for all that has a fixed size
+   if ( !isMountPath( mount->name() ) || bytes > longestQuestion ) {
+      mount->servedIs( MountState::refused, nullptr );
       return;
+   }
+   if ( mount->name().empty() ) {
+      mount->servedIs( MountState::taken, nullptr ); // by this side's own root
+      return;
+   }
+   for ( auto const & entry : mounted_ ) {
+      if ( auto const shared = entry.second; shared->suits( *mount ) ) {
+         shared->mountIs( mount );
+         return;
+      }
    }
    uint32_t const number = ++lastNumber_;
    mounted_.emplace( number, std::make_shared<Mounted>( *this, number, mount ) );
-   message( Message::mount, number, mount->name(), mount->typeName(),
-            static_cast<uint8_t>( mount->mode() ), mount->filter().only );
+   mountsDue_.insert( number );
 }
 
 void Session::ownMountDel( Vel::Ptr<Mount> const & mount ) {
    auto const found = std::find_if( mounted_.begin(), mounted_.end(), [&]( auto const & entry ) {
-      return entry.second->mount == mount;
+      return entry.second->has( mount );
    } );
-   if ( found != mounted_.end() ) {
-      message( Message::unmount, found->first );
+   if ( found != mounted_.end() && !found->second->mountDel( mount ) ) {
+      if ( mountsDue_.erase( found->first ) == 0 ) { // the peer has heard of it
+         unmountsDue_.insert( found->first );
+      }
       auto const ended = std::move( found->second );
       mounted_.erase( found );
+      ended->close();
+   }
+}
+
+/// What pointers lead to has come to a path, or gone from it.
+void Session::resolve( Vel::Name const & path ) {
+   for ( auto const & other : std::map( mounted_ ) ) {
+      other.second->resolve( path );
    }
 }
 
 void Session::mountGroupIs( Vel::Ptr<MountGroup> const & group ) {
-   groups_.push_back( std::make_unique<GroupWatch>(
+   groups_.push_back( std::make_shared<GroupWatch>(
       group, [this]( auto const & mount ) { ownMountIs( mount ); },
       [this]( auto const & mount ) { ownMountDel( mount ); } ) );
+   std::shared_ptr( groups_.back() )->beginAll();
 }
 
 Session::Session( EntityManager & manager, PeerMayWrite mayWrite )
@@ -227,6 +337,7 @@ Session::~Session() {
    while ( !mounted_.empty() ) {
       auto const ended = std::move( mounted_.begin()->second );
       mounted_.erase( mounted_.begin() );
+      ended->close();
    }
    serving_.clear();
 }
@@ -284,12 +395,34 @@ void Session::message( Message kind, Fields const &... fields ) {
    appendFrame( control_, static_cast<uint8_t>( kind ), fields... );
 }
 
+void Session::Serving::writeState( std::string & to ) const {
+   Vel::Entity const * const target = mount_->target();
+   bool const mounted = target && mount_->state() == MountState::mounted;
+   appendFrame( to, static_cast<uint8_t>( Message::state ), number_, mount_->state(),
+                Vel::Name( mounted ? target->velModel().typeName : std::string_view() ) );
+}
+
+void Session::writeDue() {
+   for ( uint32_t const number : std::exchange( unmountsDue_, {} ) ) {
+      appendFrame( out_, static_cast<uint8_t>( Message::unmount ), number );
+   }
+   for ( uint32_t const number : std::exchange( mountsDue_, {} ) ) {
+      Mount const & mount = *mounted_.at( number )->what;
+      appendFrame( out_, static_cast<uint8_t>( Message::mount ), number, mount.name(),
+                   mount.typeName(), static_cast<uint8_t>( mount.mode() ), mount.filter().only );
+   }
+   for ( uint32_t const number : std::exchange( statesDue_, {} ) ) {
+      serving_.at( number )->writeState( out_ );
+   }
+}
+
 bool Session::wantsToReceive() const {
    return !over_ && control_.size() < controlWaits;
 }
 
 bool Session::wantsToSend() const {
-   return !over_ && ( sent_ < out_.size() || !control_.empty() || flow_->pending() );
+   return !over_ && ( sent_ < out_.size() || !control_.empty() || !statesDue_.empty() ||
+                      !mountsDue_.empty() || !unmountsDue_.empty() || flow_->pending() );
 }
 
 std::size_t Session::waitingBytes() const {
@@ -317,6 +450,10 @@ void Session::makeFrame() {
       std::swap( out_, control_ );
       return;
    }
+   writeDue(); // before all logs, which are of mounts as they are now
+   if ( !out_.empty() ) {
+      return;
+   }
    std::string_view const piece = flow_->piece();
    if ( !piece.empty() ) {
       bool const own = flow_->tag() & ownLog;
@@ -342,9 +479,10 @@ void Session::receive( std::string_view bytes ) {
       while ( in_.size() - at >= lengthSize ) {
          Vel::NboAttrLog head( std::string_view( in_ ).substr( at, lengthSize ) );
          std::size_t const length = head.read<uint32_t>();
-         // Only a peer that has logs to send may have this side keep much for it.
-         bool const sendsLogs = lastNumber_ != 0 || mayWrite_ == PeerMayWrite::yes;
-         if ( length == 0 || length > ( sendsLogs ? longestFrame : longestQuestion ) ) {
+         bool const known = in_.size() - at > lengthSize;
+         auto const kind =
+            known ? std::optional( static_cast<Message>( in_[at + lengthSize] ) ) : std::nullopt;
+         if ( length == 0 || length > longestMessage( kind ) ) {
             refuse( "a message of " + std::to_string( length ) + " bytes" );
          }
          if ( in_.size() - at - lengthSize < length ) {
@@ -360,11 +498,22 @@ void Session::receive( std::string_view bytes ) {
    } catch ( Vel::AttrLogException const & problem ) {
       over_ = true;
       refuse( problem.what() );
-   } catch ( ProtocolException const & ) {
+   } catch ( ... ) { // also of a handler, behind which the rest of a log is lost
       over_ = true;
       throw;
    }
    in_.erase( 0, at );
+}
+
+/// Only a log may be long, and only of a peer that has logs to send; the kind may not be there yet.
+std::size_t Session::longestMessage( std::optional<Message> kind ) const {
+   if ( !greeted_ ) {
+      return longestHello;
+   }
+   auto const maybe = [kind]( Message one ) { return !kind || kind == one; };
+   bool const log = ( lastNumber_ != 0 && maybe( Message::mountedLog ) ) ||
+                    ( mayWrite_ == PeerMayWrite::yes && maybe( Message::writtenLog ) );
+   return log ? longestFrame : longestQuestion;
 }
 
 void Session::take( std::string_view frame ) {
@@ -391,10 +540,6 @@ void Session::take( std::string_view frame ) {
    case Message::image:
       if ( auto const mounted = mountedOf( body.read<uint32_t>() ) ) {
          mounted->imageIs();
-         // What it holds may be what others have waited for.
-         for ( auto const & other : std::map( mounted_ ) ) {
-            other.second->resolve();
-         }
       }
       return;
    case Message::mountedLog:
@@ -425,11 +570,12 @@ void Session::takeMount( Vel::NboAttrLog & body ) {
    if ( serving_.size() == mostMounts ) {
       refuse( "too many mounts" );
    }
-   if ( std::count( path.begin(), path.end(), '/' ) >= deepestPath ) {
-      refuse( "a path of more than 64 names" );
+   if ( filterBytes_ + bytesOf( filter ) > mostFilterBytes ) {
+      refuse( "too many names to filter" );
    }
    lastPeerNumber_ = number;
-   if ( static_cast<MountMode>( mode ) == MountMode::write && mayWrite_ == PeerMayWrite::no ) {
+   if ( !isMountPath( path ) ||
+        ( static_cast<MountMode>( mode ) == MountMode::write && mayWrite_ == PeerMayWrite::no ) ) {
       message( Message::state, number, MountState::refused, Vel::Name() );
       return;
    }

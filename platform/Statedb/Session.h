@@ -6,6 +6,8 @@
 
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -21,7 +23,7 @@ class VEL_API ProtocolException : public Vel::Exception {
 /// Connects the state databases of two processes over a byte stream that somebody else owns: bytes in,
 /// bytes out. Each side serves the other's mounts from its own tree, and may have mounts of its own; what
 /// is mounted for reading appears at the same path of the own tree, once its whole image is there, and
-/// goes with the session.
+/// goes with the session. Mounts for reading of the same path, type and filter share one replica.
 ///
 ///    session.receive( what the stream has brought );
 ///    session.sent( what the stream has taken of session.toSend() );
@@ -71,6 +73,9 @@ class VEL_API Session {
    void takeState( Vel::NboAttrLog & body );
    void takeLog( Message kind, uint32_t number, std::string_view log );
    void makeFrame();
+   void writeDue();
+   void resolve( Vel::Name const & path );
+   [[nodiscard]] std::size_t longestMessage( std::optional<Message> kind ) const;
    [[nodiscard]] std::shared_ptr<Mounted> mountedOf( uint32_t number ) const;
    [[nodiscard]] std::shared_ptr<Serving> servingOf( uint32_t number ) const;
    void ownMountIs( Vel::Ptr<Mount> const & mount );
@@ -89,7 +94,12 @@ class VEL_API Session {
    uint32_t lastPeerNumber_ = 0;                          // of the peer's
    std::map<uint32_t, std::shared_ptr<Serving>> serving_; // the peer's mounts
    std::map<uint32_t, std::shared_ptr<Mounted>> mounted_; // the own
-   std::vector<std::unique_ptr<GroupWatch>> groups_;
+   // What is to be said of them, which is written when it is asked for.
+   std::set<uint32_t> statesDue_;
+   std::set<uint32_t> mountsDue_;
+   std::set<uint32_t> unmountsDue_;
+   std::size_t filterBytes_ = 0; // of the peer's mounts
+   std::vector<std::shared_ptr<GroupWatch>> groups_;
 };
 
 } // namespace Statedb

@@ -20,15 +20,18 @@ struct AttrTravel {
    void ( *write )( Entity const & entity, uint16_t id, NboAttrLog & log );
    /// Takes the body of a record and applies it; throws, with nothing applied, when it is corrupt.
    void ( *apply )( Entity & entity, Internal::LogCursor body, FlowIn & flow );
-   /// Of a collection: appends key and value of an entry, if it is there; of all.
-   bool ( *writeEntry )( Entity const & entity, String const & key, NboAttrLog & log );
+   /// Of a collection: whether an entry is there to travel; appends its key and value, if it is; of all.
+   bool ( *has )( Entity const & entity, String const & key );
+   void ( *writeEntry )( Entity const & entity, String const & key, NboAttrLog & log );
    void ( *writeAll )( Entity const & entity, NboAttrLog & log );
    /// Of an owned one: the child of that key, or null; a child of a replica, whose key is taken from the
-   /// log; the keys of all.
+   /// log; the keys of all, also of pointers.
    Entity const * ( *child )( Entity const & entity, String const & key );
    Entity * ( *childAt )( Entity & entity, Internal::LogCursor & in );
    std::vector<String> ( *keys )( Entity const & entity );
-   /// Of a pointer or reference: sets it to what a name has led to; false when that does not fit.
+   /// Of a pointer or reference: what it leads to, or null; sets it to what a name leads to, to none
+   /// where that is null or does not fit, and says whether it fits.
+   Entity const * ( *target )( Entity const & entity, String const & key );
    bool ( *settle )( Entity & entity, String const & key, Ptr<Entity> const & target );
 };
 
@@ -72,6 +75,7 @@ void VEL_API endRecord( NboAttrLog & log, std::size_t begin );
 /// The entity's name, counted from the top of the tree, which it has to share with the holder of the
 /// pointer; false when it does not, and so has no name that could travel.
 bool VEL_API pathOf( Entity const & target, Entity const & holder, Name & path );
+[[nodiscard]] VEL_API Entity const * topOf( Entity const & entity );
 
 /// The attribute of one row. `Get`, `Set` and `Del` are its captureless accessors.
 template <typename T, AttrKind attrKind, typename Key, typename Type, typename Get, typename Set,
@@ -113,8 +117,10 @@ struct Travel {
          bool const there = body.next<bool>();
          Name const path = there ? body.next<Name>() : Name();
          finish( body );
-         flow.dropWaiting( entity, row(), Name() );
-         if ( !there || !flow.point( entity, row(), Name(), path ) ) {
+         if ( there ) {
+            flow.point( entity, row(), Name(), path );
+         } else {
+            flow.forget( entity, row(), Name() );
             Set{}( self( entity ), nullptr );
          }
       } else {
@@ -132,15 +138,14 @@ struct Travel {
    static constexpr bool valued = !owning( kind ) || kind == AttrKind::entries;
 
    template <typename K, typename V>
-   static bool appendEntry( [[maybe_unused]] Entity const & entity, K const & key, V const & value,
+   static void appendEntry( [[maybe_unused]] Entity const & entity, K const & key, V const & value,
                             NboAttrLog & log ) {
       if constexpr ( kind == AttrKind::pointers ) {
          Name path;
-         if ( !pathOf( *value, entity, path ) ) {
-            return false;
+         if ( pathOf( *value, entity, path ) ) {
+            log.write( key );
+            log.write( path );
          }
-         log.write( key );
-         log.write( path );
       } else {
          log.write( key );
          if constexpr ( kind == AttrKind::entries ) {
@@ -149,19 +154,33 @@ struct Travel {
             log.write( value );
          }
       }
-      return true;
    }
-   static bool writeEntry( Entity const & entity, String const & keyInBytes, NboAttrLog & log ) {
+   static bool has( Entity const & entity, String const & keyInBytes ) {
       if constexpr ( kind == AttrKind::child ) {
          return held( entity ).get() != nullptr;
+      } else if constexpr ( kind == AttrKind::pointers ) {
+         Entity const * const to = target( entity, keyInBytes );
+         return to && topOf( *to ) == topOf( entity );
       } else {
          Key const key = keyOfBytes<Key>( keyInBytes );
          Held const & map = held( entity );
-         if constexpr ( requires { map.at( key ), map.contains( key ); } ) {
-            return map.contains( key ) && appendEntry( entity, key, map.at( key ), log );
+         if constexpr ( requires { map.contains( key ); } ) {
+            return map.contains( key );
          } else {
-            auto const found = map.find( key );
-            return found != map.end() && appendEntry( entity, key, found->second, log );
+            return map.find( key ) != map.end();
+         }
+      }
+   }
+   static void writeEntry( Entity const & entity, String const & keyInBytes, NboAttrLog & log ) {
+      if constexpr ( kind != AttrKind::child ) {
+         Key const key = keyOfBytes<Key>( keyInBytes );
+         Held const & map = held( entity );
+         if constexpr ( requires { map.at( key ), map.contains( key ); } ) {
+            if ( map.contains( key ) ) {
+               appendEntry( entity, key, map.at( key ), log );
+            }
+         } else if ( auto const found = map.find( key ); found != map.end() ) {
+            appendEntry( entity, key, found->second, log );
          }
       }
    }
@@ -192,8 +211,8 @@ struct Travel {
    }
    static std::vector<String> keys( Entity const & entity ) {
       std::vector<String> all;
-      if constexpr ( kind == AttrKind::child ) {
-         if ( held( entity ).get() ) {
+      if constexpr ( single ) {
+         if ( static_cast<bool>( held( entity ) ) ) {
             all.push_back( String() );
          }
       } else {
@@ -219,28 +238,39 @@ struct Travel {
          Del{}( self( entity ) );
       } else {
          Set{}( self( entity ) );
-         flow.madeIs();
+         if ( Entity const * const made = child( entity, String() ) ) {
+            flow.madeIs( *made );
+         }
       }
    }
    static void applyEntries( Entity & entity, LogCursor body, FlowIn & flow ) {
       EntryOp const op = takeOp( body );
       check( op, body ); // first, so that a corrupt record changes nothing
       if ( op == EntryOp::all ) {
+         if constexpr ( pointing ) {
+            flow.forgetAll( entity, row() );
+         }
          keepOnly( entity, body );
       }
       while ( body.spare != 0 ) {
          Key const key = body.next<Key>();
-         if constexpr ( pointing ) {
-            flow.dropWaiting( entity, row(), key );
-         }
          if ( op == EntryOp::gone ) {
+            if constexpr ( pointing ) {
+               flow.forget( entity, row(), key );
+            }
             Del{}( self( entity ), key );
          } else if constexpr ( valued ) {
             setEntry( entity, key, body.next<EntryValue>(), flow );
          } else {
             Set{}( self( entity ), key );
-            flow.madeIs();
+            madeIs( entity, key, flow );
          }
+      }
+   }
+   template <typename K>
+   static void madeIs( Entity const & entity, K const & key, FlowIn & flow ) {
+      if ( Entity const * const made = childOf( entity, key ) ) {
+         flow.madeIs( *made );
       }
    }
    static void check( EntryOp op, LogCursor body ) {
@@ -259,6 +289,11 @@ struct Travel {
                if constexpr ( requires { Held::hasRoomFor( value ); } ) {
                   if ( !Held::hasRoomFor( value ) ) {
                      LogCursor::fail( atValue, "a number out of range" );
+                  }
+               }
+               if constexpr ( requires { Held::keyOf( value ); } ) {
+                  if ( !( Held::keyOf( value ) == key ) ) {
+                     LogCursor::fail( atValue, "a value of another key" );
                   }
                }
             }
@@ -297,14 +332,12 @@ struct Travel {
          Ptr<Type> const made = dynamicPtr<Type>( flow.newEntity( value, key ) );
          if ( made ) {
             Set{}( self( entity ), made );
-            flow.madeIs();
+            madeIs( entity, key, flow );
          } else {
             Del{}( self( entity ), key );
          }
       } else if constexpr ( kind == AttrKind::pointers ) {
-         if ( !flow.point( entity, row(), key, value ) ) {
-            Del{}( self( entity ), key );
-         }
+         flow.point( entity, row(), key, value );
       } else if constexpr ( requires { Set{}( self( entity ), key, value ); } ) {
          Set{}( self( entity ), key, value );
       } else {
@@ -314,18 +347,25 @@ struct Travel {
 
    // What points to entities that live elsewhere.
 
+   static Entity const * target( Entity const & entity,
+                                 [[maybe_unused]] String const & keyInBytes ) {
+      if constexpr ( kind == AttrKind::reference ) {
+         return held( entity );
+      } else {
+         return childOf( entity, keyOfBytes<Key>( keyInBytes ) );
+      }
+   }
    static bool settle( Entity & entity, [[maybe_unused]] String const & key,
-                       Ptr<Entity> const & target ) {
-      Ptr<Type> const fitting( dynamic_cast<Type *>( target.get() ) );
-      if constexpr ( kind == AttrKind::pointers ) {
-         if ( !fitting || !( fitting->name() == key ) ) {
-            return false;
-         }
-      }
-      if ( fitting ) {
+                       Ptr<Entity> const & to ) {
+      Ptr<Type> const fitting( dynamic_cast<Type *>( to.get() ) );
+      if constexpr ( kind == AttrKind::reference ) {
          Set{}( self( entity ), fitting );
+         return static_cast<bool>( fitting );
+      } else {
+         bool const fits = fitting && fitting->name() == key;
+         fits ? Set{}( self( entity ), fitting ) : Del{}( self( entity ), key );
+         return fits;
       }
-      return static_cast<bool>( fitting );
    }
 
    static AttrTravel const & row();
@@ -344,15 +384,19 @@ struct Travel {
          ops.writeAll = writeAll;
       }
       if constexpr ( !single || kind == AttrKind::child ) {
+         ops.has = has;
          ops.writeEntry = writeEntry;
       }
       if constexpr ( owning( kind ) ) {
          ops.child = child;
          ops.childAt = childAt;
-         ops.keys = keys;
       }
       if constexpr ( pointing ) {
+         ops.target = target;
          ops.settle = settle;
+      }
+      if constexpr ( owning( kind ) || pointing ) {
+         ops.keys = keys;
       }
       return ops;
    }

@@ -37,10 +37,13 @@ String attrText( T const & value ) {
 
 /// The child of that name among what an attribute owns: a collection's by its name, a single one
 /// whatever the name.
-template <typename T>
+template <AttrKind kind, typename T>
 Ptr<Entity const> childNamed( T const & owned, Name const & name ) {
-   if constexpr ( requires { owned.get(); } ) {
+   if constexpr ( kind == AttrKind::child ) {
       return Ptr<Entity const>( owned.get() );
+   } else if constexpr ( kind == AttrKind::entries ) {
+      auto const found = owned.find( name );
+      return found != owned.end() ? Ptr<Entity const>( found->second.get() ) : nullptr;
    } else {
       for ( auto const & entry : owned ) {
          if ( entry.second->name() == name ) {
@@ -73,7 +76,7 @@ struct AttrTableBuilder {
       }
       if constexpr ( owns ) {
          row.child = []( Entity const & e, Name const & childName ) -> Ptr<Entity const> {
-            return childNamed( Getter{}( static_cast<T const &>( e ) ), childName );
+            return childNamed<kind>( Getter{}( static_cast<T const &>( e ) ), childName );
          };
       }
    }

@@ -18,7 +18,7 @@ void NotifieeBase::velNotifierIs( Entity const * entity, uint16_t attributes ) {
    detach();
    if ( entity ) {
       notifier_ = entity;
-      attributes_ = attributes;
+      attributes_ = attributes & 0x7fff;
       isRegisteredNotifieeIs( registered_ );
       entity->observers_.add( this );
    }

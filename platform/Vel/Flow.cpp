@@ -5,6 +5,8 @@
 #include <Vel/TypeName.h>
 
 #include <algorithm>
+#include <map>
+#include <set>
 
 namespace Vel {
 
@@ -17,7 +19,8 @@ constexpr uint16_t pathRecord = 0;  // names the entity of the records that foll
 constexpr std::size_t deepest = 64; // steps in a path
 constexpr std::size_t keptBuffer = 256 * 1024;
 constexpr std::size_t markSize = 64; // of one key, beside its bytes
-constexpr std::size_t mostWaiting = 1 << 20;
+constexpr std::size_t mostNames = 1 << 20;
+constexpr std::size_t mostNameless = 1 << 16;
 
 } // namespace
 
@@ -59,6 +62,7 @@ NboAttrLogSa::NboAttrLogSa( FlowOut & flow, EntityModel const & model, Order * o
 Ptr<NboAttrLogSa> NboAttrLogSa::attached( Entity const & entity, Ptr<FlowOut> const & flow,
                                           uint32_t tag, Only only ) {
    Ptr<NboAttrLogSa> const adaptor = entity.velModel().adaptor( entity, *flow );
+   std::sort( only.begin(), only.end() );
    adaptor->root_.reset( new Root{ flow, tag, std::move( only ) } );
    flow->roots_.push_back( adaptor.get() );
    adaptor->start();
@@ -67,9 +71,20 @@ Ptr<NboAttrLogSa> NboAttrLogSa::attached( Entity const & entity, Ptr<FlowOut> co
 
 NboAttrLogSa::~NboAttrLogSa() {
    dropKeys();
+   if ( collections_ ) {
+      for ( Entity const * target : collections_->nameless ) {
+         auto & all = flow_.nameless_;
+         auto const from = all.lower_bound( { target, this, 0, String() } );
+         auto to = from;
+         while ( to != all.end() && to->target == target && to->holder == this ) {
+            ++to;
+         }
+         all.erase( from, to );
+      }
+   }
    flow_.structure_.remove( *this );
    flow_.values_.remove( *this );
-   root().imagesDue -= imageDue_;
+   root().imagesDue -= imageCounted_;
    if ( root_ ) {
       std::erase( flow_.roots_, this );
    }
@@ -82,6 +97,9 @@ void NboAttrLogSa::start() {
       owning_ = owning_ || ( travel && travel->owned );
    }
    imageDue();
+   if ( !flow_.nameless_.empty() ) {
+      flow_.nameIs( *entity() );
+   }
    if ( !owning_ ) {
       return;
    }
@@ -96,8 +114,13 @@ void NboAttrLogSa::start() {
 }
 
 void NboAttrLogSa::imageDue() {
+   root().imagesDue += !imageCounted_;
+   imageCounted_ = true;
+   imageInsteadOfMarks();
+}
+
+void NboAttrLogSa::imageInsteadOfMarks() {
    dropMarks();
-   root().imagesDue += !imageDue_;
    imageDue_ = true;
    flow_.values_.add( *this );
    if ( owning_ ) {
@@ -112,6 +135,22 @@ void NboAttrLogSa::imageIs() {
       for ( auto const & child : collections_->children ) {
          child.second->imageIs();
       }
+   }
+}
+
+/// Beyond the bound: what has marks of keys is to be sent whole. What has none keeps its place in the queue,
+/// so that a slow reader gets through it; and `complete` stays what it was.
+void NboAttrLogSa::imagesInsteadOfKeys() {
+   if ( !collections_ ) {
+      return;
+   }
+   auto const & marked = collections_->marked;
+   if ( std::any_of( marked.begin(), marked.end(),
+                     []( MarkedKeys const & one ) { return !one.keys.empty(); } ) ) {
+      imageInsteadOfMarks();
+   }
+   for ( auto const & child : collections_->children ) {
+      child.second->imagesInsteadOfKeys();
    }
 }
 
@@ -206,8 +245,9 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
    if ( !passes( at, key ) ) {
       return;
    }
+   // A new child queues itself, and has to come after the record that makes it.
    if ( owned && !structureLink_.queued ) {
-      flow_.structure_.add( *this ); // in front of the child that comes
+      flow_.structure_.add( *this );
    }
    bool const renewed = owned && childIs( at, key );
    if ( owned ? structureDue_ : imageDue_ ) {
@@ -224,7 +264,7 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
    }
    if ( flow_.markBytes_ > flow_.bound_ ) [[unlikely]] {
       for ( NboAttrLogSa * root : flow_.roots_ ) {
-         root->imageIs();
+         root->imagesInsteadOfKeys();
       }
    }
 }
@@ -235,7 +275,7 @@ bool NboAttrLogSa::passes( Row const & at, String const & key ) const {
       return true;
    }
    Name const name = Internal::keyOfBytes<Name>( key );
-   return std::find( root_->only.begin(), root_->only.end(), name ) != root_->only.end();
+   return std::binary_search( root_->only.begin(), root_->only.end(), name );
 }
 
 /// Sees to the adaptor of the child of that key; says whether the one that was there is none any more.
@@ -280,7 +320,7 @@ void endRecord( NboAttrLog & log, std::size_t begin ) {
    log.numberIs( begin + sizeof( uint16_t ), static_cast<uint32_t>( size ) );
 }
 
-static Entity const * topOf( Entity const & entity ) {
+Entity const * topOf( Entity const & entity ) {
    Entity const * top = &entity;
    while ( top->parent() ) {
       top = top->parent();
@@ -327,7 +367,7 @@ void NboAttrLogSa::writeStructure( NboAttrLog & log ) {
 
 void NboAttrLogSa::writeValues( NboAttrLog & log ) {
    bool const all = std::exchange( imageDue_, false );
-   root().imagesDue -= all;
+   root().imagesDue -= std::exchange( imageCounted_, false );
    Entity const * const from = entity();
    if ( !from ) {
       return;
@@ -337,6 +377,11 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
          Row const at = row( attribute );
          if ( at.info->travel && !at.travel().owned ) {
             writeWhole( *from, at, log );
+            if ( at.travel().target ) {
+               for ( String const & key : at.travel().keys( *from ) ) {
+                  keepNameless( *from, at, attribute, key );
+               }
+            }
          }
       }
       return;
@@ -344,9 +389,14 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
    for ( uint8_t attribute = order_[0].next; attribute != 0; ) {
       Row const at = row( attribute );
       if ( at.travel().keyed ) {
-         writeKeys( *from, at, takeKeys( attribute ), log );
+         Keys const keys = takeKeys( attribute );
+         writeKeys( *from, at, keys, log );
+         for ( auto const & key : keys ) {
+            keepNameless( *from, at, attribute, key.first );
+         }
       } else {
          at.travel().write( *from, at.id, log );
+         keepNameless( *from, at, attribute, String() );
       }
       attribute = std::exchange( order_[attribute], Order{} ).next;
    }
@@ -385,9 +435,7 @@ void NboAttrLogSa::writeKeys( Entity const & from, Row const & at, Keys const & 
    bool gone = false;
    bool set = false;
    for ( auto const & [key, renewed] : keys ) {
-      std::size_t const size = log.bytes().size();
-      bool const there = travel.writeEntry( from, key, log );
-      log.sizeIs( size );
+      bool const there = travel.has( from, key );
       set = set || there;
       if ( !there || renewed ) {
          gone = true;
@@ -406,6 +454,53 @@ void NboAttrLogSa::writeKeys( Entity const & from, Row const & at, Keys const & 
          travel.writeEntry( from, key.first, log );
       }
       Internal::endRecord( log, begin );
+   }
+}
+
+/// What a pointer leads to may have no name yet, being in no tree: then it is marked again once it has.
+void NboAttrLogSa::keepNameless( Entity const & from, Row const & at, uint16_t attribute,
+                                 String const & key ) {
+   Entity const * const target = at.travel().target ? at.travel().target( from, key ) : nullptr;
+   if ( !target || Internal::topOf( *target ) == Internal::topOf( from ) ) {
+      return;
+   }
+   auto & nameless = flow_.nameless_;
+   if ( nameless.size() >= mostNameless ) { // some may have come to lead elsewhere
+      std::erase_if( nameless, []( FlowOut::Nameless const & one ) {
+         Entity const * const holder = one.holder->entity();
+         return !holder ||
+                one.holder->row( one.attribute ).travel().target( *holder, one.key ) != one.target;
+      } );
+      if ( nameless.size() > mostNameless / 2 ) {
+         nameless.clear(); // a look at all of them must not be due again soon
+      }
+   }
+   if ( nameless.insert( { target, this, attribute, key } ).second ) {
+      std::vector<Entity const *> & mine = collections().nameless;
+      if ( mine.size() == mine.capacity() ) { // those that have got their names since
+         std::erase_if( mine, [&]( Entity const * one ) {
+            auto const found = nameless.lower_bound( { one, this, 0, String() } );
+            return found == nameless.end() || found->target != one || found->holder != this;
+         } );
+      }
+      mine.push_back( target );
+   }
+}
+
+void FlowOut::nameIs( Entity const & target ) {
+   auto const from = nameless_.lower_bound( { &target, nullptr, 0, String() } );
+   auto to = from;
+   while ( to != nameless_.end() && to->target == &target ) {
+      ++to;
+   }
+   std::vector<Nameless> const named( from, to );
+   nameless_.erase( from, to );
+   for ( Nameless const & one : named ) {
+      if ( one.holder->row( one.attribute ).travel().keyed ) {
+         one.holder->markKey( one.attribute, one.key );
+      } else {
+         one.holder->mark( one.attribute );
+      }
    }
 }
 
@@ -456,11 +551,87 @@ std::string_view FlowOut::piece( std::size_t most ) {
 // ---------------------------------------------------------------------------------------------
 // Reading
 
-struct FlowIn::Waiting {
-   Ref<Entity> holder;
+/// A pointer or reference of a replica; the holder only to be compared with.
+struct FlowIn::Pointer {
+   Entity const * holder;
    AttrTravel const * row;
    Name key;
-   Name path;
+   friend auto operator<=>( Pointer const &, Pointer const & ) = default;
+};
+
+struct FlowIn::Names {
+   struct Kept {
+      Name path;
+      bool settled = false;
+   };
+   using ByPointer = std::map<Pointer, Kept>;
+
+   /// The entity of a pointer; null once it is gone.
+   [[nodiscard]] Entity * holderOf( Pointer const & pointer ) const {
+      return holders.at( pointer.holder ).get();
+   }
+   void keep( Pointer const & pointer, Entity & holder, Kept const & name ) {
+      if ( ++keptSinceSweep > byPointer.size() + 64 ) {
+         sweep();
+      }
+      if ( byPointer.size() >= mostNames ) {
+         return;
+      }
+      if ( auto const found = holders.find( &holder );
+           found != holders.end() && !found->second.get() ) {
+         eraseAll( &holder ); // of another entity, which was at this address
+      }
+      erase( pointer );
+      holders[&holder].targetIs( &holder );
+      auto const at = byPointer.emplace( pointer, name ).first;
+      byPath.emplace( name.path, &at->first );
+   }
+   [[nodiscard]] Kept * find( Pointer const & pointer ) {
+      auto const found = byPointer.find( pointer );
+      return found != byPointer.end() ? &found->second : nullptr;
+   }
+   void erase( Pointer const & pointer ) {
+      if ( auto const found = byPointer.find( pointer ); found != byPointer.end() ) {
+         erase( found );
+      }
+   }
+   void erase( ByPointer::iterator at ) {
+      Entity const * const holder = at->first.holder;
+      byPath.erase( { at->second.path, &at->first } );
+      byPointer.erase( at );
+      auto const next = byPointer.lower_bound( { holder, nullptr, Name() } );
+      if ( next == byPointer.end() || next->first.holder != holder ) {
+         holders.erase( holder );
+      }
+   }
+   /// All of a holder, or those of one of its attributes.
+   void eraseAll( Entity const * holder, AttrTravel const * row = nullptr ) {
+      for ( auto at = byPointer.lower_bound( { holder, row, Name() } );
+            at != byPointer.end() && at->first.holder == holder &&
+            ( !row || at->first.row == row ); ) {
+         erase( at++ );
+      }
+   }
+   /// Names of holders that are gone go when they may be half of all: at a cost that is small in each that
+   /// is kept, or that finds no room.
+   void sweep() {
+      for ( auto at = byPointer.begin(); at != byPointer.end(); ) {
+         auto const next = std::next( at );
+         if ( !holderOf( at->first ) ) {
+            erase( at );
+         }
+         at = next;
+      }
+      keptSinceSweep = 0;
+   }
+
+   ByPointer byPointer;
+   std::set<std::pair<Name, Pointer const *>> byPath; // the pointers of `byPointer`
+   std::map<Entity const *, Ref<Entity>> holders; // one each, since every Ref is one more observer
+   std::size_t keptSinceSweep = 0;
+   Ref<Entity> root; // null where names count from the top of the replica's tree
+   Ref<Entity> replica;
+   Name place;
 };
 
 FlowIn::FlowIn() = default;
@@ -480,11 +651,11 @@ AttrInfo const * rowOf( EntityModel const & type, uint16_t id ) {
 }
 
 /// The entity that a path leads to; null where this side has none.
-Entity * follow( Entity & replica, Internal::LogCursor body ) {
+Entity * entityAt( Entity & replica, Internal::LogCursor body ) {
    Entity * at = &replica;
    for ( std::size_t steps = 0; at && body.spare != 0; ++steps ) {
       if ( steps == deepest ) {
-         Internal::LogCursor::fail( body, "a path of more than 64 steps" );
+         return nullptr; // what is deeper has no copy here
       }
       AttrInfo const * row = rowOf( at->velModel(), body.next<uint16_t>() );
       at = row && row->travel && row->travel->childAt ? row->travel->childAt( *at, body ) : nullptr;
@@ -492,10 +663,16 @@ Entity * follow( Entity & replica, Internal::LogCursor body ) {
    return at;
 }
 
-bool settled( Entity & entity, AttrTravel const & row, Name const & key, Name const & path ) {
-   auto * const top = const_cast<Entity *>( Internal::topOf( entity ) );
-   Ptr<Entity> const target = top->entity( path );
-   return target && row.settle( entity, key, target );
+/// What is left of a path below a place; false for one that is elsewhere.
+bool below( Name const & place, std::string_view & path ) {
+   if ( !place.empty() ) {
+      if ( !path.starts_with( place ) ||
+           ( path.size() > place.size() && path[place.size()] != '/' ) ) {
+         return false;
+      }
+      path.remove_prefix( std::min( place.size() + 1, path.size() ) );
+   }
+   return true;
 }
 
 } // namespace
@@ -512,7 +689,7 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
    Hold const hold( replica );
    Ptr<Entity> child; // held while records are applied to it
    Entity * subject = &replica;
-   made_ = false;
+   made_.clear();
    while ( in.spare != 0 ) {
       auto const id = in.next<uint16_t>();
       std::size_t const size = in.next<uint32_t>();
@@ -520,7 +697,7 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
       Internal::LogCursor const body{ in.begin, in.at, size };
       in.at += size;
       if ( id == pathRecord ) {
-         subject = follow( replica, body );
+         subject = entityAt( replica, body );
          child = subject == &replica ? nullptr : Ptr<Entity>( subject );
       } else if ( subject ) {
          AttrInfo const * row = rowOf( subject->velModel(), id );
@@ -530,39 +707,143 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
       }
       log.positionIs( static_cast<std::size_t>( in.at - in.begin ) );
    }
-   if ( made_ ) {
-      resolve();
+   for ( Name const & path : std::exchange( made_, {} ) ) {
+      follow( path, false );
    }
 }
 
-bool FlowIn::point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path ) {
-   if ( settled( entity, row, key, path ) ) {
-      return true;
-   }
-   if ( waiting_.size() < mostWaiting ) {
-      waiting_.push_back( std::make_unique<Waiting>() );
-      Waiting & one = *waiting_.back();
-      one.holder.targetIs( &entity );
-      one.row = &row;
-      one.key = key;
-      one.path = path;
-   }
-   return false;
+void FlowIn::clear() {
+   names_ = nullptr;
 }
 
-void FlowIn::dropWaiting( Entity const & entity, AttrTravel const & row, Name const & key ) {
-   std::erase_if( waiting_, [&]( auto const & one ) {
-      return one->holder.get() == &entity && one->row == &row && one->key == key;
-   } );
+void FlowIn::placeIs( Entity & root, Entity & replica, Name path ) {
+   names_ = std::make_unique<Names>();
+   names_->root.targetIs( &root );
+   names_->replica.targetIs( &replica );
+   names_->place = std::move( path );
+}
+
+/// Sets a pointer to what its name leads to now. False where the name is done with: once it has led to what
+/// lives and goes with the replica.
+bool FlowIn::follow( Entity & holder, Pointer const & pointer, Name const & path, bool & settled ) {
+   Entity * top = names_ ? names_->replica.get() : nullptr;
+   std::string_view rest = path;
+   bool const inside = !top || below( names_->place, rest );
+   if ( !top ) {
+      top = const_cast<Entity *>( Internal::topOf( holder ) );
+   } else if ( !inside ) {
+      top = names_->root.get();
+   }
+   settled = pointer.row->settle( holder, pointer.key, top ? top->entity( rest ) : nullptr );
+   return !settled || !inside;
+}
+
+void FlowIn::point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path ) {
+   Pointer const pointer{ &entity, &row, key };
+   forget( entity, row, key );
+   bool settled = false;
+   if ( path.size() > longestName ) {
+      row.settle( entity, key, nullptr );
+   } else if ( follow( entity, pointer, path, settled ) ) {
+      if ( !names_ ) {
+         names_ = std::make_unique<Names>();
+      }
+      names_->keep( pointer, entity, { path, settled } );
+   }
+}
+
+void FlowIn::forget( Entity const & entity, AttrTravel const & row, Name const & key ) {
+   if ( names_ ) {
+      names_->erase( { &entity, &row, key } );
+   }
+}
+
+void FlowIn::forgetAll( Entity const & entity, AttrTravel const & row ) {
+   if ( names_ ) {
+      names_->eraseAll( &entity, &row );
+   }
+}
+
+/// Whoever is told of one pointer may do away with the others.
+void FlowIn::follow( std::vector<Pointer> const & pointers ) {
+   for ( Pointer const & pointer : pointers ) {
+      Names::Kept * const name = names_ ? names_->find( pointer ) : nullptr;
+      if ( !name ) {
+         continue;
+      }
+      Ptr<Entity> const holder( names_->holderOf( pointer ) );
+      bool settled = false;
+      bool const kept = holder && follow( *holder, pointer, Name( name->path ), settled );
+      if ( Names::Kept * const still = names_ ? names_->find( pointer ) : nullptr ) {
+         still->settled = settled;
+         if ( !kept ) {
+            names_->erase( pointer );
+         }
+      }
+   }
+}
+
+void FlowIn::follow( Name const & path, bool andBelow ) {
+   if ( !names_ ) {
+      return;
+   }
+   std::vector<Pointer> due;
+   auto const & byPath = names_->byPath;
+   auto const add = [&]( Name const & from, auto const & fits ) {
+      for ( auto at = byPath.lower_bound( { from, nullptr } );
+            at != byPath.end() && fits( at->first ); ++at ) {
+         due.push_back( *at->second );
+      }
+   };
+   add( path, [&]( Name const & name ) { return name == path; } );
+   if ( andBelow ) {
+      Name const start = path + "/";
+      add( start, [&]( Name const & name ) { return name.view().starts_with( start ); } );
+   }
+   follow( due );
 }
 
 void FlowIn::resolve() {
-   auto const before = std::exchange( waiting_, {} );
-   for ( auto const & one : before ) {
-      if ( Entity * holder = one->holder.get() ) {
-         point( *holder, *one->row, one->key, one->path );
+   std::vector<Pointer> due;
+   if ( names_ ) {
+      for ( auto const & entry : names_->byPointer ) {
+         due.push_back( entry.first );
       }
    }
+   follow( due );
+}
+
+void FlowIn::resolve( Name const & path ) {
+   follow( path, true );
+}
+
+std::size_t FlowIn::unresolved() const {
+   std::size_t count = 0;
+   if ( names_ ) {
+      for ( auto const & [pointer, name] : names_->byPointer ) {
+         count += !name.settled && names_->holderOf( pointer );
+      }
+   }
+   return count;
+}
+
+void FlowIn::madeIs( Entity const & made ) {
+   if ( !names_ || names_->byPointer.empty() ) {
+      return;
+   }
+   Name path;
+   if ( Entity const * const replica = names_->replica.get() ) {
+      Name const top = replica->fullName() + "/";
+      Name const full = made.fullName();
+      if ( !full.view().starts_with( top ) ) {
+         return;
+      }
+      path = names_->place.empty() ? Name() : names_->place + "/";
+      path += full.view().substr( top.size() );
+   } else {
+      static_cast<void>( Internal::pathOf( made, made, path ) );
+   }
+   made_.push_back( path );
 }
 
 Ptr<Entity> FlowIn::newEntity( Name const & typeName, Name const & name ) {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -68,7 +69,7 @@ class SaQueue {
 class VEL_API FlowOut : public PtrInterface {
  public:
    /// Marks of single entries of collections may take up to `bound` bytes. Beyond it they are all
-   /// dropped for a fresh full image of everything, for which no marks are kept.
+   /// dropped for full images of the entities that had some, for which no marks are kept.
    explicit FlowOut( std::size_t bound = 1 << 20 );
    ~FlowOut() override;
 
@@ -85,6 +86,17 @@ class VEL_API FlowOut : public PtrInterface {
 
  private:
    friend class NboAttrLogSa;
+   /// A pointer that is set, but whose target was in no tree, and so had no name, when it was written. The
+   /// target is only compared with.
+   struct Nameless {
+      Entity const * target;
+      NboAttrLogSa * holder;
+      uint16_t attribute;
+      String key;
+      friend auto operator<=>( Nameless const &, Nameless const & ) = default;
+   };
+   /// It has joined what is watched.
+   void nameIs( Entity const & target );
 
    std::size_t bound_;
    std::size_t markBytes_ = 0;
@@ -92,6 +104,7 @@ class VEL_API FlowOut : public PtrInterface {
    Internal::SaQueue structure_;
    Internal::SaQueue values_;
    std::vector<NboAttrLogSa *> roots_;
+   std::set<Nameless> nameless_;
    std::unique_ptr<NboAttrLog> log_;
 };
 
@@ -110,7 +123,7 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    /// Sends everything anew: what repairs a replica whose logs were lost or corrupt. What no longer
    /// exists goes from the replica.
    void imageIs();
-   /// Whether every image that was due has been handed out.
+   /// Whether the image of every entity has been handed out, since it came or since `imageIs`.
    [[nodiscard]] bool complete() const;
 
    // For the observers of adaptors.
@@ -146,17 +159,20 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    struct Collections {
       std::vector<MarkedKeys> marked;
       HashMap<String, Ptr<NboAttrLogSa>> children; // by their step
+      std::vector<Entity const *> nameless;        // targets of the flow's list, or once of it
    };
    struct Root {
       Ptr<FlowOut> flow;
       uint32_t tag;
       Only only;
-      std::size_t imagesDue = 0; // of entities of the whole tree
+      std::size_t imagesDue = 0; // that `complete` waits for, of the whole tree
    };
 
    void start();
    void markLate( uint8_t attribute );
    void imageDue();
+   void imageInsteadOfMarks();
+   void imagesInsteadOfKeys();
    [[nodiscard]] uint16_t attributeEnd() const;
    [[nodiscard]] Row row( uint16_t attribute ) const;
    [[nodiscard]] Root & root() const;
@@ -172,6 +188,8 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    void writeKeys( Entity const & entity, Row const & row, Keys const & keys,
                    NboAttrLog & log ) const;
    void writeWhole( Entity const & entity, Row const & row, NboAttrLog & log ) const;
+   void keepNameless( Entity const & from, Row const & row, uint16_t attribute,
+                      String const & key );
    [[nodiscard]] Keys takeKeys( uint16_t attribute );
 
    FlowOut & flow_;
@@ -184,38 +202,58 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    bool owning_ = false; // the type can have children
    bool structureDue_ = false;
    bool imageDue_ = false;
+   bool imageCounted_ = false;  // among those that `complete` waits for
    std::unique_ptr<Root> root_; // of an adaptor without a parent
    std::unique_ptr<Collections> collections_;
 };
 
 /// The receiving side of one flow: what logs leave behind for later ones.
+///
+/// Pointers and references come as names that count from the top of the tree. A name that leads nowhere
+/// yet, or to an entity of a wrong type, is kept, and the attribute follows later. So is one that leads out
+/// of the replica, since what is there may be unmounted and come anew.
 class VEL_API FlowIn {
  public:
+   /// What no tree has; a pointer of such a name stays empty.
+   static constexpr std::size_t longestName = 1024;
+
    FlowIn();
    ~FlowIn();
    FlowIn( FlowIn const & ) = delete;
    FlowIn & operator=( FlowIn const & ) = delete;
 
+   /// Where names count from: the root of a tree in which the replica has, or is to have, that path. What
+   /// they lead to below it is looked for in the replica, wherever it is. Without this, names count from
+   /// the top of the tree that the replica is in. Forgets all names; `clear` does just that.
+   void placeIs( Entity & root, Entity & replica, Name path );
+   void clear();
+
    /// Applies a log, as `Entity::doHandleAttrDeserialization` says. The log then stands behind the
    /// last record that was applied.
    void apply( Entity & replica, NboAttrLog & log );
-   /// Pointers and references come as names, that count from the top of the tree. What has no such
-   /// entity yet, or one of a wrong type, waits for it: `resolve` looks again.
+   /// Follows every name anew, or those of an entity and of all below it. What a log makes is looked
+   /// for by itself; this is for what comes or goes otherwise.
    void resolve();
-   [[nodiscard]] std::size_t unresolved() const { return waiting_.size(); }
+   void resolve( Name const & path );
+   /// How many names lead to nothing that fits.
+   [[nodiscard]] std::size_t unresolved() const;
 
    // For the attributes' rows.
-   /// Whether the name has led to something already.
-   bool point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path );
-   void dropWaiting( Entity const & entity, AttrTravel const & row, Name const & key );
+   void point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path );
+   void forget( Entity const & entity, AttrTravel const & row, Name const & key );
+   void forgetAll( Entity const & entity, AttrTravel const & row );
    [[nodiscard]] Ptr<Entity> newEntity( Name const & typeName, Name const & name );
-   void madeIs() { made_ = true; }
+   void madeIs( Entity const & made );
 
  private:
-   struct Waiting;
+   struct Pointer;
+   struct Names;
+   bool follow( Entity & holder, Pointer const & pointer, Name const & path, bool & settled );
+   void follow( std::vector<Pointer> const & pointers );
+   void follow( Name const & path, bool andBelow );
 
-   std::vector<std::unique_ptr<Waiting>> waiting_;
-   bool made_ = false; // an entity, by the log that is being applied
+   std::unique_ptr<Names> names_;
+   std::vector<Name> made_; // paths that kept names may lead to, by the log that is being applied
    Name lastType_;
    Ptr<Entity> ( *lastFactory_ )( Name name ) = nullptr;
 };

@@ -25,7 +25,7 @@ class VEL_API NotifieeBase : public PtrInterface {
    /// Delivery on or off; on from the start. Off keeps the place among the observers.
    void isRegisteredNotifieeIs( bool registered ) {
       registered_ = registered;
-      told_ = registered ? attributes_ : uint16_t( 0 );
+      told_ = registered ? uint16_t( attributes_ ) : uint16_t( 0 );
    }
 
  protected:
@@ -39,13 +39,14 @@ class VEL_API NotifieeBase : public PtrInterface {
    friend class ObserverList;
    void detach();
 
-   Entity const * notifier_ = nullptr;
+   // What a delivery reads comes first, beside the count of pointers.
+   uint16_t told_ = 0; // told of attributes below this number
+   uint16_t attributes_ : 15 = 0;
+   bool registered_ : 1 = true;
    NotifieeBase * next_ = nullptr;     // null at the end
-   NotifieeBase * previous_ = nullptr; // of the first one: the last one
    uint64_t order_ = 0;                // of attachment; rises along the list
-   uint16_t told_ = 0;                 // told of attributes below this number
-   uint16_t attributes_ = 0;
-   bool registered_ = true;
+   NotifieeBase * previous_ = nullptr; // of the first one: the last one
+   Entity const * notifier_ = nullptr;
 };
 
 /// The observers of one entity.

@@ -376,7 +376,8 @@ TEST( SessionHostileTest, aPeerThatAsksAndDoesNotListenIsBounded ) {
    EntityManager server;
    Session session( server );
    session.receive( message( 0, "SDB\x01" ) );
-   std::string const nothing( "\0\0\0\0\0\0\0\0\0", 9 ); // path, type, mode
+   std::string const nothing( "\0\0\0\0\0\0\0\0\1",
+                              9 ); // path, type, mode: to write, which is refused
    EXPECT_THROW(
       {
          for ( uint32_t i = 1; i < 1000000; ++i ) {
