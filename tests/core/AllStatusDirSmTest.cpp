@@ -200,17 +200,6 @@ TEST_F( AggregationTest, startsOnceWithAllInputsAndTheEndOfOneWithdrawsWhatReste
       EXPECT_EQ( published(), input.left );
    }
    EXPECT_DEATH( singleton->doStartSm(), "!allStatusDirSm\\(\\)" );
-   // And with the singleton everything goes.
-   singleton = newSingleton();
-   singleton->doStartSm();
-   auto const all = singleton->allStatusDir();
-   auto const ended = top();
-   singleton = nullptr;
-   EXPECT_TRUE( all->xcvrStatusMap().empty() );
-   EXPECT_FALSE( ended->sliceStatusSm( "1" ) );
-   agent( "1", 5 );
-   config( "1", 5 );
-   EXPECT_TRUE( all->xcvrStatusMap().empty() );
 }
 
 /// Does something the first time that a status is published or withdrawn.

@@ -184,30 +184,6 @@ TEST_P( AnyMountTest, writingMakesTheEntityAndThereIsOneWriter ) {
    rivals->mountIs( reader );
    EXPECT_EQ( reader->target(), server.entity( "x/y/slot1" ).get() );
    server.mountGroupDel( rivals );
-   // One that was there before stays as it was last written.
-   auto const slot = addSlot( "slot1" );
-   mounted( "status/slots/slot1", "Sample::Slot", MountMode::write );
-   copy()->labelIs( "last" );
-   pump();
-   group->mountDel( "status/slots/slot1" );
-   pump();
-   EXPECT_EQ( slot->label(), "last" );
-   EXPECT_EQ( dir->entry( "slot1" ), slot );
-}
-
-TEST_P( AnyMountTest, aMountMayEndWhileItIsTold ) {
-   for ( MountMode mode : { MountMode::read, MountMode::write } ) {
-      Vel::Ptr<Mount> const mount( new Mount( "a/slot1", "Sample::Slot", {}, mode ) );
-      StateObserver ends( mount, [&] { group->mountDel( "a/slot1" ); } );
-      group->mountIs( mount );
-      server.entityIs( "a/slot1", new Slot( "slot1" ) );
-      pump();
-      EXPECT_FALSE( group->mountHas( "a/slot1" ) );
-      EXPECT_EQ( mount->state(), MountState::waiting );
-      EXPECT_EQ( mount->target(), nullptr );
-      server.entityDel( "a/slot1" );
-      pump();
-   }
 }
 
 class SessionTest : public MountTest {};
@@ -293,16 +269,6 @@ TEST_F( SessionTest, aFilterLetsThroughWhatItLists ) {
    auto const slots = copy<Vel::Dir>( "status/slots" );
    EXPECT_EQ( slots->entryMap().size(), 2u );
    EXPECT_TRUE( slots->entryHas( "slot2" ) && slots->entryHas( "slot3" ) );
-}
-
-TEST_F( SessionTest, namesAreFollowedFromMountToMountInAnyOrder ) {
-   Vel::Ptr<Slot> const table( new Slot( "table" ) );
-   server.entityIs( "tables/table", table );
-   addSlot( "slot1" )->tableIs( table );
-   mounted( "status/slots", "Vel::Dir" );
-   EXPECT_EQ( copy()->table(), nullptr );
-   mounted( "tables/table", "Sample::Slot" );
-   EXPECT_EQ( copy()->table(), client.entity( "tables/table" ).get() );
 }
 
 TEST_F( SessionTest, aPlaceThatIsTakenIsLeftAlone ) {
