@@ -4,6 +4,7 @@
 #include <Vel/Entity.h>
 #include <Vel/Flow.h>
 
+#include <optional>
 #include <vector>
 
 /// How an attribute of each kind is copied to a replica, as docs/attribute-log.md lays it out. Included
@@ -142,11 +143,13 @@ struct Travel {
          log.write( key );
          log.write( path );
       } else {
-         log.write( key );
          if constexpr ( kind == AttrKind::entries ) {
+            log.write( key );
             log.write( Name( value->velModel().typeName ) );
          } else if constexpr ( valued ) {
-            log.write( value );
+            encode( encode( log.append( encodedSize( key ) + encodedSize( value ) ), key ), value );
+         } else {
+            log.write( key );
          }
       }
       return true;
@@ -267,6 +270,9 @@ struct Travel {
    }
    /// Deletes every entry whose key the body does not list.
    static void keepOnly( Entity & entity, LogCursor body ) {
+      if ( listsAll( entity, body ) ) {
+         return;
+      }
       HashMap<String, bool> listed;
       while ( body.spare != 0 ) {
          String const key = keyBytes( body.next<Key>() );
@@ -284,6 +290,32 @@ struct Travel {
       for ( Key const & key : left ) {
          Del{}( self( entity ), key );
       }
+   }
+   /// Whether the body plainly lists every entry there is: in ascending order, so that none is counted
+   /// twice. The image of a replica that has the same keys already needs no table of them.
+   static bool listsAll( Entity const & entity, LogCursor body ) {
+      Held const & map = held( entity );
+      if constexpr ( requires( Key key ) { map.size(), key < key; } ) {
+         std::size_t left = map.size();
+         std::optional<Key> last;
+         while ( left != 0 && body.spare != 0 ) {
+            Key key = body.next<Key>();
+            if constexpr ( valued ) {
+               static_cast<void>( body.next<EntryValue>() );
+            }
+            if ( last && !( *last < key ) ) {
+               return false;
+            }
+            if constexpr ( requires { map.contains( key ); } ) {
+               left -= map.contains( key );
+            } else {
+               left -= map.find( key ) != map.end();
+            }
+            last = std::move( key );
+         }
+         return left == 0;
+      }
+      return false;
    }
    template <typename K, typename V>
    static void setEntry( Entity & entity, K const & key, V const & value,
