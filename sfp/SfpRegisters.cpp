@@ -33,13 +33,7 @@ Sff8472Registers::Page & Sff8472Registers::newPage( uint8_t device ) {
    return *pages_.insert( place, Page{ .device = device } );
 }
 
-Sff8472Registers::Entry Sff8472Registers::Iterator::operator*() const {
-   Page const & page = registers_.pages_[at_ / pageSize];
-   auto const key = static_cast<key_type>( page.device * pageSize + at_ % pageSize );
-   return { key, mapped_type( key, page.bytes[at_ % pageSize] ) };
-}
-
-void Sff8472Registers::Iterator::skip() {
+void Sff8472Registers::Iterator::search() {
    for ( size_t const end = registers_.pages_.size() * pageSize; at_ < end;
          at_ = ( at_ / pageSize + 1 ) * pageSize ) {
       uint8_t const * const held = registers_.pages_[at_ / pageSize].held.data();

@@ -21,9 +21,8 @@ struct AttrTravel {
    void ( *write )( Entity const & entity, uint16_t id, NboAttrLog & log );
    /// Takes the body of a record and applies it; throws, with nothing applied, when it is corrupt.
    void ( *apply )( Entity & entity, Internal::LogCursor body, FlowIn & flow );
-   /// Of a collection: appends key and value of an entry, if it is there; of all.
+   /// Of a collection: appends key and value of an entry, if it is there.
    bool ( *writeEntry )( Entity const & entity, String const & key, NboAttrLog & log );
-   void ( *writeAll )( Entity const & entity, NboAttrLog & log );
    /// Of an owned one: the child of that key, or null; a child of a replica, whose key is taken from the
    /// log; the keys of all.
    Entity const * ( *child )( Entity const & entity, String const & key );
@@ -168,9 +167,17 @@ struct Travel {
          }
       }
    }
-   static void writeAll( Entity const & entity, NboAttrLog & log ) {
-      for ( auto const & entry : held( entity ) ) {
-         appendEntry( entity, entry.first, entry.second, log );
+   /// All that an image says of what owns nothing.
+   static void writeWhole( Entity const & entity, uint16_t id, NboAttrLog & log ) {
+      if constexpr ( single ) {
+         write( entity, id, log );
+      } else {
+         std::size_t const begin = beginRecord( log, id );
+         log.write( static_cast<uint8_t>( EntryOp::all ) );
+         for ( auto const & entry : held( entity ) ) {
+            appendEntry( entity, entry.first, entry.second, log );
+         }
+         endRecord( log, begin );
       }
    }
    static Entity const * child( Entity const & entity, String const & keyInBytes ) {
@@ -300,9 +307,6 @@ struct Travel {
          std::optional<Key> last;
          while ( left != 0 && body.spare != 0 ) {
             Key key = body.next<Key>();
-            if constexpr ( valued ) {
-               static_cast<void>( body.next<EntryValue>() );
-            }
             if ( last && !( *last < key ) ) {
                return false;
             }
@@ -312,6 +316,11 @@ struct Travel {
                left -= map.find( key ) != map.end();
             }
             last = std::move( key );
+            if constexpr ( valued ) {
+               if ( left != 0 ) {
+                  static_cast<void>( body.next<EntryValue>() );
+               }
+            }
          }
          return left == 0;
       }
@@ -373,7 +382,6 @@ struct Travel {
          ops.apply = applySingle;
       } else {
          ops.apply = applyEntries;
-         ops.writeAll = writeAll;
       }
       if constexpr ( !single || kind == AttrKind::child ) {
          ops.writeEntry = writeEntry;
@@ -430,6 +438,28 @@ class TypedSa final : public NboAttrLogSa {
    Order order_[T::velAttrEnd] = {};
    typename T::template VelMarks<Marker<typename T::NotifieeConst>> observer_;
 };
+
+/// Sees every row of entity type T, and writes each into an image: in one go, since most of an image is
+/// many small attributes.
+template <typename T>
+struct ImageWriter {
+   template <AttrKind kind, typename Key, typename Type, typename Getter, typename Setter,
+             typename Deleter>
+   [[gnu::always_inline]] void attribute( char const *, Getter, Setter, Deleter ) {
+      if constexpr ( kind != AttrKind::derived && !owning( kind ) ) {
+         Travel<T, kind, Key, Type, Getter, Setter, Deleter>::writeWhole( entity, id, log );
+      }
+      ++id;
+   }
+   Entity const & entity;
+   NboAttrLog & log;
+   uint16_t id = T::velLevel << 8;
+};
+
+template <typename T>
+void writeImage( Entity const & entity, NboAttrLog & log ) {
+   T::velAttributes( ImageWriter<T>{ entity, log } );
+}
 
 template <typename T>
 Ptr<NboAttrLogSa> newAdaptor( Entity const & entity, FlowOut & flow ) {
