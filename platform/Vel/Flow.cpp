@@ -524,16 +524,15 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
       auto const id = in.next<uint16_t>();
       std::size_t const size = in.next<uint32_t>();
       in.claim( size );
-      Internal::LogCursor const body{ in.begin, in.at, size };
-      in.at += size;
+      uint8_t const * const body = std::exchange( in.at, in.at + size );
       if ( id == pathRecord ) {
-         subject = follow( replica, body );
+         subject = follow( replica, { in.begin, body, size } );
          child = subject == &replica ? nullptr : Ptr<Entity>( subject );
          rows = Rows( subject ? subject->velModel() : replica.velModel() );
       } else if ( subject ) {
          AttrInfo const * row = rows.row( id );
          if ( row && row->travel ) {
-            row->travel->apply( *subject, body, *this );
+            row->travel->apply( *subject, { in.begin, body, size }, *this );
          }
       }
       log.positionIs( static_cast<std::size_t>( in.at - in.begin ) );
