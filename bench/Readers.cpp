@@ -73,8 +73,10 @@ using Xcvr::SfpNewStatus;
 
 constexpr std::size_t slots = 64;
 constexpr std::size_t kibibyte = 1024;
-constexpr std::size_t readerMost = 192 * kibibyte;   // of the agent's memory, for one that reads
-constexpr std::size_t stalledMost = 1024 * kibibyte; // more, for one that does not
+// Of the agent's memory, for one reader; and what one that does not read may add: a FlowOut's bound of 1 MiB
+// of marks, which it counts by an estimate.
+constexpr std::size_t readerMost = 192 * kibibyte;
+constexpr std::size_t stalledMost = 1536 * kibibyte;
 
 Vel::Name slotName( std::size_t slot ) {
    return Vel::Name( "Ethernet" + std::to_string( slot + 1 ) );
@@ -250,6 +252,21 @@ void row( char const * figure, double value, char const * unit ) {
    std::fflush( stdout );
 }
 
+/// Has every status hold the same things, whatever came and went.
+void settle( Agent & hardware, Readers const & readers ) {
+   {
+      Work const work( agent );
+      for ( auto const & status : hardware.statuses ) {
+         status->xcvrStatsEntIs();
+         hardware.write( *status, 96, status->registerData( 0xa260 ).data() + 1u );
+         status->laneStatsDel( 0 );
+         status->laneStatsIs( 0, {} );
+      }
+   }
+   deliver( readers );
+   checkAll( hardware, readers );
+}
+
 double bytesPerReader( std::size_t before, std::size_t readers ) {
    return ( double( live[agent] ) - double( before ) ) / double( readers );
 }
@@ -288,15 +305,28 @@ int main( int argc, char ** argv ) {
    Work::seconds[agent] = 0;
    deliver( readers );
    row( "image, agent", Work::seconds[agent] / double( count ) * 1e6, "us a reader" );
+   checkAll( hardware, readers );
+   row( "memory, mounted", bytesPerReader( alone, count ) / kibibyte, "KiB a reader" );
+
+   // From here on every reader has what comes with the first changes, and only then.
+   for ( uint32_t i = 1; i <= 5000; ++i ) {
+      {
+         Work const work( agent );
+         hardware.change( i );
+      }
+      if ( i % 100 == 0 ) {
+         deliver( readers );
+      }
+   }
+   settle( hardware, readers );
+   double const running = bytesPerReader( alone, count );
+   row( "memory, after 5000 changes", running / kibibyte, "KiB a reader" );
+   check( running <= readerMost, "the bound of a reader's memory" );
    for ( auto const & one : readers ) {
       for ( std::size_t slot = 0; slot < slots; ++slot ) {
          one->copies[slot] = one->copy( slot );
       }
    }
-   checkAll( hardware, readers );
-   double const mounted = bytesPerReader( alone, count );
-   row( "memory", mounted / kibibyte, "KiB a reader" );
-   check( mounted <= readerMost, "the bound of a reader's memory" );
 
    // One change at a time, which each reader has before the next one is made.
    constexpr uint32_t single = 1000;
@@ -343,11 +373,10 @@ int main( int argc, char ** argv ) {
    for ( auto const & one : readers ) {
       one->stalled = false;
    }
-   deliver( readers );
-   checkAll( hardware, readers );
+   settle( hardware, readers );
    double const after = bytesPerReader( before, count );
    row( "memory more, once they have read", after / kibibyte, "KiB a reader" );
-   check( after <= 16 * kibibyte, "memory that does not come back" );
+   check( after <= 4 * kibibyte, "memory that does not come back" );
 
    // The most that marks can come to: every byte that a module has, and one reader stalled.
    readers.resize( 1 );
@@ -359,8 +388,8 @@ int main( int argc, char ** argv ) {
          for ( auto const & status : hardware.statuses ) {
             hardware.write( *status, byte, round + static_cast<uint32_t>( byte ) );
          }
+         worst = std::max( worst, live[agent] - quiet );
       }
-      worst = std::max( worst, live[agent] - quiet );
    }
    row( "memory more, every byte written", double( worst ) / kibibyte, "KiB a stalled reader" );
    check( worst <= stalledMost, "the bound of a stalled reader's memory" );

@@ -6,6 +6,7 @@
 #include <Vel/Flow.h>
 #include <Xcvr/XcvrSfpStatus.h>
 
+#include <cstring>
 #include <string>
 
 namespace Bench {
@@ -115,9 +116,11 @@ void modelApply( benchmark::State & state ) {
 void modelBoth( benchmark::State & state ) {
    Sender first( 0 ), second( 1 );
    Vel::FlowIn in;
+   Vel::NboAttrLog log; // kept, as the messages of protobuf are
    measureApply( state, [&]( SfpNewStatus & replica, uint8_t reading ) {
       ( reading ? second : first ).image( [&]( std::string_view piece ) {
-         Vel::NboAttrLog log( piece );
+         log.clear();
+         std::memcpy( log.append( piece.size() ), piece.data(), piece.size() );
          replica.doHandleAttrDeserialization( log, in );
       } );
    } );
