@@ -1,5 +1,5 @@
 // The change stream: writes to attributes that an adaptor watches, their log, and the replicas that it is
-// applied to; a whole status as it travels.
+// applied to; publishing what they hold.
 #include "bench/Bench.h"
 
 #include <Vel/DefineEntity.h>
@@ -318,42 +318,6 @@ void floorApply( benchmark::State & state ) {
    } );
 }
 
-// A whole status, filled as an agent fills it.
-
-Vel::Ptr<Xcvr::SfpNewStatus> filledStatus() {
-   auto const status = Xcvr::sfpNewStatusFactory( "Ethernet1" );
-   for ( uint16_t at = 96; at < 120; ++at ) {
-      status->registerDataIs( { static_cast<uint16_t>( 0xa200 + at ), uint8_t( at ) } );
-   }
-   status->laneStatusIs( Xcvr::LaneId( 0 ) );
-   status->lastPresenceChangeIs( 12.5 );
-   return status;
-}
-
-void imageEncode( benchmark::State & state ) {
-   auto const status = filledStatus();
-   Vel::Ptr<Vel::FlowOut> const flow( new Vel::FlowOut );
-   auto const adaptor = Xcvr::SfpNewStatus::velNboAttrLogSaIs( status, flow );
-   measure( state, [&] {
-      adaptor->imageIs();
-      while ( flow->pending() ) {
-         benchmark::DoNotOptimize( flow->piece().data() );
-      }
-   } );
-}
-
-void imageApply( benchmark::State & state ) {
-   auto const status = filledStatus();
-   Vel::Ptr<Vel::FlowOut> const flow( new Vel::FlowOut );
-   auto const adaptor = Xcvr::SfpNewStatus::velNboAttrLogSaIs( status, flow );
-   Vel::NboAttrLog log( flow->piece() );
-   auto const replica = Xcvr::sfpNewStatusFactory( "Ethernet1" );
-   measure( state, [&] {
-      log.positionIs( 0 );
-      replica->doHandleAttrDeserialization( log );
-   } );
-}
-
 /// Publishing a slice of `count` statuses and withdrawing it, and so a status of it.
 template <std::size_t count>
 void publish( benchmark::State & state ) {
@@ -394,8 +358,6 @@ Figure const figures[] = {
      { { "model", modelWrite }, { "floor", floorWrite } } },
    { "stream/apply-x4096", { 6, {} },
      { { "model", modelApply }, { "floor", floorApply } } },
-   { "stream/status-image", { {}, {} },
-     { { "encode", imageEncode }, { "apply", imageApply } } },
    { "merge/publish-withdraw", { {}, {} },
      { { "64", publish<64> }, { "1", publish<1> }, { "4096", publish<4096> },
        { "100000", publish<100000> } } },

@@ -3,6 +3,7 @@
 #include <Vel/Define.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace Xcvr {
 
@@ -32,16 +33,15 @@ Sff8472Registers::Page & Sff8472Registers::newPage( uint8_t device ) {
    return *pages_.insert( place, Page{ .device = device } );
 }
 
-Sff8472Registers::Entry Sff8472Registers::Iterator::operator*() const {
-   Page const & page = registers_.pages_[at_ / pageSize];
-   auto const key = static_cast<key_type>( page.device * pageSize + at_ % pageSize );
-   return { key, mapped_type( key, page.bytes[at_ % pageSize] ) };
-}
-
-void Sff8472Registers::Iterator::skip() {
-   size_t const end = registers_.pages_.size() * pageSize;
-   while ( at_ < end && !registers_.pages_[at_ / pageSize].held[at_ % pageSize] ) {
-      ++at_;
+void Sff8472Registers::Iterator::search() {
+   for ( size_t const end = registers_.pages_.size() * pageSize; at_ < end;
+         at_ = ( at_ / pageSize + 1 ) * pageSize ) {
+      uint8_t const * const held = registers_.pages_[at_ / pageSize].held.data();
+      size_t const from = at_ % pageSize;
+      if ( void const * const found = std::memchr( held + from, 0xff, pageSize - from ) ) {
+         at_ += static_cast<size_t>( static_cast<uint8_t const *>( found ) - ( held + from ) );
+         return;
+      }
    }
 }
 

@@ -102,7 +102,11 @@ class XCVR_API Sff8472Registers {
          : registers_( registers ), at_( at ) {
          skip();
       }
-      [[nodiscard]] Entry operator*() const;
+      [[nodiscard]] Entry operator*() const {
+         Page const & page = registers_.pages_[at_ / pageSize];
+         auto const key = static_cast<key_type>( page.device * pageSize + at_ % pageSize );
+         return { key, mapped_type( key, page.bytes[at_ % pageSize] ) };
+      }
       Iterator & operator++() {
          ++at_;
          skip();
@@ -111,7 +115,12 @@ class XCVR_API Sff8472Registers {
       friend bool operator==( Iterator const & a, Iterator const & b ) { return a.at_ == b.at_; }
 
     private:
-      void skip();
+      void skip() {
+         if ( at_ % pageSize == 0 || !registers_.pages_[at_ / pageSize].held[at_ % pageSize] ) {
+            search();
+         }
+      }
+      void search();
 
       Sff8472Registers const & registers_;
       size_t at_; // pages one after the other

@@ -4,6 +4,7 @@
 #include <Vel/Entity.h>
 #include <Vel/Flow.h>
 
+#include <optional>
 #include <vector>
 
 /// How an attribute of each kind is copied to a replica, as docs/attribute-log.md lays it out. Included
@@ -20,10 +21,9 @@ struct AttrTravel {
    void ( *write )( Entity const & entity, uint16_t id, NboAttrLog & log );
    /// Takes the body of a record and applies it; throws, with nothing applied, when it is corrupt.
    void ( *apply )( Entity & entity, Internal::LogCursor body, FlowIn & flow );
-   /// Of a collection: whether an entry is there to travel; appends its key and value, if it is; of all.
+   /// Of a collection: whether an entry is there to travel; appends its key and value, if it is.
    bool ( *has )( Entity const & entity, String const & key );
    void ( *writeEntry )( Entity const & entity, String const & key, NboAttrLog & log );
-   void ( *writeAll )( Entity const & entity, NboAttrLog & log );
    /// Of an owned one: the child of that key, or null; a child of a replica, whose key is taken from the
    /// log; the keys of all, also of pointers.
    Entity const * ( *child )( Entity const & entity, String const & key );
@@ -147,11 +147,13 @@ struct Travel {
             log.write( path );
          }
       } else {
-         log.write( key );
          if constexpr ( kind == AttrKind::entries ) {
+            log.write( key );
             log.write( Name( value->velModel().typeName ) );
          } else if constexpr ( valued ) {
-            log.write( value );
+            encode( encode( log.append( encodedSize( key ) + encodedSize( value ) ), key ), value );
+         } else {
+            log.write( key );
          }
       }
    }
@@ -184,9 +186,17 @@ struct Travel {
          }
       }
    }
-   static void writeAll( Entity const & entity, NboAttrLog & log ) {
-      for ( auto const & entry : held( entity ) ) {
-         appendEntry( entity, entry.first, entry.second, log );
+   /// All that an image says of what owns nothing.
+   static void writeWhole( Entity const & entity, uint16_t id, NboAttrLog & log ) {
+      if constexpr ( single ) {
+         write( entity, id, log );
+      } else {
+         std::size_t const begin = beginRecord( log, id );
+         log.write( static_cast<uint8_t>( EntryOp::all ) );
+         for ( auto const & entry : held( entity ) ) {
+            appendEntry( entity, entry.first, entry.second, log );
+         }
+         endRecord( log, begin );
       }
    }
    static Entity const * child( Entity const & entity, String const & keyInBytes ) {
@@ -302,6 +312,9 @@ struct Travel {
    }
    /// Deletes every entry whose key the body does not list.
    static void keepOnly( Entity & entity, LogCursor body ) {
+      if ( listsAll( entity, body ) ) {
+         return;
+      }
       HashMap<String, bool> listed;
       while ( body.spare != 0 ) {
          String const key = keyBytes( body.next<Key>() );
@@ -319,6 +332,34 @@ struct Travel {
       for ( Key const & key : left ) {
          Del{}( self( entity ), key );
       }
+   }
+   /// Whether the body plainly lists every entry there is: in ascending order, so that none is counted
+   /// twice. The image of a replica that has the same keys already needs no table of them.
+   static bool listsAll( Entity const & entity, LogCursor body ) {
+      Held const & map = held( entity );
+      if constexpr ( requires( Key key ) { map.size(), key < key; } ) {
+         std::size_t left = map.size();
+         std::optional<Key> last;
+         while ( left != 0 && body.spare != 0 ) {
+            Key key = body.next<Key>();
+            if ( last && !( *last < key ) ) {
+               return false;
+            }
+            if constexpr ( requires { map.contains( key ); } ) {
+               left -= map.contains( key );
+            } else {
+               left -= map.find( key ) != map.end();
+            }
+            last = std::move( key );
+            if constexpr ( valued ) {
+               if ( left != 0 ) {
+                  static_cast<void>( body.next<EntryValue>() );
+               }
+            }
+         }
+         return left == 0;
+      }
+      return false;
    }
    template <typename K, typename V>
    static void setEntry( Entity & entity, K const & key, V const & value,
@@ -381,7 +422,6 @@ struct Travel {
          ops.apply = applySingle;
       } else {
          ops.apply = applyEntries;
-         ops.writeAll = writeAll;
       }
       if constexpr ( !single || kind == AttrKind::child ) {
          ops.has = has;
@@ -442,6 +482,28 @@ class TypedSa final : public NboAttrLogSa {
    Order order_[T::velAttrEnd] = {};
    typename T::template VelMarks<Marker<typename T::NotifieeConst>> observer_;
 };
+
+/// Sees every row of entity type T, and writes each into an image: in one go, since most of an image is
+/// many small attributes.
+template <typename T>
+struct ImageWriter {
+   template <AttrKind kind, typename Key, typename Type, typename Getter, typename Setter,
+             typename Deleter>
+   [[gnu::always_inline]] void attribute( char const *, Getter, Setter, Deleter ) {
+      if constexpr ( kind != AttrKind::derived && !owning( kind ) ) {
+         Travel<T, kind, Key, Type, Getter, Setter, Deleter>::writeWhole( entity, id, log );
+      }
+      ++id;
+   }
+   Entity const & entity;
+   NboAttrLog & log;
+   uint16_t id = T::velLevel << 8;
+};
+
+template <typename T>
+void writeImage( Entity const & entity, NboAttrLog & log ) {
+   T::velAttributes( ImageWriter<T>{ entity, log } );
+}
 
 template <typename T>
 Ptr<NboAttrLogSa> newAdaptor( Entity const & entity, FlowOut & flow ) {

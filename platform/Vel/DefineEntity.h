@@ -118,7 +118,8 @@ inline constexpr Ptr<Entity> ( *entityFactory<factory> )( Name ) =
                                            Vel::Internal::entityFactory<__VA_ARGS__>,              \
                                            T::velLevel,                                            \
                                            VelBase::velAttrEnd,                                    \
-                                           Vel::Internal::newAdaptor<T> };                         \
+                                           Vel::Internal::newAdaptor<T>,                           \
+                                           Vel::Internal::writeImage<T> };                         \
       return model;                                                                                \
    }                                                                                               \
    static Vel::TypeRegistration const VEL_UNIQUE_( velRegistered )( T::velTypeModel() );

@@ -346,6 +346,14 @@ void NboAttrLogSa::writePath( NboAttrLog & log ) const {
    }
 }
 
+/// The attributes of the base types come first.
+static void writeImage( EntityModel const & model, Entity const & from, NboAttrLog & log ) {
+   if ( model.base ) {
+      writeImage( *model.base, from, log );
+      model.writeImage( from, log );
+   }
+}
+
 void NboAttrLogSa::writeStructure( NboAttrLog & log ) {
    bool const all = std::exchange( structureDue_, false );
    Entity const * const from = entity();
@@ -358,7 +366,7 @@ void NboAttrLogSa::writeStructure( NboAttrLog & log ) {
          continue;
       }
       if ( all ) {
-         writeWhole( *from, at, log );
+         writeChildren( *from, at, log );
       } else {
          writeKeys( *from, at, takeKeys( attribute ), log );
       }
@@ -373,14 +381,12 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
       return;
    }
    if ( all ) {
+      writeImage( model_, *from, log );
       for ( uint16_t attribute = Entity::velAttrEnd; attribute < attributeEnd(); ++attribute ) {
          Row const at = row( attribute );
-         if ( at.info->travel && !at.travel().owned ) {
-            writeWhole( *from, at, log );
-            if ( at.travel().target ) {
-               for ( String const & key : at.travel().keys( *from ) ) {
-                  keepNameless( *from, at, attribute, key );
-               }
+         if ( at.info->travel && !at.travel().owned && at.travel().target ) {
+            for ( String const & key : at.travel().keys( *from ) ) {
+               keepNameless( *from, at, attribute, key );
             }
          }
       }
@@ -403,23 +409,15 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
    order_[0] = {};
 }
 
-void NboAttrLogSa::writeWhole( Entity const & from, Row const & at, NboAttrLog & log ) const {
+void NboAttrLogSa::writeChildren( Entity const & from, Row const & at, NboAttrLog & log ) const {
    using Internal::EntryOp;
    AttrTravel const & travel = at.travel();
-   if ( !travel.keyed ) {
-      travel.write( from, at.id, log );
-      return;
-   }
    std::size_t const begin = Internal::beginRecord( log, at.id );
    bool const childGone = at.info->kind == AttrKind::child && !travel.child( from, String() );
    log.write( static_cast<uint8_t>( childGone ? EntryOp::gone : EntryOp::all ) );
-   if ( !travel.owned ) {
-      travel.writeAll( from, log );
-   } else {
-      for ( String const & key : travel.keys( from ) ) {
-         if ( passes( at, key ) ) {
-            travel.writeEntry( from, key, log );
-         }
+   for ( String const & key : travel.keys( from ) ) {
+      if ( passes( at, key ) ) {
+         travel.writeEntry( from, key, log );
       }
    }
    Internal::endRecord( log, begin );
@@ -639,16 +637,27 @@ FlowIn::~FlowIn() = default;
 
 namespace {
 
-/// The row of an attribute, which another version of the type may lack.
-AttrInfo const * rowOf( EntityModel const & type, uint16_t id ) {
-   EntityModel const * model = &type;
-   uint16_t const level = id >> 8;
-   while ( model->level > level ) {
-      model = model->base;
+/// The rows of a type and its bases. Ids of one level come together.
+class Rows {
+ public:
+   explicit Rows( EntityModel const & type ) : type_( &type ), last_( &type ) {}
+   /// That of an attribute, which another version of the type may lack.
+   [[nodiscard]] AttrInfo const * row( uint16_t id ) {
+      uint16_t const level = id >> 8;
+      if ( last_->level != level ) {
+         last_ = type_;
+         while ( last_->level > level ) {
+            last_ = last_->base;
+         }
+      }
+      std::size_t const index = id & 0xff;
+      return last_->level == level && index < last_->count ? &last_->attributes[index] : nullptr;
    }
-   std::size_t const index = id & 0xff;
-   return model->level == level && index < model->count ? &model->attributes[index] : nullptr;
-}
+
+ private:
+   EntityModel const * type_;
+   EntityModel const * last_;
+};
 
 /// The entity that a path leads to; null where this side has none.
 Entity * entityAt( Entity & replica, Internal::LogCursor body ) {
@@ -657,7 +666,7 @@ Entity * entityAt( Entity & replica, Internal::LogCursor body ) {
       if ( steps == deepest ) {
          return nullptr; // what is deeper has no copy here
       }
-      AttrInfo const * row = rowOf( at->velModel(), body.next<uint16_t>() );
+      AttrInfo const * row = Rows( at->velModel() ).row( body.next<uint16_t>() );
       at = row && row->travel && row->travel->childAt ? row->travel->childAt( *at, body ) : nullptr;
    }
    return at;
@@ -690,19 +699,20 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
    Ptr<Entity> child; // held while records are applied to it
    Entity * subject = &replica;
    made_.clear();
+   Rows rows( replica.velModel() );
    while ( in.spare != 0 ) {
       auto const id = in.next<uint16_t>();
       std::size_t const size = in.next<uint32_t>();
       in.claim( size );
-      Internal::LogCursor const body{ in.begin, in.at, size };
-      in.at += size;
+      uint8_t const * const body = std::exchange( in.at, in.at + size );
       if ( id == pathRecord ) {
-         subject = entityAt( replica, body );
+         subject = entityAt( replica, { in.begin, body, size } );
          child = subject == &replica ? nullptr : Ptr<Entity>( subject );
+         rows = Rows( subject ? subject->velModel() : replica.velModel() );
       } else if ( subject ) {
-         AttrInfo const * row = rowOf( subject->velModel(), id );
+         AttrInfo const * row = rows.row( id );
          if ( row && row->travel ) {
-            row->travel->apply( *subject, body, *this );
+            row->travel->apply( *subject, { in.begin, body, size }, *this );
          }
       }
       log.positionIs( static_cast<std::size_t>( in.at - in.begin ) );

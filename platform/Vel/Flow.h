@@ -187,9 +187,9 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    void writeValues( NboAttrLog & log );
    void writeKeys( Entity const & entity, Row const & row, Keys const & keys,
                    NboAttrLog & log ) const;
-   void writeWhole( Entity const & entity, Row const & row, NboAttrLog & log ) const;
    void keepNameless( Entity const & from, Row const & row, uint16_t attribute,
                       String const & key );
+   void writeChildren( Entity const & entity, Row const & row, NboAttrLog & log ) const;
    [[nodiscard]] Keys takeKeys( uint16_t attribute );
 
    FlowOut & flow_;

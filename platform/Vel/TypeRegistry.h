@@ -11,6 +11,7 @@ namespace Vel {
 
 class Entity;
 class FlowOut;
+class NboAttrLog;
 class NboAttrLogSa;
 struct AttrTravel;
 
@@ -72,6 +73,8 @@ struct EntityModel {
    uint16_t first = 0;                    // number of the first attribute
    /// Makes an adaptor for entities of the type.
    Ptr<NboAttrLogSa> ( *adaptor )( Entity const & entity, FlowOut & flow ) = nullptr;
+   /// Writes what an image says of the type's own attributes, but for children.
+   void ( *writeImage )( Entity const & entity, NboAttrLog & log ) = nullptr;
 
    [[nodiscard]] AttrInfo const * begin() const { return attributes; }
    [[nodiscard]] AttrInfo const * end() const { return attributes + count; }
