@@ -333,6 +333,29 @@ TEST( FlowHostileTest, aCorruptRecordChangesNothingAndWhatCameBeforeStays ) {
    }
 }
 
+TEST( FlowHostileTest, aListOfAllLeavesNoOthersInWhateverOrderItIs ) {
+   std::string const one = " 01 00 00 00 05", two = " 02 00 00 00 06", three = " 03 00 00 00 07";
+   struct {
+      std::string entries;
+      std::vector<uint8_t> left;
+   } const cases[] = {
+      { "", {} },           { one + two, { 1, 2 } },   { two + one, { 1, 2 } },
+      { one + one, { 1 } }, { two + three, { 2, 3 } }, { one + two + three, { 1, 2, 3 } },
+   };
+   for ( auto const & test : cases ) {
+      auto const slot = slotFactory( "slot" );
+      slot->readingIs( 1, 5 );
+      slot->readingIs( 2, 6 );
+      std::size_t const size = 1 + unhex( test.entries ).size();
+      std::string const head = "01 05 00 00 00 " + hex( std::string( 1, char( size ) ) ) + " 02";
+      EXPECT_EQ( applied( std::string( header ) + head + test.entries, *slot ), "applied" );
+      EXPECT_EQ( slot->readingMap().size(), test.left.size() ) << test.entries;
+      for ( uint8_t const key : test.left ) {
+         EXPECT_EQ( slot->reading( key ), 4u + key ) << test.entries;
+      }
+   }
+}
+
 TEST_F( FlowTest, aFreshImageRepairsWhatACorruptLogLeftAndRemovesWhatIsNoMore ) {
    slot->laneIs( LaneNumber( 4 ) );
    slot->peerIs( other );
