@@ -285,7 +285,7 @@ class ManyWritesTest : public XcvrTest::ProcessTest {
    std::string const socket = folder / "socket";
    std::string complaints;
    Statedb::EntityManager tree;
-   SlotSet set{ tree, "L1" };
+   SlotSet set{ tree, "slice/L1" };
    RandomAgent agent{ set };
    Server server{ socket, tree, [this]( std::string const & line ) { complaints += line + '\n'; } };
 };
@@ -315,6 +315,21 @@ TEST_F( ManyWritesTest, readersAgreeWhateverOthersDo ) {
    }
    EXPECT_EQ( complaints, "reader 4 (process " + std::to_string( ::getpid() ) +
                              ") dropped: state database session: a message of 1195725856 bytes\n" );
+}
+
+TEST_F( ManyWritesTest, whoMountsTheSameAgainAndAgainIsDropped ) {
+   Statedb::EntityManager own;
+   Stream greedy( connectTo( socket ), own );
+   for ( unsigned i = 0; i < 1000; ++i ) { // places differ, lest one mount be shared
+      Vel::Ptr<Statedb::MountGroup> const group( new Statedb::MountGroup( "greedy" ) );
+      group->mountIs( new Statedb::Mount( StatusPaths::status( "slice/L1" ), "Vel::Dir", {},
+                                          Statedb::MountMode::read,
+                                          Vel::Name( "place" + std::to_string( i ) ) ) );
+      greedy.session().mountGroupIs( group );
+   }
+   serveUntil( [&] { return !greedy.step( POLLIN | POLLOUT ); } );
+   serveUntil( [&] { return server.readerCount() == 0; } );
+   EXPECT_THAT( complaints, testing::HasSubstr( "too many mounts of one path" ) );
 }
 
 TEST_F( ManyWritesTest, aReaderThatStopsReadingCostsNothing ) {

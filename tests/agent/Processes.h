@@ -43,19 +43,25 @@ class Process {
    Process & operator=( Process const & ) = delete;
    ~Process() { end( SIGKILL ); }
 
-   /// Its exit code, or the number of the signal that ended it below 0.
+   /// Its exit code, or the number of the signal that ended it below 0. One that does not end is a
+   /// failure, and killed.
    int end( int signal = 0 ) {
       if ( pid_ > 0 ) {
          if ( signal != 0 ) {
             ::kill( pid_, signal );
          }
          int status = 0;
-         ::waitpid( pid_, &status, 0 );
+         if ( !eventually( [&] { return ::waitpid( pid_, &status, WNOHANG ) == pid_; } ) ) {
+            ADD_FAILURE() << "process " << pid_ << " does not end";
+            ::kill( pid_, SIGKILL );
+            ::waitpid( pid_, &status, 0 );
+         }
          pid_ = -1;
          code_ = WIFEXITED( status ) ? WEXITSTATUS( status ) : -WTERMSIG( status );
       }
       return code_;
    }
+   void signal( int number ) const { ::kill( pid_, number ); }
 
  private:
    pid_t pid_;
@@ -105,8 +111,8 @@ class ProcessTest : public ::testing::Test {
                                                 << lines;
    }
 
-   std::filesystem::path const folder = std::filesystem::temp_directory_path() /
-                                        ( "xcvr-agent-test-" + std::to_string( ::getpid() ) );
+   /// Not in a folder for temporary files that has a long name: names of sockets are short.
+   std::filesystem::path const folder = "/tmp/xcvr-agent-test-" + std::to_string( ::getpid() );
 };
 
 } // namespace XcvrTest

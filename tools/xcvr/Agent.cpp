@@ -39,24 +39,6 @@ void copy( Xcvr::XcvrNewStatus const & from, Xcvr::XcvrNewStatus & to ) {
 
 } // namespace
 
-SlotSet::SlotSet( Statedb::EntityManager & tree, std::string const & slice ) {
-   Vel::Name const set = slice.empty() ? StatusPaths::fixed : StatusPaths::slice + "/" + slice;
-   Vel::Name const name = Statedb::lastName( set );
-   config_ = Xcvr::allConfigDirFactory( name );
-   agent_ = Xcvr::xcvrSliceStatusFactory( name );
-   statuses_ = Vel::dirFactory( name );
-   config_->readyIs( true );
-   tree.entityIs( StatusPaths::config( set ), config_ );
-   tree.entityIs( StatusPaths::status( set ), statuses_ );
-   tree.entityIs( StatusPaths::agent( set ), agent_ );
-}
-
-void SlotSet::statusIs( Vel::Ptr<Xcvr::XcvrNewStatus> const & status ) {
-   config_->generationIdIs( config_->generationId() + 1 );
-   statuses_->entryIs( status );
-   agent_->generationIdIs( config_->generationId() );
-}
-
 std::optional<FileSlot::Version> FileSlot::version() const {
    struct stat status {};
    if ( ::stat( file_.c_str(), &status ) != 0 ) {
@@ -158,7 +140,8 @@ void runAgent( AgentOptions const & options, Console const & console ) {
    for ( auto const & entity : forAllReaders ) {
       tree.entityIs( "hardware/xcvr/" + entity->name(), entity );
    }
-   SlotSet set( tree, options.slice );
+   SlotSet set( tree, options.slice.empty() ? StatusPaths::fixed
+                                            : StatusPaths::slice + "/" + options.slice );
    std::vector<FileSlot> slots;
    for ( std::string const & option : options.slots ) {
       auto const [name, file] = slotOf( option );

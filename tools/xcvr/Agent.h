@@ -1,9 +1,7 @@
 #pragma once
 
+#include "tools/xcvr/SlotSet.h"
 #include "tools/xcvr/Text.h"
-
-#include <Statedb/EntityManager.h>
-#include <Xcvr/XcvrDirs.h>
 
 #include <functional>
 #include <optional>
@@ -18,20 +16,6 @@ namespace XcvrTool {
 struct Console {
    std::function<void( std::string const & line )> print;
    std::function<void( std::string const & line )> complain;
-};
-
-/// One set of slots in a tree, as readers expect it: those fixed to the system, or a slice's.
-class SlotSet {
- public:
-   SlotSet( Statedb::EntityManager & tree, std::string const & slice );
-   /// Puts in a status, or one in another's place, for readers as a new generation.
-   void statusIs( Vel::Ptr<Xcvr::XcvrNewStatus> const & status );
-   void statusDel( Vel::Name const & slot ) { statuses_->entryDel( slot ); }
-
- private:
-   Vel::Ptr<Xcvr::AllConfigDir> config_;
-   Vel::Ptr<Xcvr::XcvrSliceStatus> agent_;
-   Vel::Ptr<Vel::Dir> statuses_;
 };
 
 /// A slot and the file that is its module.

@@ -16,6 +16,7 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <unistd.h>
 
@@ -130,7 +131,8 @@ CLI::Option & describeConnect( CLI::App & command, Arguments & arguments ) {
                            "Socket of an xcvr agent; any number of times" )
               ->type_name( "SOCKET" )
               ->expected( 1 )
-              ->take_all();
+              ->take_all()
+              ->allow_extra_args( false );
 }
 
 void describeWatch( CLI::App & app, Arguments & arguments ) {
@@ -153,7 +155,8 @@ void describeAgent( CLI::App & app, Arguments & arguments ) {
       ->type_name( "NAME=FILE" )
       ->required()
       ->expected( 1 )
-      ->take_all();
+      ->take_all()
+      ->allow_extra_args( false );
    sub.add_option( "--slice", options.slice, "Serve the slots as those of a slice" )
       ->type_name( "NAME" );
    sub.footer( "Example:\n  xcvr agent --listen /tmp/agent.sock --slot Ethernet1=module.bin" );
@@ -387,6 +390,13 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
       complain( "standard input (-) can be read only once; name it once" );
       return exitUsage;
    }
+   std::set<std::string> sockets;
+   for ( std::string const & socket : arguments.sockets ) {
+      if ( !sockets.insert( socket ).second ) {
+         complain( fmt::format( "--connect {}: name an agent once", shownFileName( socket ) ) );
+         return exitUsage;
+      }
+   }
    if ( arguments.isAgent ) {
       return printAgent( arguments.agent, output );
    }
@@ -406,7 +416,12 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
                                    : mediaTypesText( styleOfOutput() ) );
       return exitDone;
    }
-   return arguments.json ? printJson( arguments, output ) : printText( arguments, output );
+   try {
+      return arguments.json ? printJson( arguments, output ) : printText( arguments, output );
+   } catch ( SocketError const & error ) {
+      complain( error.what() );
+      return exitInput;
+   }
 }
 
 } // namespace

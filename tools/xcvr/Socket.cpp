@@ -86,6 +86,10 @@ Descriptor::~Descriptor() {
    }
 }
 
+void checkSocketName( std::string const & path ) {
+   static_cast<void>( addressOf( path ) );
+}
+
 Descriptor connectTo( std::string const & path ) {
    sockaddr_un const address = addressOf( path );
    Descriptor socket = newSocket( path );
