@@ -74,9 +74,9 @@ class ProcessTest : public ::testing::Test {
    ProcessTest() { std::filesystem::create_directories( folder ); }
    ~ProcessTest() override { std::filesystem::remove_all( folder ); }
 
-   /// Its output goes to the files NAME.out and NAME.err.
-   [[nodiscard]] std::unique_ptr<Process> tool( std::string const & name,
-                                                std::vector<std::string> words ) const {
+   /// Its output goes to the files NAME.out, or to `out`, and NAME.err.
+   [[nodiscard]] std::unique_ptr<Process>
+   tool( std::string const & name, std::vector<std::string> words, int out = -1 ) const {
       return std::make_unique<Process>( [&] {
          std::vector<char *> arguments = { const_cast<char *>( XCVR_TOOL_PATH ) };
          for ( std::string & word : words ) {
@@ -87,6 +87,9 @@ class ProcessTest : public ::testing::Test {
             ::dup2(
                ::open( ( folder / ( name + end ) ).c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0666 ),
                fd );
+         }
+         if ( out >= 0 ) {
+            ::dup2( out, STDOUT_FILENO );
          }
          return ::chdir( folder.c_str() ) == 0 ? ::execv( arguments[0], arguments.data() ) : 1;
       } );

@@ -3,6 +3,7 @@
 #include "tools/xcvr/SlotSet.h"
 #include "tools/xcvr/Text.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -22,8 +23,8 @@ struct Console {
 class FileSlot {
  public:
    FileSlot( std::string name, std::string file ) : name_( name ), file_( std::move( file ) ) {}
-   /// Looks whether the file has changed. A change counts when the next look finds it unchanged since:
-   /// a file that is being written is left alone.
+   /// Looks whether the file has changed. A change counts when the next look finds it unchanged since,
+   /// or later if the image looks cut: a file that is being written is left alone.
    void look( SlotSet & set, Console const & console );
 
  private:
@@ -45,10 +46,11 @@ class FileSlot {
 
    Vel::Name name_;
    std::string file_;
-   bool isLooked_ = false;
    std::optional<Version> seen_; // by the last look
    std::optional<Version> done_; // whose content is in the status, or was refused
-   std::string complaint_;       // what was last said of the file
+   bool isAgain_ = false;        // it was not read after all
+   std::chrono::steady_clock::time_point changedAt_;
+   std::string complaint_; // what was last said of the file
    Vel::Ptr<Xcvr::XcvrNewStatus> status_;
    uint32_t presenceChanges_ = 0;
 };
@@ -62,7 +64,7 @@ struct AgentOptions {
 /// What is wrong with the options; empty for nothing.
 [[nodiscard]] std::string problemOf( AgentOptions const & options );
 
-/// `xcvr agent`: serves the slots until SIGINT or SIGTERM. Throws SocketError.
+/// `xcvr agent`: serves the slots until SIGINT, SIGTERM or SIGHUP. Throws SocketError.
 void runAgent( AgentOptions const & options, Console const & console );
 
 } // namespace XcvrTool
