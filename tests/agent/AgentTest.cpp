@@ -116,8 +116,9 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
    ASSERT_TRUE(
       eventually( [&] { return file( "fixed.out" ).ends_with( again + again + again ); } ) );
    watch->signal( SIGCONT );
-   ASSERT_TRUE(
-      becomes( "watch.out", lines += "Ethernet1: domInfo/0/temperature: 40 °C -> 20 °C\n" ) );
+   ASSERT_TRUE( eventually( [&] { return file( "watch.out" ).ends_with( "-> 20 °C\n" ); } ) );
+   EXPECT_THAT( file( "watch.out" ), testing::StartsWith( lines ) );
+   lines = file( "watch.out" );      // with 60 °C if the agent was about to send 20
    fileIs( "c", module( "C", 20 ) ); // a module comes
    ASSERT_TRUE( becomes( "watch.out", lines += appeared( "Ethernet10", "C" ) ) );
    fileIs( "c", "nonsense" ); // and cannot be read for a while
@@ -178,8 +179,9 @@ TEST_F( AgentTest, aSlotIsServedOnce ) {
    for ( auto const & row : cases ) {
       std::vector<std::string> words = { "agent", "--listen", "s2" };
       words.insert( words.end(), row.words.begin(), row.words.end() );
-      auto const second = tool( "second", words );
-      for ( char const * out : { "first.out", "second.out" } ) {
+      std::string const name = "second" + row.words[1];
+      auto const second = tool( name, words );
+      for ( std::string const & out : { std::string( "first.out" ), name + ".out" } ) {
          ASSERT_TRUE(
             eventually( [&] { return file( out ).find( "inserted" ) != std::string::npos; } ) );
       }
@@ -191,17 +193,18 @@ TEST_F( AgentTest, aSlotIsServedOnce ) {
 }
 
 TEST_F( AgentTest, nobodyWaitsForWhoTakesNoLines ) {
+   std::string const longName( 300, 'E' ); // so that few lines fill a pipe
    int ends[2];
    ASSERT_EQ( ::pipe( ends ), 0 );
    std::vector<std::string> words = { "agent", "--listen", "socket" };
-   for ( unsigned i = 0; i < 1200; ++i ) {
-      words.insert( words.end(), { "--slot", "E" + std::to_string( i ) + "=a" } );
+   for ( unsigned i = 0; i < 240; ++i ) {
+      words.insert( words.end(), { "--slot", longName + std::to_string( i ) + "=a" } );
    }
    fileIs( "a", module( "A", 20 ) );
    auto const agent = tool( "agent", words, ends[1] );
    ASSERT_TRUE( eventually( [&] { return std::filesystem::exists( folder / "socket" ); } ) );
    EXPECT_EQ( tool( "show", { "show", "--connect", "socket" } )->end(), 0 );
-   EXPECT_THAT( file( "show.out" ), testing::HasSubstr( "\n\nE1199\n" ) );
+   EXPECT_THAT( file( "show.out" ), testing::HasSubstr( "\n\n" + longName + "239\n" ) );
    EXPECT_EQ( agent->end( SIGTERM ), 0 );
    ::close( ends[0] );
    ::close( ends[1] );
