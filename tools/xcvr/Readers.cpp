@@ -153,10 +153,14 @@ SlotSet::Statuses Remote::statuses( Vel::Name const & set ) const {
    return all;
 }
 
-bool Remote::isWhole( Vel::Name const & set ) const {
+std::optional<uint32_t> Remote::generation( Vel::Name const & set ) const {
    auto const config = at<Xcvr::AllConfigDir>( StatusPaths::config( set ) );
    auto const agent = at<Xcvr::XcvrSliceStatus>( StatusPaths::agent( set ) );
-   return config && agent && config->ready() && config->generationId() == agent->generationId();
+   if ( config && agent && at<Vel::Dir>( StatusPaths::status( set ) ) && config->ready() &&
+        config->generationId() == agent->generationId() ) {
+      return config->generationId();
+   }
+   return std::nullopt;
 }
 
 bool Remote::isComplete() const {
@@ -165,7 +169,8 @@ bool Remote::isComplete() const {
    };
    return isConnected() && !sets_.empty() && conflict_.empty() &&
           std::ranges::all_of( needed_, isMounted ) &&
-          std::ranges::all_of( sets_, [&]( Vel::Name const & set ) { return isWhole( set ); } );
+          std::ranges::all_of(
+             sets_, [&]( Vel::Name const & set ) { return generation( set ).has_value(); } );
 }
 
 Readers::Readers( std::vector<std::string> const & sockets, Remote::Say const & say )
@@ -218,7 +223,7 @@ bool Readers::turn( int milliseconds ) {
 /// The merged directory has sets of this side, into which go what agents serve once it has been looked
 /// at: those who merge take only statuses, and a slot from one set only.
 void Readers::merge() {
-   std::map<Vel::Name, std::pair<SlotSet::Statuses, bool>> served;
+   std::map<Vel::Name, std::pair<SlotSet::Statuses, std::optional<uint32_t>>> served;
    std::map<Vel::Name, std::string> servers; // of sets and of slots
    for ( auto const & remote : remotes_ ) {
       std::string conflict;
@@ -236,7 +241,7 @@ void Readers::merge() {
             std::erase_if( statuses, [&]( auto const & entry ) {
                return !isFree( entry.first, "give slots other names" );
             } );
-            served[set] = { std::move( statuses ), remote->isWhole( set ) };
+            served[set] = { std::move( statuses ), remote->generation( set ) };
             sets_.try_emplace( set, tree_, set );
          }
       }

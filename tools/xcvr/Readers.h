@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,8 +37,8 @@ class Remote {
    [[nodiscard]] std::vector<Vel::Name> const & sets() const { return sets_; }
    /// Of those that are no statuses, null.
    [[nodiscard]] SlotSet::Statuses statuses( Vel::Name const & set ) const;
-   /// None of a set is behind its configuration.
-   [[nodiscard]] bool isWhole( Vel::Name const & set ) const;
+   /// Of a set, once agent and configuration agree on it: all of it is there then.
+   [[nodiscard]] std::optional<uint32_t> generation( Vel::Name const & set ) const;
    [[nodiscard]] pollfd waitsFor() const;
    void step( short events );
 

@@ -33,21 +33,15 @@ void SlotSet::othersDel( Statuses const & statuses ) {
    }
 }
 
-void SlotSet::statusesAre( Statuses const & statuses, bool isWhole ) {
-   std::vector<Vel::Ptr<Xcvr::XcvrNewStatus>> coming;
-   for ( auto const & [slot, status] : statuses ) {
-      if ( statuses_->entry( slot ).get() != status.get() ) {
-         coming.push_back( status );
+void SlotSet::statusesAre( Statuses const & statuses, std::optional<uint32_t> generation ) {
+   if ( std::exchange( served_, generation ) == generation ) {
+      return; // what has come since belongs to the next one, and may lack its values
+   }
+   begin();
+   if ( generation ) {
+      for ( auto const & [slot, status] : statuses ) {
+         statuses_->entryIs( status );
       }
-   }
-   bool const wasWhole = config_->generationId() == agent_->generationId();
-   if ( !coming.empty() || ( wasWhole && !isWhole ) ) {
-      begin();
-   }
-   for ( auto const & status : coming ) {
-      statuses_->entryIs( status );
-   }
-   if ( isWhole ) {
       end();
    }
 }

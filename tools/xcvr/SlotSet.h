@@ -4,6 +4,7 @@
 #include <Xcvr/XcvrDirs.h>
 
 #include <map>
+#include <optional>
 #include <vector>
 
 namespace XcvrTool {
@@ -19,8 +20,8 @@ class SlotSet {
    void statusDel( Vel::Name const & slot ) { statuses_->entryDel( slot ); }
    /// Takes out the slots that are not listed.
    void othersDel( Statuses const & statuses );
-   /// Puts in what is listed and not there yet. More of it may be on its way: `isWhole` says no.
-   void statusesAre( Statuses const & statuses, bool isWhole );
+   /// Puts in what is listed, once for each generation that is served; none while one is on its way.
+   void statusesAre( Statuses const & statuses, std::optional<uint32_t> generation );
 
  private:
    void begin() { config_->generationIdIs( config_->generationId() + 1 ); }
@@ -29,6 +30,7 @@ class SlotSet {
    Vel::Ptr<Xcvr::AllConfigDir> config_;
    Vel::Ptr<Xcvr::XcvrSliceStatus> agent_;
    Vel::Ptr<Vel::Dir> statuses_;
+   std::optional<uint32_t> served_; // the generation that is in
 };
 
 } // namespace XcvrTool
