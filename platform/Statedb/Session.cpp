@@ -24,7 +24,9 @@ constexpr std::size_t lengthSize = sizeof( uint32_t );
 constexpr std::size_t longestFrame = 64 * 1024 * 1024;
 constexpr std::size_t controlWaits = 64 * 1024;  // beyond it nothing more is read
 constexpr std::size_t controlMost = 1024 * 1024; // what an owner that reads all the same lets grow
-constexpr std::size_t mostMounts = 4096;
+constexpr std::size_t mostMounts = 1024;
+// A mount costs as much as the tree at its path: so often it can be had, with other filters and places.
+constexpr std::ptrdiff_t mostOfOnePath = 8;
 constexpr std::ptrdiff_t deepestPath = 64;
 constexpr std::size_t longestHello = 5;
 constexpr std::size_t longestQuestion = 64 * 1024;       // and whatever else is no log
@@ -76,6 +78,7 @@ class Session::Serving : public Mount::NotifieeConst {
    }
    void onState() override { update( true ); }
    void onTarget() override { update( false ); }
+   [[nodiscard]] bool isOf( Vel::Name const & path ) const { return mount_->name() == path; }
 
    void apply( std::string_view bytes ) {
       Vel::Ptr<Vel::Entity> const target( mount_->target() );
@@ -569,6 +572,11 @@ void Session::takeMount( Vel::NboAttrLog & body ) {
    }
    if ( serving_.size() == mostMounts ) {
       refuse( "too many mounts" );
+   }
+   if ( std::ranges::count_if( serving_, [&]( auto const & entry ) {
+           return entry.second->isOf( path );
+        } ) == mostOfOnePath ) {
+      refuse( "too many mounts of one path" );
    }
    if ( filterBytes_ + bytesOf( filter ) > mostFilterBytes ) {
       refuse( "too many names to filter" );

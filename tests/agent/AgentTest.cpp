@@ -91,7 +91,7 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
                                                  "Ethernet1=a", "--slot",   "Ethernet10=c" };
    std::vector<std::string> const sliceWords = { "agent",         "--listen", "slice", "--slot",
                                                  "Ethernet2/1=b", "--slice",  "L1" };
-   auto const fixed = tool( "fixed", fixedWords );
+   auto fixed = tool( "fixed", fixedWords );
    auto slice = tool( "slice", sliceWords );
    std::string const greeting = "serving 1 slot on slice\n";
    ASSERT_TRUE(
@@ -108,6 +108,17 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
    fileIs( "a", module( "A", 40 ) ); // what is measured
    ASSERT_TRUE(
       becomes( "watch.out", lines += "Ethernet1: domInfo/0/temperature: 20 °C -> 40 °C\n" ) );
+   watch->signal( SIGSTOP ); // a reader that sleeps, and finds how things are now
+   fileIs( "a", module( "A", 60 ) );
+   std::string const again = "Ethernet1: read again: Unknown, NORTHLIGHT NL-1, serial number A\n";
+   ASSERT_TRUE( eventually( [&] { return file( "fixed.out" ).ends_with( again + again ); } ) );
+   fileIs( "a", module( "A", 20 ) );
+   ASSERT_TRUE(
+      eventually( [&] { return file( "fixed.out" ).ends_with( again + again + again ); } ) );
+   watch->signal( SIGCONT );
+   ASSERT_TRUE( eventually( [&] { return file( "watch.out" ).ends_with( "-> 20 °C\n" ); } ) );
+   EXPECT_THAT( file( "watch.out" ), testing::StartsWith( lines ) );
+   lines = file( "watch.out" );      // with 60 °C if the agent was about to send 20
    fileIs( "c", module( "C", 20 ) ); // a module comes
    ASSERT_TRUE( becomes( "watch.out", lines += appeared( "Ethernet10", "C" ) ) );
    fileIs( "c", "nonsense" ); // and cannot be read for a while
@@ -137,6 +148,10 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
    EXPECT_THAT( file( "show.out" ),
                 testing::ContainsRegex( "^Ethernet2/1\n   [^$]*\n\nEthernet10\n   " ) );
 
+   EXPECT_EQ( fixed->end( SIGKILL ), -SIGKILL );
+   ASSERT_TRUE( becomes( "watch.out", lines += "Ethernet10: withdrawn\n" ) );
+   fixed = tool( "fixed", fixedWords );
+   ASSERT_TRUE( becomes( "watch.out", lines += appeared( "Ethernet10", "C2" ) ) );
    EXPECT_EQ( fixed->end( SIGTERM ), 0 );
    EXPECT_FALSE( std::filesystem::exists( folder / "fixed" ) );
    ASSERT_TRUE( becomes( "watch.out", lines += "Ethernet10: withdrawn\n" ) );
@@ -144,6 +159,55 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
    EXPECT_THAT( file( "show.out" ), testing::ContainsRegex( "^Ethernet2/1\n   " ) );
    EXPECT_EQ( file( "show.err" ), "xcvr: fixed: no agent can be reached (No such file or "
                                   "directory); start one with xcvr agent --listen\n" );
+}
+
+TEST_F( AgentTest, aSlotIsServedOnce ) {
+   fileIs( "a", module( "A", 20 ) );
+   fileIs( "b", module( "B", 20 ) );
+   struct {
+      std::vector<std::string> words; // of the second agent
+      char const * complaint;
+   } const cases[] = {
+      { { "--slice", "L2", "--slot", "E1=b" },
+        "xcvr: s2: E1 is served by s1 as well; give slots other names\n" },
+      { { "--slice", "L1", "--slot", "E2=b" },
+        "xcvr: s2: hardware/xcvr/status/slice/L1 is served by s1 as well; give agents of different "
+        "slices\n" },
+   };
+   auto const first =
+      tool( "first", { "agent", "--listen", "s1", "--slice", "L1", "--slot", "E1=a" } );
+   for ( auto const & row : cases ) {
+      std::vector<std::string> words = { "agent", "--listen", "s2" };
+      words.insert( words.end(), row.words.begin(), row.words.end() );
+      std::string const name = "second" + row.words[1];
+      auto const second = tool( name, words );
+      for ( std::string const & out : { std::string( "first.out" ), name + ".out" } ) {
+         ASSERT_TRUE(
+            eventually( [&] { return file( out ).find( "inserted" ) != std::string::npos; } ) );
+      }
+      EXPECT_EQ( tool( "show", { "show", "--connect", "s1", "--connect", "s2" } )->end(), 3 );
+      EXPECT_THAT( file( "show.out" ), testing::HasSubstr( "serial number  : A\n" ) );
+      EXPECT_EQ( file( "show.err" ), row.complaint );
+      EXPECT_EQ( second->end( SIGTERM ), 0 );
+   }
+}
+
+TEST_F( AgentTest, nobodyWaitsForWhoTakesNoLines ) {
+   std::string const longName( 300, 'E' ); // so that few lines fill a pipe
+   int ends[2];
+   ASSERT_EQ( ::pipe( ends ), 0 );
+   std::vector<std::string> words = { "agent", "--listen", "socket" };
+   for ( unsigned i = 0; i < 240; ++i ) {
+      words.insert( words.end(), { "--slot", longName + std::to_string( i ) + "=a" } );
+   }
+   fileIs( "a", module( "A", 20 ) );
+   auto const agent = tool( "agent", words, ends[1] );
+   ASSERT_TRUE( eventually( [&] { return std::filesystem::exists( folder / "socket" ); } ) );
+   EXPECT_EQ( tool( "show", { "show", "--connect", "socket" } )->end(), 0 );
+   EXPECT_THAT( file( "show.out" ), testing::HasSubstr( "\n\n" + longName + "239\n" ) );
+   EXPECT_EQ( agent->end( SIGTERM ), 0 );
+   ::close( ends[0] );
+   ::close( ends[1] );
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -285,7 +349,7 @@ class ManyWritesTest : public XcvrTest::ProcessTest {
    std::string const socket = folder / "socket";
    std::string complaints;
    Statedb::EntityManager tree;
-   SlotSet set{ tree, "L1" };
+   SlotSet set{ tree, "slice/L1" };
    RandomAgent agent{ set };
    Server server{ socket, tree, [this]( std::string const & line ) { complaints += line + '\n'; } };
 };
@@ -315,6 +379,30 @@ TEST_F( ManyWritesTest, readersAgreeWhateverOthersDo ) {
    }
    EXPECT_EQ( complaints, "reader 4 (process " + std::to_string( ::getpid() ) +
                              ") dropped: state database session: a message of 1195725856 bytes\n" );
+}
+
+TEST_F( ManyWritesTest, whatIsNoStatusIsNotMerged ) {
+   tree.entityIs( StatusPaths::status( "slice/L1" ) + "/x", Xcvr::allConfigDirFactory( "x" ) );
+   auto const show = tool( "show", { "show", "--connect", "socket" } );
+   serveUntil( [&] { return !file( "show.err" ).empty(); } );
+   EXPECT_EQ( show->end(), 3 );
+   EXPECT_EQ( file( "show.err" ), "xcvr: socket: what it serves as x is no transceiver's status; "
+                                  "give the socket of an xcvr agent\n" );
+}
+
+TEST_F( ManyWritesTest, whoMountsTheSameAgainAndAgainIsDropped ) {
+   Statedb::EntityManager own;
+   Stream greedy( connectTo( socket ), own );
+   for ( unsigned i = 0; i < 1000; ++i ) { // places differ, lest one mount be shared
+      Vel::Ptr<Statedb::MountGroup> const group( new Statedb::MountGroup( "greedy" ) );
+      group->mountIs( new Statedb::Mount( StatusPaths::status( "slice/L1" ), "Vel::Dir", {},
+                                          Statedb::MountMode::read,
+                                          Vel::Name( "place" + std::to_string( i ) ) ) );
+      greedy.session().mountGroupIs( group );
+   }
+   serveUntil( [&] { return !greedy.step( POLLIN | POLLOUT ); } );
+   serveUntil( [&] { return server.readerCount() == 0; } );
+   EXPECT_THAT( complaints, testing::HasSubstr( "too many mounts of one path" ) );
 }
 
 TEST_F( ManyWritesTest, aReaderThatStopsReadingCostsNothing ) {

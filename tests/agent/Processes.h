@@ -43,19 +43,25 @@ class Process {
    Process & operator=( Process const & ) = delete;
    ~Process() { end( SIGKILL ); }
 
-   /// Its exit code, or the number of the signal that ended it below 0.
+   /// Its exit code, or the number of the signal that ended it below 0. One that does not end is a
+   /// failure, and killed.
    int end( int signal = 0 ) {
       if ( pid_ > 0 ) {
          if ( signal != 0 ) {
             ::kill( pid_, signal );
          }
          int status = 0;
-         ::waitpid( pid_, &status, 0 );
+         if ( !eventually( [&] { return ::waitpid( pid_, &status, WNOHANG ) == pid_; } ) ) {
+            ADD_FAILURE() << "process " << pid_ << " does not end";
+            ::kill( pid_, SIGKILL );
+            ::waitpid( pid_, &status, 0 );
+         }
          pid_ = -1;
          code_ = WIFEXITED( status ) ? WEXITSTATUS( status ) : -WTERMSIG( status );
       }
       return code_;
    }
+   void signal( int number ) const { ::kill( pid_, number ); }
 
  private:
    pid_t pid_;
@@ -68,9 +74,9 @@ class ProcessTest : public ::testing::Test {
    ProcessTest() { std::filesystem::create_directories( folder ); }
    ~ProcessTest() override { std::filesystem::remove_all( folder ); }
 
-   /// Its output goes to the files NAME.out and NAME.err.
-   [[nodiscard]] std::unique_ptr<Process> tool( std::string const & name,
-                                                std::vector<std::string> words ) const {
+   /// Its output goes to the files NAME.out, or to `out`, and NAME.err.
+   [[nodiscard]] std::unique_ptr<Process>
+   tool( std::string const & name, std::vector<std::string> words, int out = -1 ) const {
       return std::make_unique<Process>( [&] {
          std::vector<char *> arguments = { const_cast<char *>( XCVR_TOOL_PATH ) };
          for ( std::string & word : words ) {
@@ -81,6 +87,9 @@ class ProcessTest : public ::testing::Test {
             ::dup2(
                ::open( ( folder / ( name + end ) ).c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0666 ),
                fd );
+         }
+         if ( out >= 0 ) {
+            ::dup2( out, STDOUT_FILENO );
          }
          return ::chdir( folder.c_str() ) == 0 ? ::execv( arguments[0], arguments.data() ) : 1;
       } );
@@ -105,8 +114,8 @@ class ProcessTest : public ::testing::Test {
                                                 << lines;
    }
 
-   std::filesystem::path const folder = std::filesystem::temp_directory_path() /
-                                        ( "xcvr-agent-test-" + std::to_string( ::getpid() ) );
+   /// Not in a folder for temporary files that has a long name: names of sockets are short.
+   std::filesystem::path const folder = "/tmp/xcvr-agent-test-" + std::to_string( ::getpid() );
 };
 
 } // namespace XcvrTest

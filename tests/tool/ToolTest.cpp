@@ -46,6 +46,11 @@ TEST_F( ToolTest, Usage ) {
       // Names that a reader of arguments, or a terminal, could make something else of.
       { "show '[a,b]' '[a]'", 3, "^\\./\\[a,b]\n.*xcvr10GBaseSr",
         "xcvr: \\./\\[a]: cannot be opened" },
+      { "show --connect '[a,b]'", 3, "^$", "xcvr: \\[a,b]: no agent can be reached" },
+      { "agent --listen s --slot '[a]=b' '[c]=d'", 2, "^$", "\\[c]=d" },
+      { "watch --connect a b", 2, "^$", "b" },
+      { "watch --connect a --connect a", 2, "^$", "name an agent once" },
+      { "watch --connect ''", 3, "^$", "cannot be a socket's name" },
       { "show ''", 3, "^$", "xcvr: \"\": cannot be opened" },
       { "show \"$( printf 'e\\033[2J' )\" sr", 3, "^sr", "xcvr: e\\?\\[2J: cannot be opened" },
       { "show sr \"$( printf '\\303\\251\\033' )\"", 0, "\n\xc3\xa9\\?\n", "^$" },

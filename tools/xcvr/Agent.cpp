@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <fmt/format.h>
 #include <set>
 #include <sys/signalfd.h>
@@ -21,6 +22,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds lookEvery( 200 );
+constexpr std::chrono::milliseconds mayGrow( 2000 ); // a file that looks cut
+
+/// Whether these are of one module. Its revision and date may have been read wrongly, or be mended.
+bool isSameModule( Xcvr::VendorInfo const & a, Xcvr::VendorInfo const & b ) {
+   return a.vendorName() == b.vendorName() && a.vendorPn() == b.vendorPn() &&
+          a.vendorSn() == b.vendorSn();
+}
 
 std::pair<std::string, std::string> slotOf( std::string const & option ) {
    std::size_t const end = std::min( option.find( '=' ), option.size() );
@@ -39,42 +47,24 @@ void copy( Xcvr::XcvrNewStatus const & from, Xcvr::XcvrNewStatus & to ) {
 
 } // namespace
 
-SlotSet::SlotSet( Statedb::EntityManager & tree, std::string const & slice ) {
-   Vel::Name const set = slice.empty() ? StatusPaths::fixed : StatusPaths::slice + "/" + slice;
-   Vel::Name const name = Statedb::lastName( set );
-   config_ = Xcvr::allConfigDirFactory( name );
-   agent_ = Xcvr::xcvrSliceStatusFactory( name );
-   statuses_ = Vel::dirFactory( name );
-   config_->readyIs( true );
-   tree.entityIs( StatusPaths::config( set ), config_ );
-   tree.entityIs( StatusPaths::status( set ), statuses_ );
-   tree.entityIs( StatusPaths::agent( set ), agent_ );
-}
-
-void SlotSet::statusIs( Vel::Ptr<Xcvr::XcvrNewStatus> const & status ) {
-   config_->generationIdIs( config_->generationId() + 1 );
-   statuses_->entryIs( status );
-   agent_->generationIdIs( config_->generationId() );
-}
-
 std::optional<FileSlot::Version> FileSlot::version() const {
    struct stat status {};
    if ( ::stat( file_.c_str(), &status ) != 0 ) {
       // What cannot be seen for another reason is complained of when it is read.
       return errno == ENOENT || errno == ENOTDIR ? std::optional<Version>() : Version{};
    }
-   return Version{ status.st_dev, status.st_ino, status.st_size, status.st_mtim };
+   return Version{ status.st_dev, status.st_ino, status.st_size, status.st_ctim };
 }
 
 void FileSlot::look( SlotSet & set, Console const & console ) {
    std::optional<Version> const now = version();
-   bool const isSettled = !std::exchange( isLooked_, true ) || now == seen_;
-   seen_ = now;
-   if ( !isSettled || now == done_ ) {
-      return;
+   if ( now != std::exchange( seen_, now ) ) {
+      changedAt_ = Clock::now();
+   } else if ( now != done_ || isAgain_ ) {
+      done_ = now;
+      isAgain_ = false;
+      now ? read( set, console ) : remove( set, console );
    }
-   done_ = now;
-   now ? read( set, console ) : remove( set, console );
 }
 
 void FileSlot::read( SlotSet & set, Console const & console ) {
@@ -85,11 +75,20 @@ void FileSlot::read( SlotSet & set, Console const & console ) {
    };
    struct stat status {};
    if ( ::stat( file_.c_str(), &status ) == 0 && !S_ISREG( status.st_mode ) ) {
-      complain( shownFileName( file_ ) + ": is no regular file; give one with a module's image" );
+      complain( shownFileName( file_ ) +
+                ": is no regular file; give one with a module's image; the "
+                "slot stays as it was" );
       return;
    }
    try {
-      auto const module = moduleOf( readImage( file_, anyFamily ) );
+      isAgain_ = true; // what stands in the way of reading may go without a change of the file
+      std::string const content = readContent( file_ );
+      isAgain_ = false;
+      auto const module = moduleOf( parseImage( file_, content, anyFamily ) );
+      if ( !module->image().warnings.empty() && Clock::now() < changedAt_ + mayGrow ) {
+         isAgain_ = true;
+         return;
+      }
       write( set, module->status(), console );
       std::string warnings;
       for ( std::string const & warning : module->image().warnings ) {
@@ -104,9 +103,12 @@ void FileSlot::read( SlotSet & set, Console const & console ) {
 void FileSlot::write( SlotSet & set, Xcvr::XcvrNewStatus const & read, Console const & console ) {
    std::string_view const type = read.velModel().typeName;
    bool const isNew = !status_ || status_->velModel().typeName != type ||
-                      !( status_->vendorInfo() == read.vendorInfo() ); // another module
+                      !isSameModule( status_->vendorInfo(), read.vendorInfo() );
    if ( isNew ) {
-      presenceChanges_ += status_ ? 1 : 0; // that the one before went
+      if ( status_ ) { // the one before goes, for readers as the other comes
+         ++presenceChanges_;
+         console.print( fmt::format( "{}: removed", shownFileName( name_.view() ) ) );
+      }
       status_ = Vel::dynamicPtr<Xcvr::XcvrNewStatus>( Vel::TypeRegistry::newEntity( type, name_ ) );
       ++presenceChanges_;
    }
@@ -149,8 +151,13 @@ void runAgent( AgentOptions const & options, Console const & console ) {
    ::sigemptyset( &signals );
    ::sigaddset( &signals, SIGINT );
    ::sigaddset( &signals, SIGTERM );
+   ::sigaddset( &signals, SIGHUP );
    ::sigprocmask( SIG_BLOCK, &signals, nullptr );
    Descriptor const ended( ::signalfd( -1, &signals, SFD_CLOEXEC | SFD_NONBLOCK ) );
+   if ( ended.fd() < 0 ) {
+      throw SocketError( fmt::format( "signals cannot be waited for ({}); close other programs",
+                                      std::strerror( errno ) ) );
+   }
 
    Statedb::EntityManager tree;
    Vel::Ptr<Vel::Entity> const forAllReaders[] = { Xcvr::modelToAttenuationFactory( "attenuation" ),
@@ -158,7 +165,8 @@ void runAgent( AgentOptions const & options, Console const & console ) {
    for ( auto const & entity : forAllReaders ) {
       tree.entityIs( "hardware/xcvr/" + entity->name(), entity );
    }
-   SlotSet set( tree, options.slice );
+   SlotSet set( tree, options.slice.empty() ? StatusPaths::fixed
+                                            : StatusPaths::slice + "/" + options.slice );
    std::vector<FileSlot> slots;
    for ( std::string const & option : options.slots ) {
       auto const [name, file] = slotOf( option );
@@ -167,6 +175,12 @@ void runAgent( AgentOptions const & options, Console const & console ) {
    Server server( options.socket, tree, console.complain );
    console.print( fmt::format( "serving {} slot{} on {}", slots.size(),
                                slots.size() == 1 ? "" : "s", shownFileName( options.socket ) ) );
+   // Readers that come meanwhile wait for the second look, which inserts what is there.
+   for ( FileSlot & slot : slots ) {
+      slot.look( set, console );
+   }
+   std::vector<pollfd> what = { { .fd = ended.fd(), .events = POLLIN, .revents = 0 } };
+   waitFor( what, static_cast<int>( lookEvery.count() ) );
    Clock::time_point nextLook;
    for ( signalfd_siginfo signal; ::read( ended.fd(), &signal, sizeof signal ) < 0; ) {
       if ( Clock::now() >= nextLook ) {

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "tools/xcvr/SlotSet.h"
 #include "tools/xcvr/Text.h"
 
-#include <Statedb/EntityManager.h>
-#include <Xcvr/XcvrDirs.h>
-
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -20,26 +19,12 @@ struct Console {
    std::function<void( std::string const & line )> complain;
 };
 
-/// One set of slots in a tree, as readers expect it: those fixed to the system, or a slice's.
-class SlotSet {
- public:
-   SlotSet( Statedb::EntityManager & tree, std::string const & slice );
-   /// Puts in a status, or one in another's place, for readers as a new generation.
-   void statusIs( Vel::Ptr<Xcvr::XcvrNewStatus> const & status );
-   void statusDel( Vel::Name const & slot ) { statuses_->entryDel( slot ); }
-
- private:
-   Vel::Ptr<Xcvr::AllConfigDir> config_;
-   Vel::Ptr<Xcvr::XcvrSliceStatus> agent_;
-   Vel::Ptr<Vel::Dir> statuses_;
-};
-
 /// A slot and the file that is its module.
 class FileSlot {
  public:
    FileSlot( std::string name, std::string file ) : name_( name ), file_( std::move( file ) ) {}
-   /// Looks whether the file has changed. A change counts when the next look finds it unchanged since:
-   /// a file that is being written is left alone.
+   /// Looks whether the file has changed. A change counts when the next look finds it unchanged since,
+   /// or later if the image looks cut: a file that is being written is left alone.
    void look( SlotSet & set, Console const & console );
 
  private:
@@ -61,10 +46,11 @@ class FileSlot {
 
    Vel::Name name_;
    std::string file_;
-   bool isLooked_ = false;
    std::optional<Version> seen_; // by the last look
    std::optional<Version> done_; // whose content is in the status, or was refused
-   std::string complaint_;       // what was last said of the file
+   bool isAgain_ = false;        // it was not read after all
+   std::chrono::steady_clock::time_point changedAt_;
+   std::string complaint_; // what was last said of the file
    Vel::Ptr<Xcvr::XcvrNewStatus> status_;
    uint32_t presenceChanges_ = 0;
 };
@@ -78,7 +64,7 @@ struct AgentOptions {
 /// What is wrong with the options; empty for nothing.
 [[nodiscard]] std::string problemOf( AgentOptions const & options );
 
-/// `xcvr agent`: serves the slots until SIGINT or SIGTERM. Throws SocketError.
+/// `xcvr agent`: serves the slots until SIGINT, SIGTERM or SIGHUP. Throws SocketError.
 void runAgent( AgentOptions const & options, Console const & console );
 
 } // namespace XcvrTool

@@ -13,9 +13,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <fstream>
 #include <memory>
+#include <poll.h>
+#include <set>
 #include <sstream>
 #include <unistd.h>
 
@@ -130,7 +133,8 @@ CLI::Option & describeConnect( CLI::App & command, Arguments & arguments ) {
                            "Socket of an xcvr agent; any number of times" )
               ->type_name( "SOCKET" )
               ->expected( 1 )
-              ->take_all();
+              ->take_all()
+              ->allow_extra_args( false );
 }
 
 void describeWatch( CLI::App & app, Arguments & arguments ) {
@@ -153,7 +157,8 @@ void describeAgent( CLI::App & app, Arguments & arguments ) {
       ->type_name( "NAME=FILE" )
       ->required()
       ->expected( 1 )
-      ->take_all();
+      ->take_all()
+      ->allow_extra_args( false );
    sub.add_option( "--slice", options.slice, "Serve the slots as those of a slice" )
       ->type_name( "NAME" );
    sub.footer( "Example:\n  xcvr agent --listen /tmp/agent.sock --slot Ethernet1=module.bin" );
@@ -342,12 +347,31 @@ ExitCode runLong( Output & output, Run run ) {
    return exitDone;
 }
 
+/// A line that nobody takes is lost, and told when lines are taken again: readers are served meanwhile.
+template <typename Write>
+auto unlessBlocked( int fd, Write write ) {
+   return [fd, write, lost = 0u]( std::string const & line ) mutable {
+      pollfd to = { .fd = fd, .events = POLLOUT, .revents = 0 };
+      if ( ::poll( &to, 1, 0 ) == 0 ) {
+         ++lost;
+         return;
+      }
+      unsigned const before = std::exchange( lost, 0 );
+      write( before ? fmt::format( "(lines lost, as nobody took them: {})\n{}", before, line )
+                    : line );
+   };
+}
+
 ExitCode printAgent( AgentOptions const & options, Output & output ) {
    if ( std::string const problem = problemOf( options ); !problem.empty() ) {
       complain( shownFileName( problem ) + "; see xcvr agent --help" );
       return exitUsage;
    }
-   return runLong( output, [&]( Console const & console ) { runAgent( options, console ); } );
+   std::signal( SIGPIPE, SIG_IGN ); // the socket is removed at the end
+   return runLong( output, [&]( Console const & console ) {
+      runAgent( options, { unlessBlocked( STDOUT_FILENO, console.print ),
+                           unlessBlocked( STDERR_FILENO, console.complain ) } );
+   } );
 }
 
 /// What CLI11 says about wrong arguments, or about --help and --version.
@@ -363,13 +387,23 @@ ExitCode sayUsage( CLI::App const & app, CLI::ParseError const & error, Output &
    return exitUsage;
 }
 
-/// The arguments, the last one first, as CLI11 takes them. It would unpack "[a,b]" into its parts;
-/// the file of that name is meant.
-std::vector<std::string> wordsOf( int argc, char const * const * argv ) {
+/// Whether the next word is the value of this one.
+bool takesValue( CLI::App const & app, std::string const & word ) {
+   auto const all = app.get_subcommands( []( CLI::App const * ) { return true; } );
+   return std::ranges::any_of( all, [&]( CLI::App const * command ) {
+      CLI::Option const * const option = command->get_option_no_throw( word );
+      return word.starts_with( '-' ) && option && option->get_items_expected_min() > 0;
+   } );
+}
+
+/// The arguments, the last one first, as CLI11 takes them. Of several files it would unpack "[a,b]" into
+/// its parts; the file of that name is meant.
+std::vector<std::string> wordsOf( CLI::App const & app, int argc, char const * const * argv ) {
    std::vector<std::string> words;
    for ( int i = argc - 1; i > 0; --i ) {
       std::string const word = argv[i];
-      words.push_back( word.starts_with( '[' ) ? "./" + word : word );
+      bool const isFile = word.starts_with( '[' ) && !takesValue( app, argv[i - 1] );
+      words.push_back( isFile ? "./" + word : word );
    }
    return words;
 }
@@ -379,13 +413,20 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
    Arguments arguments;
    describeArguments( app, arguments );
    try {
-      app.parse( wordsOf( argc, argv ) );
+      app.parse( wordsOf( app, argc, argv ) );
    } catch ( CLI::ParseError const & error ) {
       return sayUsage( app, error, output );
    }
    if ( std::ranges::count( arguments.files, "-" ) > 1 ) {
       complain( "standard input (-) can be read only once; name it once" );
       return exitUsage;
+   }
+   std::set<std::string> sockets;
+   for ( std::string const & socket : arguments.sockets ) {
+      if ( !sockets.insert( socket ).second ) {
+         complain( fmt::format( "--connect {}: name an agent once", shownFileName( socket ) ) );
+         return exitUsage;
+      }
    }
    if ( arguments.isAgent ) {
       return printAgent( arguments.agent, output );
@@ -406,12 +447,27 @@ ExitCode runCommand( int argc, char const * const * argv, Output & output ) {
                                    : mediaTypesText( styleOfOutput() ) );
       return exitDone;
    }
-   return arguments.json ? printJson( arguments, output ) : printText( arguments, output );
+   try {
+      return arguments.json ? printJson( arguments, output ) : printText( arguments, output );
+   } catch ( SocketError const & error ) {
+      complain( error.what() );
+      return exitInput;
+   }
+}
+
+/// What is opened must not pass for a standard stream that was closed. Using one of those still fails.
+void openClosedStreams() {
+   for ( int const fd : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO } ) {
+      if ( ::fcntl( fd, F_GETFD ) < 0 ) {
+         ::open( "/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY ); // it gets that number
+      }
+   }
 }
 
 } // namespace
 
 int run( int argc, char const * const * argv ) {
+   openClosedStreams();
    // A reader that has seen enough (head, less) ends the program quietly, whatever it inherited.
    std::signal( SIGPIPE, SIG_DFL );
    Output output;

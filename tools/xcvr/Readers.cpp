@@ -17,13 +17,7 @@ using Clock = std::chrono::steady_clock;
 using Statedb::Mount;
 using Statedb::MountState;
 
-constexpr std::chrono::milliseconds retryAfter( 300 );
-
-/// What is there, if it is of that type.
-template <typename T>
-Vel::Ptr<T> at( Statedb::EntityManager const & tree, Vel::Name const & path ) {
-   return Vel::dynamicPtr<T>( tree.entity( path ) );
-}
+constexpr std::chrono::milliseconds longestPause( 10000 ); // of retries
 
 } // namespace
 
@@ -38,23 +32,25 @@ void Remote::connect() {
    try {
       stream_ = std::make_unique<Stream>( connectTo( socket_ ), tree_ );
    } catch ( SocketError const & error ) {
-      return fail( said_.empty() ? error.what() : said_ ); // the cause has been told
+      // Of one that was reached before, the cause has been told.
+      return fail( said_ == Problem::none ? Problem::unreachable : said_, error.what() );
    }
    mounts_ = new Statedb::MountGroup( "agent" );
-   mounts_->mountIs(
-      new Mount( StatusPaths::agents, "Vel::Dir", {}, Statedb::MountMode::read, place_ ) );
+   mounts_->mountIs( new Mount( StatusPaths::agents, "Vel::Dir", {}, Statedb::MountMode::read,
+                                place_ + "/served" ) );
    needed_ = { StatusPaths::agents };
    stream_->session().mountGroupIs( mounts_ );
 }
 
-void Remote::fail( std::string const & problem ) {
+void Remote::fail( Problem kind, std::string const & text ) {
    hasFailed_ = true;
    stream_ = nullptr; // and with it all that it had mounted
    sets_.clear();
    needed_.clear();
-   retryAt_ = Clock::now() + retryAfter;
-   if ( problem != std::exchange( said_, problem ) ) {
-      say_( problem );
+   retryAt_ = Clock::now() + pause_;
+   pause_ = kind == Problem::stranger ? std::min( 2 * pause_, longestPause ) : firstPause;
+   if ( kind != std::exchange( said_, kind ) ) {
+      say_( text );
    }
 }
 
@@ -69,29 +65,59 @@ void Remote::step( short events ) {
    std::string const name = shownFileName( socket_ );
    try {
       if ( !stream_->step( events ) ) {
-         return fail( name + ": the agent has gone; start it again" );
+         return fail( Problem::gone, name + ": the agent has gone; start it again" );
       }
    } catch ( Statedb::ProtocolException const & problem ) {
-      return fail( fmt::format( "{}: no agent of this kind ({}); give the socket of an xcvr agent",
+      return fail( Problem::stranger,
+                   fmt::format( "{}: no agent of this kind ({}); give the socket of an xcvr agent",
                                 name, problem.what() ) );
    }
    mountSets();
-   for ( Vel::Name const & path : needed_ ) {
-      MountState const state = mounts_->mount( path )->state();
-      if ( state != MountState::mounted && state != MountState::waiting ) {
-         return fail( fmt::format( "{}: {} cannot be mounted ({}); give agents of different slices",
-                                   name, shownFileName( path.view() ),
-                                   stringValue( state ).view() ) );
-      }
+   if ( std::string const wrong = problem(); !wrong.empty() ) {
+      return fail( Problem::stranger,
+                   fmt::format( "{}: {}; give the socket of an xcvr agent", name, wrong ) );
    }
    if ( isComplete() ) {
       hasFailed_ = false;
-      said_.clear();
+      said_ = Problem::none;
+      pause_ = firstPause;
    }
 }
 
+/// What an agent of this kind would not serve. Its word is all that there is.
+std::string Remote::problem() const {
+   for ( Vel::Name const & path : needed_ ) {
+      MountState const state = mounts_->mount( path )->state();
+      if ( state != MountState::mounted && state != MountState::waiting ) {
+         return fmt::format( "{} cannot be mounted ({})", shownFileName( path.view() ),
+                             stringValue( state ).view() );
+      }
+   }
+   for ( Vel::Name const & set : sets_ ) {
+      for ( auto const & [slot, status] : statuses( set ) ) {
+         if ( !status ) {
+            return fmt::format( "what it serves as {} is no transceiver's status",
+                                shownFileName( slot.view() ) );
+         }
+      }
+   }
+   return "";
+}
+
+void Remote::conflictIs( std::string const & conflict ) {
+   if ( conflict != std::exchange( conflict_, conflict ) && !conflict.empty() ) {
+      say_( fmt::format( "{}: {}", shownFileName( socket_ ), conflict ) );
+   }
+}
+
+/// What is mounted of a path of the agent, if it is of that type.
+template <typename T>
+Vel::Ptr<T> Remote::at( Vel::Name const & path ) const {
+   return Vel::dynamicPtr<T>( tree_.entity( place_ + "/" + path ) );
+}
+
 void Remote::mountSets() {
-   auto const served = at<Vel::Dir>( tree_, place_ );
+   auto const served = Vel::dynamicPtr<Vel::Dir>( tree_.entity( place_ + "/served" ) );
    if ( !served || !sets_.empty() ) {
       return;
    }
@@ -109,37 +135,69 @@ void Remote::mountSet( Vel::Name const & set ) {
    sets_.push_back( set );
    auto const mount = [&]( Vel::Name const & path, char const * type ) {
       needed_.push_back( path );
-      return Vel::Ptr<Mount>( new Mount( path, type ) );
+      return Vel::Ptr<Mount>(
+         new Mount( path, type, {}, Statedb::MountMode::read, place_ + "/" + path ) );
    };
    mounts_->mountIs( mount( StatusPaths::config( set ), "Xcvr::AllConfigDir" ) );
    mounts_->mountIs( mount( StatusPaths::agent( set ), "Xcvr::XcvrSliceStatus" ) );
    Xcvr::Mounter::doMountXcvrStatus( mounts_, mount( StatusPaths::status( set ), "Vel::Dir" ) );
 }
 
+SlotSet::Statuses Remote::statuses( Vel::Name const & set ) const {
+   SlotSet::Statuses all;
+   if ( auto const served = at<Vel::Dir>( StatusPaths::status( set ) ) ) {
+      for ( auto const & [slot, entry] : served->entryMap() ) {
+         all[slot] = Vel::dynamicPtr<Xcvr::XcvrNewStatus>( entry );
+      }
+   }
+   return all;
+}
+
+std::optional<uint32_t> Remote::generation( Vel::Name const & set ) const {
+   auto const config = at<Xcvr::AllConfigDir>( StatusPaths::config( set ) );
+   auto const agent = at<Xcvr::XcvrSliceStatus>( StatusPaths::agent( set ) );
+   if ( config && agent && at<Vel::Dir>( StatusPaths::status( set ) ) && config->ready() &&
+        config->generationId() == agent->generationId() ) {
+      return config->generationId();
+   }
+   return std::nullopt;
+}
+
 bool Remote::isComplete() const {
    auto const isMounted = [&]( Vel::Name const & path ) {
       return mounts_->mount( path )->state() == MountState::mounted;
    };
-   auto const hasCaughtUp = [&]( Vel::Name const & set ) {
-      auto const config = at<Xcvr::AllConfigDir>( tree_, StatusPaths::config( set ) );
-      auto const agent = at<Xcvr::XcvrSliceStatus>( tree_, StatusPaths::agent( set ) );
-      return config && agent && config->generationId() == agent->generationId();
-   };
-   return isConnected() && !sets_.empty() && std::ranges::all_of( needed_, isMounted ) &&
-          std::ranges::all_of( sets_, hasCaughtUp );
+   return isConnected() && !sets_.empty() && conflict_.empty() &&
+          std::ranges::all_of( needed_, isMounted ) &&
+          std::ranges::all_of(
+             sets_, [&]( Vel::Name const & set ) { return generation( set ).has_value(); } );
 }
 
-Readers::Readers( std::vector<std::string> const & sockets, Remote::Say const & say ) {
+Readers::Readers( std::vector<std::string> const & sockets, Remote::Say const & say )
+   : merged_( Xcvr::xcvrAllStatusDirSingletonFactory( "xcvrAllStatus" ) ) {
    for ( auto const & path :
          { StatusPaths::config( StatusPaths::slice ), StatusPaths::agent( StatusPaths::slice ),
            StatusPaths::status( StatusPaths::slice ) } ) {
       tree_.entityIs( path, Vel::dirFactory( StatusPaths::slice ) );
    }
    for ( std::string const & socket : sockets ) {
+      checkSocketName( socket );
       Vel::Name const place( fmt::format( "agents/{}", remotes_.size() ) );
       remotes_.push_back( std::make_unique<Remote>( socket, tree_, place, say ) );
    }
-   mergeFixed();
+   sets_.try_emplace( StatusPaths::fixed, tree_, StatusPaths::fixed );
+   auto const dir = [&]( Vel::Name const & path ) {
+      return Vel::dynamicPtr<Vel::Dir>( tree_.entity( path ) );
+   };
+   merged_->sliceStatusDirIs( dir( StatusPaths::status( StatusPaths::slice ) ) );
+   merged_->fixedStatusDirIs( dir( StatusPaths::status( StatusPaths::fixed ) ) );
+   merged_->baseConfigDirIs( dir( "hardware/xcvr/config" ) );
+   merged_->fixedConfigDirIs( Vel::dynamicPtr<Xcvr::AllConfigDir>(
+      tree_.entity( StatusPaths::config( StatusPaths::fixed ) ) ) );
+   merged_->agentStatusDirIs( dir( StatusPaths::agent( StatusPaths::slice ) ) );
+   merged_->fixedAgentStatusIs( Vel::dynamicPtr<Xcvr::XcvrSliceStatus>(
+      tree_.entity( StatusPaths::agent( StatusPaths::fixed ) ) ) );
+   merged_->doStartSm();
 }
 
 Readers::~Readers() = default;
@@ -158,39 +216,48 @@ bool Readers::turn( int milliseconds ) {
          any = true;
       }
    }
-   mergeFixed();
+   merge();
    return any;
 }
 
-/// The entry point takes its inputs once. Those of slices are this side's own directories, in which
-/// slices come and go; those of the fixed transceivers come and go themselves, and then it is made
-/// anew.
-void Readers::mergeFixed() {
-   auto config = at<Xcvr::AllConfigDir>( tree_, StatusPaths::config( StatusPaths::fixed ) );
-   auto agent = at<Xcvr::XcvrSliceStatus>( tree_, StatusPaths::agent( StatusPaths::fixed ) );
-   auto status = at<Vel::Dir>( tree_, StatusPaths::status( StatusPaths::fixed ) );
-   if ( !config || !agent || !status ) {
-      config = noConfig_;
-      agent = noAgent_;
-      status = noStatus_;
+/// The merged directory has sets of this side, into which go what agents serve once it has been looked
+/// at: those who merge take only statuses, and a slot from one set only.
+void Readers::merge() {
+   std::map<Vel::Name, std::pair<SlotSet::Statuses, std::optional<uint32_t>>> served;
+   std::map<Vel::Name, std::string> servers; // of sets and of slots
+   for ( auto const & remote : remotes_ ) {
+      std::string conflict;
+      auto const isFree = [&]( Vel::Name const & what, char const * advice ) {
+         auto const [server, isFirst] = servers.try_emplace( what, remote->socket() );
+         if ( !isFirst ) {
+            conflict = fmt::format( "{} is served by {} as well; {}", shownFileName( what.view() ),
+                                    shownFileName( server->second ), advice );
+         }
+         return isFirst;
+      };
+      for ( Vel::Name const & set : remote->sets() ) {
+         if ( isFree( StatusPaths::status( set ), "give agents of different slices" ) ) {
+            SlotSet::Statuses statuses = remote->statuses( set );
+            std::erase_if( statuses, [&]( auto const & entry ) {
+               return !isFree( entry.first, "give slots other names" );
+            } );
+            served[set] = { std::move( statuses ), remote->generation( set ) };
+            sets_.try_emplace( set, tree_, set );
+         }
+      }
+      remote->conflictIs( conflict );
    }
-   if ( merged_ && merged_->fixedConfigDir() == config.get() &&
-        merged_->fixedAgentStatus() == agent.get() && merged_->fixedStatusDir() == status.get() ) {
-      return;
+   for ( auto & [name, set] : sets_ ) { // first, as a slot may have gone to another set
+      set.othersDel( served[name].first );
    }
-   merged_ = Xcvr::xcvrAllStatusDirSingletonFactory( "xcvrAllStatus" );
-   merged_->sliceStatusDirIs( at<Vel::Dir>( tree_, StatusPaths::status( StatusPaths::slice ) ) );
-   merged_->fixedStatusDirIs( status );
-   merged_->baseConfigDirIs( at<Vel::Dir>( tree_, "hardware/xcvr/config" ) );
-   merged_->fixedConfigDirIs( config );
-   merged_->agentStatusDirIs( at<Vel::Dir>( tree_, StatusPaths::agent( StatusPaths::slice ) ) );
-   merged_->fixedAgentStatusIs( agent );
-   merged_->doStartSm();
+   for ( auto & [name, set] : sets_ ) {
+      set.statusesAre( served[name].first, served[name].second );
+   }
 }
 
 bool Readers::isSettled() const {
    return std::ranges::all_of( remotes_, []( auto const & remote ) {
-      return !remote->isConnected() || remote->isComplete();
+      return !remote->isConnected() || remote->hasFailed() || remote->isComplete();
    } );
 }
 

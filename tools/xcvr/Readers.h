@@ -1,13 +1,15 @@
 #pragma once
 
+#include "tools/xcvr/SlotSet.h"
 #include "tools/xcvr/Socket.h"
 
-#include <Statedb/EntityManager.h>
 #include <Xcvr/XcvrAllStatusDirSm.h>
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,7 @@
 namespace XcvrTool {
 
 /// One agent as a reader sees it: connected again and again if need be, and with mounts of what it
-/// serves, which end up in a tree that all agents share.
+/// serves, which end up in a place of its own.
 class Remote {
  public:
    using Say = std::function<void( std::string const & )>;
@@ -25,34 +27,51 @@ class Remote {
    void connect();
    [[nodiscard]] std::string const & socket() const { return socket_; }
    [[nodiscard]] bool isConnected() const { return stream_ != nullptr; }
-   /// The last attempt to reach the agent, or to mount what it serves, failed.
-   [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+   /// The last attempt to reach the agent, or to mount what it serves, failed; or it conflicts.
+   [[nodiscard]] bool hasFailed() const { return hasFailed_ || !conflict_.empty(); }
+   /// What other agents serve as well; empty for nothing. It is told once.
+   void conflictIs( std::string const & conflict );
    /// All that the agent serves is mounted, and none of it behind its configuration.
    [[nodiscard]] bool isComplete() const;
+   /// The sets of slots that it serves; none before it has said so.
+   [[nodiscard]] std::vector<Vel::Name> const & sets() const { return sets_; }
+   /// Of those that are no statuses, null.
+   [[nodiscard]] SlotSet::Statuses statuses( Vel::Name const & set ) const;
+   /// Of a set, once agent and configuration agree on it: all of it is there then.
+   [[nodiscard]] std::optional<uint32_t> generation( Vel::Name const & set ) const;
    [[nodiscard]] pollfd waitsFor() const;
    void step( short events );
 
  private:
+   template <typename T>
+   [[nodiscard]] Vel::Ptr<T> at( Vel::Name const & path ) const;
    void mountSets();
    void mountSet( Vel::Name const & set );
-   void fail( std::string const & problem );
+   [[nodiscard]] std::string problem() const;
+   enum class Problem { none, unreachable, gone, stranger };
+   void fail( Problem kind, std::string const & text );
 
    std::string socket_;
    Statedb::EntityManager & tree_;
-   Vel::Name place_; // of what the agent says of itself
+   Vel::Name place_; // of all that it serves
    Say say_;
    std::unique_ptr<Stream> stream_;
    Vel::Ptr<Statedb::MountGroup> mounts_;
    std::vector<Vel::Name> needed_; // mounts that must come
    std::vector<Vel::Name> sets_;   // of slots; empty before the agent has said which it serves
    bool hasFailed_ = false;
-   std::string said_; // the last problem
+   Problem said_ = Problem::none; // the last one; its text may hold numbers that change
+   std::string conflict_;
+   static constexpr std::chrono::milliseconds firstPause{ 300 };
+   std::chrono::milliseconds pause_ = firstPause; // before the next attempt
    std::chrono::steady_clock::time_point retryAt_;
 };
 
-/// The merged directory of several agents.
+/// The merged directory of several agents. Of those that serve the same set of slots, or slots of one
+/// name, the one named first has it.
 class Readers {
  public:
+   /// Throws SocketError for a name that no socket can have.
    Readers( std::vector<std::string> const & sockets, Remote::Say const & say );
    Readers( Readers const & ) = delete;
    Readers & operator=( Readers const & ) = delete;
@@ -69,12 +88,10 @@ class Readers {
    [[nodiscard]] std::vector<Vel::Ptr<Xcvr::XcvrNewStatus const>> published() const;
 
  private:
-   void mergeFixed();
+   void merge();
 
    Statedb::EntityManager tree_;
-   Vel::Ptr<Xcvr::AllConfigDir> noConfig_ = Xcvr::allConfigDirFactory( "none" );
-   Vel::Ptr<Xcvr::XcvrSliceStatus> noAgent_ = Xcvr::xcvrSliceStatusFactory( "none" );
-   Vel::Ptr<Vel::Dir> noStatus_ = Vel::dirFactory( "none" );
+   std::map<Vel::Name, SlotSet> sets_; // what is merged, of all agents
    Vel::Ptr<Xcvr::XcvrAllStatusDirSingleton> merged_;
    std::vector<std::unique_ptr<Remote>> remotes_;
 };

@@ -31,7 +31,7 @@ void Server::turn( int milliseconds, int besides ) {
 bool Server::step( Reader & reader, short events ) {
    try {
       return reader.stream.step( events );
-   } catch ( Statedb::ProtocolException const & problem ) {
+   } catch ( std::exception const & problem ) { // also if there is no memory for what it wants
       say_( fmt::format( "reader {} (process {}) dropped: {}", reader.number, reader.stream.peer(),
                          problem.what() ) );
       return false;

@@ -8,8 +8,8 @@
 
 namespace XcvrTool {
 
-/// Serves a tree to any number of readers. None waits for another, and one that breaks the protocol is
-/// dropped, with a line that says so.
+/// Serves a tree to any number of readers. None waits for another, and one that breaks the protocol, or
+/// wants more than there is memory for, is dropped, with a line that says so.
 class Server {
  public:
    Server( std::string path, Statedb::EntityManager & tree,

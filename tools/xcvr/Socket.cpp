@@ -4,7 +4,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -67,12 +69,41 @@ bool isSocket( std::string const & path ) {
    return ::lstat( path.c_str(), &status ) == 0 && S_ISSOCK( status.st_mode );
 }
 
+/// What to do about a socket that is there but cannot be used.
+char const * adviceOn( int error ) {
+   switch ( error ) {
+   case EACCES:
+   case EPERM:
+      return "ask its owner for permission";
+   case EPROTOTYPE: // a datagram socket
+      return "give the socket of an xcvr agent";
+   default:
+      return "start one with xcvr agent --listen";
+   }
+}
+
+/// Holds off others who make a socket in the same folder, for as long as this lives. A folder that cannot
+/// be read is not locked.
+Descriptor lockOf( std::string const & path ) {
+   std::string const folder = path.substr( 0, path.rfind( '/' ) + 1 );
+   Descriptor lock(
+      ::open( folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC ) );
+   if ( lock.fd() >= 0 ) {
+      ::flock( lock.fd(), LOCK_EX );
+   }
+   return lock;
+}
+
 /// Only of a socket that is nobody's: whoever connects is refused.
 void removeStale( std::string const & path, sockaddr_un const & address ) {
    if ( !isSocket( path ) ) {
       fail( path, "is there and is no socket", "give another name" );
    }
-   if ( connectError( newSocket( path ), address ) != ECONNREFUSED ) {
+   int const error = connectError( newSocket( path ), address );
+   if ( error == EACCES || error == EPERM || error == EPROTOTYPE ) {
+      fail( path, withReason( "is a socket of somebody else", error ), "give another name" );
+   }
+   if ( error != ECONNREFUSED ) {
       fail( path, "another agent listens there", "end it or give another name" );
    }
    ::unlink( path.c_str() );
@@ -86,25 +117,33 @@ Descriptor::~Descriptor() {
    }
 }
 
+void checkSocketName( std::string const & path ) {
+   static_cast<void>( addressOf( path ) );
+}
+
 Descriptor connectTo( std::string const & path ) {
    sockaddr_un const address = addressOf( path );
    Descriptor socket = newSocket( path );
    if ( int const error = connectError( socket, address ) ) {
-      fail( path, withReason( "no agent can be reached", error ),
-            "start one with xcvr agent --listen" );
+      fail( path, withReason( "no agent can be reached", error ), adviceOn( error ) );
    }
    return socket;
 }
 
 Listener::Listener( std::string path ) : path_( std::move( path ) ), socket_( newSocket( path_ ) ) {
    sockaddr_un const address = addressOf( path_ );
+   Descriptor const lock = lockOf( path_ );
    int error = bindError( socket_, address );
    if ( error == EADDRINUSE ) {
       removeStale( path_, address );
       error = bindError( socket_, address );
    }
-   if ( error != 0 || ::listen( socket_.fd(), SOMAXCONN ) != 0 ) {
-      fail( path_, withReason( "cannot be listened to", error ? error : errno ),
+   if ( error == 0 && ::listen( socket_.fd(), SOMAXCONN ) != 0 ) {
+      error = errno;
+      ::unlink( path_.c_str() );
+   }
+   if ( error != 0 ) {
+      fail( path_, withReason( "cannot be listened to", error ),
             "give a name in a folder that you may write" );
    }
    file_ = fileOf( path_ );

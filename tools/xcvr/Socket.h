@@ -35,6 +35,9 @@ class Descriptor {
    int fd_;
 };
 
+/// Throws SocketError for a name that no socket can have.
+void checkSocketName( std::string const & path );
+
 /// A connection to a listening socket; throws SocketError.
 [[nodiscard]] Descriptor connectTo( std::string const & path );
 

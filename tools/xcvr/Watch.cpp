@@ -14,7 +14,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds longestWait( 20 ); // of `show` for an agent that does not answer
+constexpr std::chrono::seconds longestWait( 20 );         // for an agent that does not answer
 constexpr std::chrono::milliseconds longestPause( 1000 ); // of `watch` for one that is changing
 constexpr int roundMs = 100;
 constexpr char noModules[] = "no slot has a module at present";
@@ -36,6 +36,15 @@ std::string summaryOf( Xcvr::XcvrNewStatus const & status ) {
    }
 }
 
+void complainOfLate( Readers const & readers,
+                     std::function<void( std::string const & )> const & complain,
+                     char const * advice ) {
+   for ( std::string const & socket : readers.late() ) {
+      complain( fmt::format( "{}: not all is there that the agent should serve ({} s); {}",
+                             shownFileName( socket ), longestWait.count(), advice ) );
+   }
+}
+
 } // namespace
 
 bool forEachRemoteModule( std::vector<std::string> const & sockets,
@@ -47,11 +56,7 @@ bool forEachRemoteModule( std::vector<std::string> const & sockets,
       readers.turn( roundMs );
    } while ( !readers.late().empty() && Clock::now() < last );
    bool isGood = readers.allComplete();
-   for ( std::string const & socket : readers.late() ) {
-      complain( fmt::format( "{}: not all is there that the agent should serve ({} s); try again "
-                             "later",
-                             shownFileName( socket ), longestWait.count() ) );
-   }
+   complainOfLate( readers, complain, "try again later" );
    auto const published = readers.published();
    if ( published.empty() && isGood ) {
       complain( noModules );
@@ -159,6 +164,8 @@ void runWatch( std::vector<std::string> const & sockets, Console const & console
    Readers readers( sockets, console.complain );
    Watch watch;
    Clock::time_point lastSettled = Clock::now();
+   Clock::time_point lastInTime = lastSettled;
+   bool isLateTold = false;
    bool isFirst = true;
    while ( true ) {
       // All that has come makes one step; an agent that changes its generation is waited for.
@@ -174,6 +181,12 @@ void runWatch( std::vector<std::string> const & sockets, Console const & console
             console.complain( noModules );
          }
          lastSettled = Clock::now();
+      }
+      if ( readers.late().empty() ) {
+         lastInTime = Clock::now();
+         isLateTold = false;
+      } else if ( Clock::now() - lastInTime > longestWait && !std::exchange( isLateTold, true ) ) {
+         complainOfLate( readers, console.complain, "look whether it is stopped" );
       }
    }
 }
