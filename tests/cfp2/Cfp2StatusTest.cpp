@@ -154,7 +154,7 @@ TEST( Cfp2StatusTest, ThresholdsInTheUnitsOfTheModule ) {
       bool const isCfp2 = identifier == identifierCfp2;
       std::vector<double> expected;
       auto const add = [&expected]( unsigned first, Unit const & unit ) {
-         for ( unsigned at : { 0, 3, 1, 2 } ) { // alarms, then warnings
+         for ( unsigned at : { 0U, 3U, 1U, 2U } ) { // alarms, then warnings
             expected.push_back( unit( ( first + at ) << 8 ) );
          }
       };
