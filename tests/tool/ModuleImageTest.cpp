@@ -272,7 +272,7 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
       { a0h + "[02h]\n" + plainHex( bytes.substr( 0, 129 ), "", "" ), "more than its 128 bytes" },
    };
    for ( auto const & [content, message] : cases )
-      EXPECT_THAT( refusal( [&] { return parseImage( "x.bin", content, anyFamily ); } ),
+      EXPECT_THAT( refusal( [&content = content] { return parseImage( "x.bin", content, anyFamily ); } ),
                    AllOf( StartsWith( "x.bin: " ), HasSubstr( message ) ) )
          << content.substr( 0, 200 );
 }
@@ -311,7 +311,7 @@ TEST_F( ModuleImageFile, whatCannotBeReadIsRefused ) {
       { "/proc/self/mem", "cannot be read (Input/output error)" }, // opens, but fails to read
    };
    for ( auto const & [path, what] : cases )
-      EXPECT_THAT( refusal( [&] { return readImage( path, anyFamily ); } ),
+      EXPECT_THAT( refusal( [&path = path] { return readImage( path, anyFamily ); } ),
                    AllOf( StartsWith( path + ": " ), HasSubstr( what ) ) );
 }
 
