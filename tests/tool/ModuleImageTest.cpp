@@ -272,8 +272,9 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
       { a0h + "[02h]\n" + plainHex( bytes.substr( 0, 129 ), "", "" ), "more than its 128 bytes" },
    };
    for ( auto const & [content, message] : cases )
-      EXPECT_THAT( refusal( [&content = content] { return parseImage( "x.bin", content, anyFamily ); } ),
-                   AllOf( StartsWith( "x.bin: " ), HasSubstr( message ) ) )
+      EXPECT_THAT(
+         refusal( [&content = content] { return parseImage( "x.bin", content, anyFamily ); } ),
+         AllOf( StartsWith( "x.bin: " ), HasSubstr( message ) ) )
          << content.substr( 0, 200 );
 }
 
