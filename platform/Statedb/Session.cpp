@@ -482,9 +482,7 @@ void Session::receive( std::string_view bytes ) {
       while ( in_.size() - at >= lengthSize ) {
          Vel::NboAttrLog head( std::string_view( in_ ).substr( at, lengthSize ) );
          std::size_t const length = head.read<uint32_t>();
-         bool const known = in_.size() - at > lengthSize;
-         auto const kind =
-            known ? std::optional( static_cast<Message>( in_[at + lengthSize] ) ) : std::nullopt;
+         std::string_view const kind = std::string_view( in_ ).substr( at + lengthSize, 1 );
          if ( length == 0 || length > longestMessage( kind ) ) {
             refuse( "a message of " + std::to_string( length ) + " bytes" );
          }
@@ -509,11 +507,13 @@ void Session::receive( std::string_view bytes ) {
 }
 
 /// Only a log may be long, and only of a peer that has logs to send; the kind may not be there yet.
-std::size_t Session::longestMessage( std::optional<Message> kind ) const {
+std::size_t Session::longestMessage( std::string_view kind ) const {
    if ( !greeted_ ) {
       return longestHello;
    }
-   auto const maybe = [kind]( Message one ) { return !kind || kind == one; };
+   auto const maybe = [kind]( Message one ) {
+      return kind.empty() || static_cast<Message>( kind[0] ) == one;
+   };
    bool const log = ( lastNumber_ != 0 && maybe( Message::mountedLog ) ) ||
                     ( mayWrite_ == PeerMayWrite::yes && maybe( Message::writtenLog ) );
    return log ? longestFrame : longestQuestion;

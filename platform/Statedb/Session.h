@@ -6,7 +6,6 @@
 
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -75,7 +74,7 @@ class VEL_API Session {
    void makeFrame();
    void writeDue();
    void resolve( Vel::Name const & path );
-   [[nodiscard]] std::size_t longestMessage( std::optional<Message> kind ) const;
+   [[nodiscard]] std::size_t longestMessage( std::string_view kind ) const;
    [[nodiscard]] std::shared_ptr<Mounted> mountedOf( uint32_t number ) const;
    [[nodiscard]] std::shared_ptr<Serving> servingOf( uint32_t number ) const;
    void ownMountIs( Vel::Ptr<Mount> const & mount );
