@@ -302,10 +302,12 @@ int main( int argc, char ** argv ) {
    for ( std::size_t i = 0; i < count; ++i ) {
       readers.push_back( std::make_unique<Reader>( hardware ) );
       Reader & one = *readers.back();
-      std::string const questions( one.session.toSend() );
-      one.session.sent( questions.size() );
-      Work const work( agent );
-      one.serving->receive( questions );
+      for ( std::string piece( one.session.toSend() ); !piece.empty();
+            piece = one.session.toSend() ) {
+         one.session.sent( piece.size() );
+         Work const work( agent );
+         one.serving->receive( piece );
+      }
    }
    Work::took[agent] = 0;
    deliver( readers );
