@@ -31,7 +31,7 @@ class Server {
    Statedb::EntityManager & tree_;
    std::function<void( std::string const & )> say_;
    Listener listener_;
-   bool isFull_ = false; // no more readers for now, as the system has no descriptors
+   bool isFull_ = false; // no descriptor was left for another reader; asked again after a round
    unsigned lastNumber_ = 0;
    std::list<Reader> readers_;
 };
