@@ -91,8 +91,14 @@ void StatusPublisher::publish( Vel::Ptr<Vel::Dir> from, char const * operation )
 
 void StatusPublisher::withdraw( char const * operation ) {
    uint64_t const handshake = ++handshakes_;
-   while ( !names_.empty() && handshake == handshakes_ ) {
-      withdraw( Vel::Name( names_.begin()->first ), operation );
+   auto const names = names_; // those who are told may change the own ones
+   for ( auto const & entry : names ) {
+      if ( handshake != handshakes_ ) {
+         return;
+      }
+      if ( has( entry.first ) ) {
+         withdraw( entry.first, operation );
+      }
    }
 }
 

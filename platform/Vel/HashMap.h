@@ -42,7 +42,8 @@ struct NamedPointer {
 /// Unordered map: a table of the entries themselves, each at the first free place from the one that
 /// its hash names. A second table has four bytes of the hash beside each place: it answers nearly every
 /// search, and stays in the cache where the entries do not. Both are closed up after an erase, so that
-/// coming and going entries never slow them down. Adding and erasing invalidate iterators.
+/// coming and going entries never slow them down. Adding and erasing invalidate iterators. begin() has
+/// to pass all free places up to the first entry: no way to empty a large map one by one.
 template <typename K, typename V, template <typename, typename> typename Stored = KeyAndValue>
 class HashMap {
    using Place = Stored<K, V>;
