@@ -40,7 +40,7 @@ OsfpLane::OsfpLane( Vel::String const & stringForm ) {
    }
 }
 OsfpLane::OsfpLane( Vel::NboAttrLog & log )
-   : OsfpLane( Vel::Internal::Taken(), Vel::Internal::LogReading<OsfpLane>( log ) ) {}
+   : OsfpLane( Vel::Taken(), Vel::Internal::LogReading<OsfpLane>( log ) ) {}
 void OsfpLane::velWrite( Vel::NboAttrLog & log ) const {
    Vel::Internal::encode( log.append( Vel::Internal::encodedSize( *this ) ), *this );
 }

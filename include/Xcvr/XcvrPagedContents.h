@@ -42,14 +42,25 @@ class PagedContents {
       if ( !page.has( 0, length ) ) [[unlikely]] {
          return shortVendorTexts( name, pn, sn, rev, dateCode );
       }
-      auto const known = [fields = page.first( length )]( MemoryField const & field )
-         __attribute__( ( always_inline ) ) {
-         return fields.text( field.at, field.width );
-      };
-      return { known( name ), known( pn ), known( sn ), known( rev ), known( dateCode ) };
+      return VendorInfo(
+         Vel::Taken(), TextsInPlace{ page.first( length ), { &name, &pn, &sn, &rev, &dateCode } } );
    }
 
  private:
+   // What `Vel::Taken` asks of a source.
+   struct TextsInPlace {
+      PageView page;
+      MemoryField const * fields[5];
+      std::size_t next = 0;
+
+      template <typename>
+      [[gnu::always_inline]] Vel::String take() {
+         MemoryField const & field = *fields[next++];
+         return page.text( field.at, field.width );
+      }
+      void taken() const {}
+   };
+
    friend bool operator==( PagedContents const &, PagedContents const & ) = default;
 
    [[nodiscard]] Contents const & contents() const {

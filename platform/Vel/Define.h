@@ -131,7 +131,7 @@ inline constexpr ValueModel valueModel{ typeName<T>(), valueFields<T>.data(),
       Vel::fromStringForm( stringForm, *this );                                                    \
    }                                                                                               \
    T::Constructor( Vel::NboAttrLog & log )                                                         \
-      : Constructor( Vel::Internal::Taken(), Vel::Internal::LogReading<T>( log ) ) {}              \
+      : Constructor( Vel::Taken(), Vel::Internal::LogReading<T>( log ) ) {}                        \
    void T::velWrite( Vel::NboAttrLog & log ) const {                                               \
       Vel::Internal::encode( log.append( Vel::Internal::encodedSize( *this ) ), *this );           \
    }                                                                                               \

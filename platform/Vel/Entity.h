@@ -364,18 +364,19 @@ class Ref : public NotifieeBase {
 ///
 /// Needs VEL_ENTITY_DEFINE( T, tFactory ), or VEL_ENTITY_DEFINE( T ) for no factory, from
 /// <Vel/DefineEntity.h> once, in the same namespace.
-#define VEL_ENTITY( T, Base, ... )                                                                 \
+#define VEL_ENTITY( T, Base, ... ) VEL_ENTITY_( T, Base, VEL_EACH_OF( __VA_ARGS__ ), __VA_ARGS__ )
+#define VEL_ENTITY_( T, Base, EACH, ... )                                                          \
  public:                                                                                           \
    class NotifieeConst;                                                                            \
    class Notifiee;                                                                                 \
    enum : uint16_t {                                                                               \
       velAttrBefore = Base::velAttrEnd - 1,                                                        \
-      VEL_FOR_EACH( VEL_ENTITY_ID_, __VA_ARGS__ ) velAttrEnd                                       \
+      EACH( VEL_ENTITY_ID_, __VA_ARGS__ ) velAttrEnd                                               \
    };                                                                                              \
                                                                                                    \
  private:                                                                                          \
    using VelSelf = T;                                                                              \
-   VEL_FOR_EACH( VEL_ENTITY_MEMBERS_, __VA_ARGS__ )                                                \
+   EACH( VEL_ENTITY_MEMBERS_, __VA_ARGS__ )                                                        \
  public:                                                                                           \
    [[nodiscard]] Vel::EntityModel const & velModel() const override;                               \
    [[nodiscard]] static Vel::EntityModel const & velTypeModel();                                   \
@@ -384,17 +385,17 @@ class Ref : public NotifieeBase {
    template <typename Root>                                                                        \
    class VelMarks : public Base::template VelMarks<Root> {                                         \
     public:                                                                                        \
-      VEL_FOR_EACH( VEL_ENTITY_MARKS_, __VA_ARGS__ )                                               \
+      EACH( VEL_ENTITY_MARKS_, __VA_ARGS__ )                                                       \
    };                                                                                              \
    class NotifieeConst : public Vel::NotifieeOf<T const, Base::NotifieeConst> {                    \
     public:                                                                                        \
-      VEL_FOR_EACH( VEL_ENTITY_HANDLERS_, __VA_ARGS__ )                                            \
+      EACH( VEL_ENTITY_HANDLERS_, __VA_ARGS__ )                                                    \
    };                                                                                              \
    class Notifiee : public Vel::NotifieeOf<T, NotifieeConst> {};                                   \
    /* Calls `visit.attribute< kind, Key, Type >( name, get, set, del )` for every row. */          \
    template <typename Visitor>                                                                     \
    static constexpr void velAttributes( [[maybe_unused]] Visitor && visit ) {                      \
-      VEL_FOR_EACH( VEL_ENTITY_ROW_, __VA_ARGS__ )                                                 \
+      EACH( VEL_ENTITY_ROW_, __VA_ARGS__ )                                                         \
    }                                                                                               \
    /* How many attributes the type adds to its base's. */                                          \
    static constexpr std::size_t velOwnAttributes() {                                               \
@@ -418,7 +419,7 @@ class Ref : public NotifieeBase {
       return name##_;                                                                              \
    }                                                                                               \
    void name##Is( Vel::In<__VA_ARGS__> velNew ) {                                                  \
-      if ( name##_ == velNew ) {                                                                   \
+      if ( name##_ == velNew ) [[likely]] { /* as most that an agent polls is */                   \
          return;                                                                                   \
       }                                                                                            \
       name##_ = velNew;                                                                            \

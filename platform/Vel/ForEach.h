@@ -1,30 +1,31 @@
 #pragma once
 
-/// `VEL_FOR_EACH( M, ( a, b ), ( c, d ) )` expands to `M( a, b ) M( c, d )`, for up to 128 rows.
+/// `VEL_EACH_OF( rows )( M, rows )` expands to `M( a, b ) M( c, d )` for the rows `( a, b ), ( c, d )`,
+/// up to 128 of them. A model macro finds `VEL_EACH_OF( rows )` once, as counting the rows is what
+/// costs most.
 ///
 /// Numbered and eight rows at a time: it expands as fast as code written out by hand, where a
 /// recursive one costs seconds in every including file.
-#define VEL_FOR_EACH( M, ... )                                                                     \
-   __VA_OPT__( VEL_FOR_EACH_N_( VEL_COUNT_( __VA_ARGS__ ) )( M, __VA_ARGS__ ) )
+#define VEL_EACH_OF( ... ) VEL_FOR_EACH_CAT_( VEL_FOR_EACH_, VEL_COUNT_( __VA_ARGS__ ) )
 
-/// The same with another macro for the first row: what a list with commas between needs.
-#define VEL_FOR_FIRST_AND_REST( First, Rest, row, ... ) First row VEL_FOR_EACH( Rest, __VA_ARGS__ )
+/// A list without the comma that it begins with.
+#define VEL_LIST( ... ) VEL_WITHOUT_FIRST_( __VA_ARGS__ )
+#define VEL_WITHOUT_FIRST_( first, ... ) __VA_ARGS__
 
-#define VEL_FOR_EACH_N_( n ) VEL_FOR_EACH_CAT_( VEL_FOR_EACH_, n )
 #define VEL_FOR_EACH_CAT_( a, b ) VEL_FOR_EACH_CAT2_( a, b )
 #define VEL_FOR_EACH_CAT2_( a, b ) a##b
 #define VEL_COUNT_( ... )                                                                          \
-   VEL_COUNT_ARG_( __VA_ARGS__, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany,     \
-                   TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany,         \
-                   TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany,         \
-                   TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany,         \
-                   TooMany, 128, 127, 126, 125, 124, 123, 122, 121, 120, 119, 118, 117, 116, 115,  \
-                   114, 113, 112, 111, 110, 109, 108, 107, 106, 105, 104, 103, 102, 101, 100, 99,  \
-                   98, 97, 96, 95, 94, 93, 92, 91, 90, 89, 88, 87, 86, 85, 84, 83, 82, 81, 80, 79, \
-                   78, 77, 76, 75, 74, 73, 72, 71, 70, 69, 68, 67, 66, 65, 64, 63, 62, 61, 60, 59, \
-                   58, 57, 56, 55, 54, 53, 52, 51, 50, 49, 48, 47, 46, 45, 44, 43, 42, 41, 40, 39, \
-                   38, 37, 36, 35, 34, 33, 32, 31, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, \
-                   18, 17, 16, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0 )
+   VEL_COUNT_ARG_(                                                                                 \
+      __VA_ARGS__ __VA_OPT__(, ) TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany,    \
+      TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany,    \
+      TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany, TooMany,    \
+      TooMany, TooMany, TooMany, TooMany, TooMany, 128, 127, 126, 125, 124, 123, 122, 121, 120,    \
+      119, 118, 117, 116, 115, 114, 113, 112, 111, 110, 109, 108, 107, 106, 105, 104, 103, 102,    \
+      101, 100, 99, 98, 97, 96, 95, 94, 93, 92, 91, 90, 89, 88, 87, 86, 85, 84, 83, 82, 81, 80,    \
+      79, 78, 77, 76, 75, 74, 73, 72, 71, 70, 69, 68, 67, 66, 65, 64, 63, 62, 61, 60, 59, 58, 57,  \
+      56, 55, 54, 53, 52, 51, 50, 49, 48, 47, 46, 45, 44, 43, 42, 41, 40, 39, 38, 37, 36, 35, 34,  \
+      33, 32, 31, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15, 14, 13, 12, 11,  \
+      10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0 )
 #define VEL_COUNT_ARG_(                                                                            \
    a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, a12, a13, a14, a15, a16, a17, a18, a19, a20, a21, \
    a22, a23, a24, a25, a26, a27, a28, a29, a30, a31, a32, a33, a34, a35, a36, a37, a38, a39, a40,  \
@@ -39,6 +40,7 @@
    n
 
 #define VEL_FOR_EACH_TooMany( M, ... ) static_assert( false, "a model type has at most 128 rows" );
+#define VEL_FOR_EACH_0( M, ... )
 #define VEL_FOR_EACH_1( M, r1 ) M r1
 #define VEL_FOR_EACH_2( M, r1, r2 ) M r1 M r2
 #define VEL_FOR_EACH_3( M, r1, r2, r3 ) M r1 M r2 M r3

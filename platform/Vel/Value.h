@@ -12,10 +12,9 @@ namespace Vel {
 
 class NboAttrLog;
 
-namespace Internal {
-/// Marks the constructor of a value type that takes field after field from a place in a log.
+/// Marks the constructor of a value type that takes its fields, each made where it is to stay, one
+/// after the other from `source.take<Type>()`, and then calls `source.taken()`.
 struct Taken {};
-} // namespace Internal
 
 /// Mixes the hash of one more field into a value's hash.
 constexpr std::size_t hashMix( std::size_t seed, std::size_t field ) {
@@ -46,29 +45,27 @@ concept ModelValue = requires {
 /// Fields are numbers, bool, Vel::String, model enumerations, model values and std::map of them.
 /// The text of a type with a map is refused by its constructor (fatal); Vel::fromStringForm reads
 /// it. Needs VEL_VALUE_DEFINE( T ) from <Vel/Define.h> once, in the same namespace.
-#define VEL_VALUE( T, ... )                                                                        \
+#define VEL_VALUE( T, ... ) VEL_VALUE_( T, VEL_EACH_OF( __VA_ARGS__ ), __VA_ARGS__ )
+#define VEL_VALUE_( T, EACH, ... )                                                                 \
  public:                                                                                           \
    T() = default;                                                                                  \
    VEL_VALUE_EXPLICIT_( __VA_ARGS__ )                                                              \
-   T( VEL_FOR_FIRST_AND_REST( VEL_VALUE_PARAM_, VEL_VALUE_NEXT_PARAM_, __VA_ARGS__ ) )             \
-      : VEL_FOR_FIRST_AND_REST( VEL_VALUE_INIT_, VEL_VALUE_NEXT_INIT_, __VA_ARGS__ ) {}            \
-   template <typename VelCursor>                                                                   \
-   [[gnu::always_inline]] T( Vel::Internal::Taken, VelCursor && velIn )                            \
-      : VEL_FOR_FIRST_AND_REST( VEL_VALUE_TAKE_, VEL_VALUE_NEXT_TAKE_, __VA_ARGS__ ) {             \
-      velIn.taken();                                                                               \
+   T( VEL_LIST( EACH( VEL_VALUE_PARAM_, __VA_ARGS__ ) ) )                                          \
+      : VEL_LIST( EACH( VEL_VALUE_INIT_, __VA_ARGS__ ) ) {}                                        \
+   template <typename VelSource>                                                                   \
+   [[gnu::always_inline]] T( Vel::Taken, VelSource && velFrom )                                    \
+      : VEL_LIST( EACH( VEL_VALUE_TAKE_, __VA_ARGS__ ) ) {                                         \
+      velFrom.taken();                                                                             \
    }                                                                                               \
-   VEL_FOR_EACH( VEL_VALUE_FIELD_, __VA_ARGS__ )                                                   \
-   VEL_VALUE_OPERATIONS_( T, VEL_FOR_EACH( VEL_VALUE_VISIT_, __VA_ARGS__ ) )
+   EACH( VEL_VALUE_FIELD_, __VA_ARGS__ )                                                           \
+   VEL_VALUE_OPERATIONS_( T, EACH( VEL_VALUE_VISIT_, __VA_ARGS__ ) )
 
 // A constructor from a single field must not convert on the quiet.
 #define VEL_VALUE_EXPLICIT_( row, ... ) explicit( true __VA_OPT__( &&false ) )
 
-#define VEL_VALUE_PARAM_( name, ... ) Vel::Give<__VA_ARGS__> name
-#define VEL_VALUE_NEXT_PARAM_( name, ... ) , Vel::Give<__VA_ARGS__> name
-#define VEL_VALUE_INIT_( name, ... ) name##_( std::move( name ) )
-#define VEL_VALUE_NEXT_INIT_( name, ... ) , name##_( std::move( name ) )
-#define VEL_VALUE_TAKE_( name, ... ) name##_( velIn.template take<__VA_ARGS__>() )
-#define VEL_VALUE_NEXT_TAKE_( name, ... ) , name##_( velIn.template take<__VA_ARGS__>() )
+#define VEL_VALUE_PARAM_( name, ... ) , __VA_ARGS__ name
+#define VEL_VALUE_INIT_( name, ... ) , name##_( static_cast<__VA_ARGS__ &&>( name ) )
+#define VEL_VALUE_TAKE_( name, ... ) , name##_( velFrom.template take<__VA_ARGS__>() )
 #define VEL_VALUE_FIELD_( name, ... )                                                              \
  private:                                                                                          \
    __VA_ARGS__ name##_{};                                                                          \
@@ -123,10 +120,10 @@ concept ModelValue = requires {
  public:                                                                                           \
    T() = default;                                                                                  \
    explicit T( int64_t value ) : value_( velChecked( value ) ) {}                                  \
-   template <typename VelCursor>                                                                   \
-   [[gnu::always_inline]] T( Vel::Internal::Taken, VelCursor && velIn )                            \
-      : value_( velIn.takeUpTo( bound ) ) {                                                        \
-      velIn.taken();                                                                               \
+   template <typename VelSource>                                                                   \
+   [[gnu::always_inline]] T( Vel::Taken, VelSource && velFrom )                                    \
+      : value_( velFrom.takeUpTo( bound ) ) {                                                      \
+      velFrom.taken();                                                                             \
    }                                                                                               \
    [[nodiscard]] uint8_t value() const {                                                           \
       return value_;                                                                               \
