@@ -200,6 +200,9 @@ class Session::Mounted : public std::enable_shared_from_this<Mounted> {
       place();
    }
    void resolve( Vel::Name const & path ) { in_.resolve( path ); }
+   [[nodiscard]] std::map<Vel::Name, Vel::Name> unmade() const {
+      return entity_ ? in_.unmade( *entity_ ) : std::map<Vel::Name, Vel::Name>();
+   }
 
    Vel::Ptr<Mount> const
       what; // the first mount: path, place, type, mode and filter are those of all
@@ -303,9 +306,8 @@ void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
 }
 
 void Session::ownMountDel( Vel::Ptr<Mount> const & mount ) {
-   auto const found = std::find_if( mounted_.begin(), mounted_.end(), [&]( auto const & entry ) {
-      return entry.second->has( mount );
-   } );
+   auto const found = std::ranges::find_if(
+      mounted_, [&]( auto const & entry ) { return entry.second->has( mount ); } );
    if ( found != mounted_.end() && !found->second->mountDel( mount ) ) {
       if ( mountsDue_.erase( found->first ) == 0 ) { // the peer has heard of it
          unmountsDue_.insert( found->first );
@@ -314,6 +316,12 @@ void Session::ownMountDel( Vel::Ptr<Mount> const & mount ) {
       mounted_.erase( found );
       ended->close();
    }
+}
+
+std::map<Vel::Name, Vel::Name> Session::unmade( Vel::Ptr<Mount> const & mount ) const {
+   auto const found = std::ranges::find_if(
+      mounted_, [&]( auto const & entry ) { return entry.second->has( mount ); } );
+   return found != mounted_.end() ? found->second->unmade() : std::map<Vel::Name, Vel::Name>();
 }
 
 /// What pointers lead to has come to a path, or gone from it.
