@@ -101,7 +101,7 @@ class VEL_API Session {
    std::set<uint32_t> statesDue_;
    std::set<uint32_t> mountsDue_;
    std::set<uint32_t> unmountsDue_;
-   std::size_t filterBytes_ = 0; // of the peer's mounts
+   std::size_t peerMountBytes_ = 0;
    std::vector<std::shared_ptr<GroupWatch>> groups_;
 };
 

@@ -583,5 +583,37 @@ TEST( ReplicationTest, whatCannotBeMadeIsKnownUntilItGoesOrCanBe ) {
    EXPECT_EQ( copied.in.unmade( *copied.replica ), Types() );
 }
 
+TEST( ReplicationTest, entitiesThatHaveGoneWaitForNobody ) {
+   Copied copied;
+   copied.flow = new Vel::FlowOut( 5000 );
+   copied.adaptor = Vel::Dir::velNboAttrLogSaIs( copied.dir, copied.flow );
+   copied.deliver();
+   for ( int i = 0; i < 10000; ++i ) { // each with a name of its own, three at a time
+      Vel::Ptr<Slot> const slot( new Slot( Vel::Name( std::to_string( i ) ) ) );
+      slot->laneIs( LaneNumber( 1 ) );
+      copied.dir->entryIs( slot );
+      copied.dir->entryDel( Vel::Name( std::to_string( i - 3 ) ) );
+      ASSERT_LE( copied.flow->waitingBytes(), 5000U );
+      ASSERT_LE( copied.flow->waitingEntities(), 16U );
+   }
+   copied.deliver();
+   EXPECT_EQ( asText( *copied.replica ), asText( *copied.dir ) );
+}
+
 } // namespace
 } // namespace Sample
+
+namespace Statedb {
+namespace {
+
+TEST( SessionLifetimeTest, theTextsOfAPeersMountsAreBounded ) {
+   Joined joined;
+   for ( int i = 0; i < 100; ++i ) {
+      joined.group->mountIs(
+         newMount( Vel::Name( std::string( 50000, 'x' ) + std::to_string( i ) ), "T" ) );
+   }
+   EXPECT_THROW( joined.pump(), ProtocolException );
+}
+
+} // namespace
+} // namespace Statedb

@@ -104,10 +104,13 @@ std::string Remote::problem() const {
    return "";
 }
 
-void Remote::conflictIs( std::string const & conflict ) {
-   if ( conflict != std::exchange( conflict_, conflict ) && !conflict.empty() ) {
-      say_( fmt::format( "{}: {}", shownFileName( socket_ ), conflict ) );
+void Remote::leftOutIs( std::set<std::string> const & leftOut ) {
+   for ( std::string const & one : leftOut ) {
+      if ( !leftOut_.contains( one ) ) {
+         say_( fmt::format( "{}: {}", shownFileName( socket_ ), one ) );
+      }
    }
+   leftOut_ = leftOut;
 }
 
 /// What is mounted of a path of the agent, if it is of that type.
@@ -153,6 +156,10 @@ SlotSet::Statuses Remote::statuses( Vel::Name const & set ) const {
    return all;
 }
 
+std::map<Vel::Name, Vel::Name> Remote::unmade( Vel::Name const & set ) const {
+   return stream_->session().unmade( mounts_->mount( StatusPaths::status( set ) ) );
+}
+
 std::optional<uint32_t> Remote::generation( Vel::Name const & set ) const {
    auto const config = at<Xcvr::AllConfigDir>( StatusPaths::config( set ) );
    auto const agent = at<Xcvr::XcvrSliceStatus>( StatusPaths::agent( set ) );
@@ -167,8 +174,7 @@ bool Remote::isComplete() const {
    auto const isMounted = [&]( Vel::Name const & path ) {
       return mounts_->mount( path )->state() == MountState::mounted;
    };
-   return isConnected() && !sets_.empty() && conflict_.empty() &&
-          std::ranges::all_of( needed_, isMounted ) &&
+   return isConnected() && !sets_.empty() && std::ranges::all_of( needed_, isMounted ) &&
           std::ranges::all_of(
              sets_, [&]( Vel::Name const & set ) { return generation( set ).has_value(); } );
 }
@@ -226,12 +232,13 @@ void Readers::merge() {
    std::map<Vel::Name, std::pair<SlotSet::Statuses, std::optional<uint32_t>>> served;
    std::map<Vel::Name, std::string> servers; // of sets and of slots
    for ( auto const & remote : remotes_ ) {
-      std::string conflict;
+      std::set<std::string> leftOut;
       auto const isFree = [&]( Vel::Name const & what, char const * advice ) {
          auto const [server, isFirst] = servers.try_emplace( what, remote->socket() );
          if ( !isFirst ) {
-            conflict = fmt::format( "{} is served by {} as well; {}", shownFileName( what.view() ),
-                                    shownFileName( server->second ), advice );
+            leftOut.insert( fmt::format( "{} is served by {} as well; {}",
+                                         shownFileName( what.view() ),
+                                         shownFileName( server->second ), advice ) );
          }
          return isFirst;
       };
@@ -244,8 +251,14 @@ void Readers::merge() {
             served[set] = { std::move( statuses ), remote->generation( set ) };
             sets_.try_emplace( set, tree_, set );
          }
+         for ( auto const & [slot, type] : remote->unmade( set ) ) {
+            leftOut.insert( fmt::format( "{} is of type {}, which is unknown here; use an xcvr as "
+                                         "new as the agent",
+                                         shownFileName( slot.view() ),
+                                         shownFileName( type.view() ) ) );
+         }
       }
-      remote->conflictIs( conflict );
+      remote->leftOutIs( leftOut );
    }
    for ( auto & [name, set] : sets_ ) { // first, as a slot may have gone to another set
       set.othersDel( served[name].first );
@@ -262,8 +275,9 @@ bool Readers::isSettled() const {
 }
 
 bool Readers::allComplete() const {
-   return std::ranges::all_of( remotes_,
-                               []( auto const & remote ) { return remote->isComplete(); } );
+   return std::ranges::all_of( remotes_, []( auto const & remote ) {
+      return remote->isComplete() && !remote->leavesOut();
+   } );
 }
 
 std::vector<std::string> Readers::late() const {
