@@ -456,6 +456,32 @@ VEL_ENTITY_DEFINE( NewerStatus )
 
 namespace {
 
+TEST_F( AgentTest, anAgentThatServesTheSameTakesOver ) {
+   fileIs( "a", module( "A", 20 ) );
+   fileIs( "b", module( "B", 20 ) );
+   std::vector<std::string> const firstWords = { "agent", "--listen", "s1",  "--slice",
+                                                 "L1",    "--slot",   "E1=a" };
+   for ( std::string const slice : { "L1", "L2" } ) { // the whole set, the slot of another set
+      auto first = tool( "first" + slice, firstWords );
+      auto const second = tool( "second" + slice,
+                                { "agent", "--listen", "s2", "--slice", slice, "--slot", "E1=b" } );
+      for ( char const * agent : { "first", "second" } ) {
+         ASSERT_TRUE( eventually( [&] {
+            return file( agent + slice + ".out" ).find( "inserted" ) != std::string::npos;
+         } ) );
+      }
+      auto const watch = tool( slice, { "watch", "--connect", "s1", "--connect", "s2" } );
+      auto const watchEndsWith = [&]( std::string const & lines ) {
+         return eventually( [&] { return file( slice + ".out" ).ends_with( lines ); } );
+      };
+      ASSERT_TRUE( watchEndsWith( appeared( "E1", "A" ) ) );
+      first->end( SIGKILL );
+      ASSERT_TRUE( watchEndsWith( "E1: withdrawn\n" + appeared( "E1", "B" ) ) );
+      first = tool( "first", firstWords ); // it is the one named first
+      ASSERT_TRUE( watchEndsWith( "E1: withdrawn\n" + appeared( "E1", "A" ) ) );
+   }
+}
+
 TEST_F( ManyWritesTest, aSlotOfAnUnknownTypeIsToldAndTheOthersAreShown ) {
    Xcvr::XcvrSff8472IdEepromContents contents;
    contents.bufIs( Vel::String( XcvrTest::SfpImageBuilder().text( "vendorSn", "S1" ).a0h() ) );

@@ -226,46 +226,65 @@ bool Readers::turn( int milliseconds ) {
    return any;
 }
 
+/// What one agent serves of a set.
+struct Readers::Served {
+   SlotSet::Statuses statuses;
+   std::optional<SlotSet::Version> version;
+};
+
 /// The merged directory has sets of this side, into which go what agents serve once it has been looked
 /// at: those who merge take only statuses, and a slot from one set only.
 void Readers::merge() {
-   std::map<Vel::Name, std::pair<SlotSet::Statuses, std::optional<uint32_t>>> served;
+   std::map<Vel::Name, Served> served;
    std::map<Vel::Name, std::string> servers; // of sets and of slots
    for ( auto const & remote : remotes_ ) {
-      std::set<std::string> leftOut;
-      auto const isFree = [&]( Vel::Name const & what, char const * advice ) {
-         auto const [server, isFirst] = servers.try_emplace( what, remote->socket() );
-         if ( !isFirst ) {
-            leftOut.insert( fmt::format( "{} is served by {} as well; {}",
-                                         shownFileName( what.view() ),
-                                         shownFileName( server->second ), advice ) );
-         }
-         return isFirst;
-      };
-      for ( Vel::Name const & set : remote->sets() ) {
-         if ( isFree( StatusPaths::status( set ), "give agents of different slices" ) ) {
-            SlotSet::Statuses statuses = remote->statuses( set );
-            std::erase_if( statuses, [&]( auto const & entry ) {
-               return !isFree( entry.first, "give slots other names" );
-            } );
-            served[set] = { std::move( statuses ), remote->generation( set ) };
-            sets_.try_emplace( set, tree_, set );
-         }
-         for ( auto const & [slot, type] : remote->unmade( set ) ) {
-            leftOut.insert( fmt::format( "{} is of type {}, which is unknown here; use an xcvr as "
-                                         "new as the agent",
-                                         shownFileName( slot.view() ),
-                                         shownFileName( type.view() ) ) );
-         }
-      }
-      remote->leftOutIs( leftOut );
+      remote->leftOutIs( take( *remote, servers, served ) );
    }
    for ( auto & [name, set] : sets_ ) { // first, as a slot may have gone to another set
-      set.othersDel( served[name].first );
+      set.othersDel( served[name].statuses );
    }
    for ( auto & [name, set] : sets_ ) {
-      set.statusesAre( served[name].first, served[name].second );
+      set.statusesAre( served[name].statuses, served[name].version );
    }
+}
+
+/// Adds what an agent serves and those before it do not; says why the rest is left out.
+std::set<std::string> Readers::take( Remote const & remote,
+                                     std::map<Vel::Name, std::string> & servers,
+                                     std::map<Vel::Name, Served> & served ) {
+   std::set<std::string> leftOut;
+   auto const isFree = [&]( Vel::Name const & what, char const * advice ) {
+      auto const [server, isFirst] = servers.try_emplace( what, remote.socket() );
+      if ( !isFirst ) {
+         leftOut.insert( fmt::format( "{} is served by {} as well; {}",
+                                      shownFileName( what.view() ), shownFileName( server->second ),
+                                      advice ) );
+      }
+      return isFirst;
+   };
+   for ( Vel::Name const & set : remote.sets() ) {
+      if ( isFree( StatusPaths::status( set ), "give agents of different slices" ) ) {
+         SlotSet::Statuses statuses = remote.statuses( set );
+         std::set<Vel::Name> others;
+         std::erase_if( statuses, [&]( auto const & entry ) {
+            return !isFree( entry.first, "give slots other names" ) &&
+                   others.insert( entry.first ).second;
+         } );
+         std::optional<SlotSet::Version> version;
+         if ( auto const generation = remote.generation( set ) ) {
+            version = { remote.socket(), *generation, others };
+         }
+         served[set] = { std::move( statuses ), std::move( version ) };
+         sets_.try_emplace( set, tree_, set );
+      }
+      for ( auto const & [slot, type] : remote.unmade( set ) ) {
+         leftOut.insert( fmt::format( "{} is of type {}, which is unknown here; use an xcvr as new "
+                                      "as the agent",
+                                      shownFileName( slot.view() ),
+                                      shownFileName( type.view() ) ) );
+      }
+   }
+   return leftOut;
 }
 
 bool Readers::isSettled() const {

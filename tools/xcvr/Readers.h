@@ -93,7 +93,11 @@ class Readers {
    [[nodiscard]] std::vector<Vel::Ptr<Xcvr::XcvrNewStatus const>> published() const;
 
  private:
+   struct Served;
    void merge();
+   [[nodiscard]] std::set<std::string> take( Remote const & remote,
+                                             std::map<Vel::Name, std::string> & servers,
+                                             std::map<Vel::Name, Served> & served );
 
    Statedb::EntityManager tree_;
    std::map<Vel::Name, SlotSet> sets_; // what is merged, of all agents
