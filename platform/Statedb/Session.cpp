@@ -29,8 +29,8 @@ constexpr std::size_t mostMounts = 1024;
 constexpr std::ptrdiff_t mostOfOnePath = 8;
 constexpr std::ptrdiff_t deepestPath = 64;
 constexpr std::size_t longestHello = 5;
-constexpr std::size_t longestQuestion = 64 * 1024;       // and whatever else is no log
-constexpr std::size_t mostFilterBytes = 4 * 1024 * 1024; // of all mounts of a peer
+constexpr std::size_t longestQuestion = 64 * 1024;      // and whatever else is no log
+constexpr std::size_t mostMountBytes = 4 * 1024 * 1024; // of all mounts of a peer
 constexpr uint32_t ownLog = 0x80000000; // in the tag of an adaptor: of an own mount, for writing
 
 [[noreturn]] void refuse( std::string const & problem ) {
@@ -43,9 +43,10 @@ bool isMountPath( Vel::Name const & path ) {
    return isPath( path ) && std::count( text.begin(), text.end(), '/' ) < deepestPath;
 }
 
-std::size_t bytesOf( MountFilter const & filter ) {
-   std::size_t bytes = 0;
-   for ( Vel::Name const & name : filter.only ) {
+/// Of its texts.
+std::size_t bytesOf( Mount const & mount ) {
+   std::size_t bytes = mount.name().size() + mount.typeName().size();
+   for ( Vel::Name const & name : mount.filter().only ) {
       bytes += sizeof( uint32_t ) + name.size();
    }
    return bytes;
@@ -63,7 +64,7 @@ class Session::Serving : public Mount::NotifieeConst {
    Serving( Session & session, uint32_t number, Vel::Ptr<Mount> const & mount )
       : session_( session ), number_( number ), mount_( mount ),
         group_( new MountGroup( "peer" ) ) {
-      session_.filterBytes_ += bytesOf( mount->filter() );
+      session_.peerMountBytes_ += bytesOf( *mount );
       group_->mountIs( mount );
       session_.manager_.mountGroupIs( group_, EntityManager::WhatIsMade::goes );
       notifierIs( mount );
@@ -74,7 +75,7 @@ class Session::Serving : public Mount::NotifieeConst {
       adaptor_ = nullptr;
       session_.manager_.mountGroupDel( group_ );
       session_.statesDue_.erase( number_ );
-      session_.filterBytes_ -= bytesOf( mount_->filter() );
+      session_.peerMountBytes_ -= bytesOf( *mount_ );
    }
    void onState() override { update( true ); }
    void onTarget() override { update( false ); }
@@ -200,6 +201,9 @@ class Session::Mounted : public std::enable_shared_from_this<Mounted> {
       place();
    }
    void resolve( Vel::Name const & path ) { in_.resolve( path ); }
+   [[nodiscard]] std::map<Vel::Name, Vel::Name> unmade() const {
+      return entity_ ? in_.unmade( *entity_ ) : std::map<Vel::Name, Vel::Name>();
+   }
 
    Vel::Ptr<Mount> const
       what; // the first mount: path, place, type, mode and filter are those of all
@@ -281,8 +285,7 @@ class Session::Mounted : public std::enable_shared_from_this<Mounted> {
 };
 
 void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
-   std::size_t const bytes = mount->name().size() + mount->typeName().size() +
-                             bytesOf( mount->filter() ) + 64; // for all that has a fixed size
+   std::size_t const bytes = bytesOf( *mount ) + 64; // for all that has a fixed size
    if ( !isMountPath( mount->name() ) || bytes > longestQuestion ) {
       mount->servedIs( MountState::refused, nullptr );
       return;
@@ -303,9 +306,8 @@ void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
 }
 
 void Session::ownMountDel( Vel::Ptr<Mount> const & mount ) {
-   auto const found = std::find_if( mounted_.begin(), mounted_.end(), [&]( auto const & entry ) {
-      return entry.second->has( mount );
-   } );
+   auto const found = std::ranges::find_if(
+      mounted_, [&]( auto const & entry ) { return entry.second->has( mount ); } );
    if ( found != mounted_.end() && !found->second->mountDel( mount ) ) {
       if ( mountsDue_.erase( found->first ) == 0 ) { // the peer has heard of it
          unmountsDue_.insert( found->first );
@@ -314,6 +316,12 @@ void Session::ownMountDel( Vel::Ptr<Mount> const & mount ) {
       mounted_.erase( found );
       ended->close();
    }
+}
+
+std::map<Vel::Name, Vel::Name> Session::unmade( Vel::Ptr<Mount> const & mount ) const {
+   auto const found = std::ranges::find_if(
+      mounted_, [&]( auto const & entry ) { return entry.second->has( mount ); } );
+   return found != mounted_.end() ? found->second->unmade() : std::map<Vel::Name, Vel::Name>();
 }
 
 /// What pointers lead to has come to a path, or gone from it.
@@ -578,9 +586,6 @@ void Session::takeMount( Vel::NboAttrLog & body ) {
         } ) == mostOfOnePath ) {
       refuse( "too many mounts of one path" );
    }
-   if ( filterBytes_ + bytesOf( filter ) > mostFilterBytes ) {
-      refuse( "too many names to filter" );
-   }
    lastPeerNumber_ = number;
    if ( !isMountPath( path ) ||
         ( static_cast<MountMode>( mode ) == MountMode::write && mayWrite_ == PeerMayWrite::no ) ) {
@@ -589,6 +594,9 @@ void Session::takeMount( Vel::NboAttrLog & body ) {
    }
    Vel::Ptr<Mount> const mount(
       new Mount( path, typeName, std::move( filter ), static_cast<MountMode>( mode ) ) );
+   if ( peerMountBytes_ + bytesOf( *mount ) > mostMountBytes ) {
+      refuse( "too long mounts" );
+   }
    serving_.emplace( number, std::make_shared<Serving>( *this, number, mount ) );
 }
 

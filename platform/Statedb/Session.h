@@ -55,6 +55,10 @@ class VEL_API Session {
    /// Has the mounts of a group served by the peer, those that are there and those that come.
    void mountGroupIs( Vel::Ptr<MountGroup> const & group );
 
+   /// What the peer serves below a mount of this side and this process cannot make: the names of types,
+   /// by path from the mounted entity.
+   [[nodiscard]] std::map<Vel::Name, Vel::Name> unmade( Vel::Ptr<Mount> const & mount ) const;
+
    /// How many entities of this side have changes that the peer has not been sent, and how many bytes
    /// wait besides.
    [[nodiscard]] std::size_t waitingEntities() const { return flow_->waitingEntities(); }
@@ -97,7 +101,7 @@ class VEL_API Session {
    std::set<uint32_t> statesDue_;
    std::set<uint32_t> mountsDue_;
    std::set<uint32_t> unmountsDue_;
-   std::size_t filterBytes_ = 0; // of the peer's mounts
+   std::size_t peerMountBytes_ = 0;
    std::vector<std::shared_ptr<GroupWatch>> groups_;
 };
 

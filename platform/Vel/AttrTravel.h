@@ -84,6 +84,8 @@ struct Travel {
    static constexpr AttrKind kind = attrKind;
    static constexpr bool single = std::is_void_v<Key>;
    static constexpr bool pointing = kind == AttrKind::pointers || kind == AttrKind::reference;
+   /// The flow keeps something of what could not be as the log says.
+   static constexpr bool remembered = pointing || kind == AttrKind::entries;
    using Held = std::remove_cvref_t<decltype( Get{}( std::declval<T const &>() ) )>;
 
    static T & self( Entity & entity ) { return static_cast<T &>( entity ); }
@@ -257,7 +259,7 @@ struct Travel {
       EntryOp const op = takeOp( body );
       check( op, body ); // first, so that a corrupt record changes nothing
       if ( op == EntryOp::all ) {
-         if constexpr ( pointing ) {
+         if constexpr ( remembered ) {
             flow.forgetAll( entity, row() );
          }
          keepOnly( entity, body );
@@ -265,7 +267,7 @@ struct Travel {
       while ( body.spare != 0 ) {
          Key const key = body.next<Key>();
          if ( op == EntryOp::gone ) {
-            if constexpr ( pointing ) {
+            if constexpr ( remembered ) {
                flow.forget( entity, row(), key );
             }
             Del{}( self( entity ), key );
@@ -372,9 +374,11 @@ struct Travel {
          // What cannot be made here, or does not fit, is left out with all below it.
          Ptr<Type> const made = dynamicPtr<Type>( flow.newEntity( value, key ) );
          if ( made ) {
+            flow.forget( entity, row(), key );
             Set{}( self( entity ), made );
             madeIs( entity, key, flow );
          } else {
+            flow.unmadeIs( entity, row(), key, value );
             Del{}( self( entity ), key );
          }
       } else if constexpr ( kind == AttrKind::pointers ) {

@@ -125,11 +125,20 @@ void NboAttrLogSa::imageInsteadOfMarks() {
    flow_.values_.add( *this );
    if ( owning_ ) {
       structureDue_ = true;
+      queueStructure();
+   }
+}
+
+/// One that waits stays before those that wait behind it: new children, whose records have to come after the
+/// one that makes them.
+void NboAttrLogSa::queueStructure() {
+   if ( !structureLink_.queued ) {
       flow_.structure_.add( *this );
    }
 }
 
 void NboAttrLogSa::imageIs() {
+   flow_.structure_.remove( *this ); // all of the tree comes anew, parents first
    imageDue();
    if ( collections_ ) {
       for ( auto const & child : collections_->children ) {
@@ -245,9 +254,8 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
    if ( !passes( at, key ) ) {
       return;
    }
-   // A new child queues itself, and has to come after the record that makes it.
-   if ( owned && !structureLink_.queued ) {
-      flow_.structure_.add( *this );
+   if ( owned ) {
+      queueStructure(); // before a new child does
    }
    bool const renewed = owned && childIs( at, key );
    if ( owned ? structureDue_ : imageDue_ ) {
@@ -476,6 +484,8 @@ void NboAttrLogSa::keepNameless( Entity const & from, Row const & at, uint16_t a
    if ( nameless.insert( { target, this, attribute, key } ).second ) {
       std::vector<Entity const *> & mine = collections().nameless;
       if ( mine.size() == mine.capacity() ) { // those that have got their names since
+         std::sort( mine.begin(), mine.end() );
+         mine.erase( std::unique( mine.begin(), mine.end() ), mine.end() );
          std::erase_if( mine, [&]( Entity const * one ) {
             auto const found = nameless.lower_bound( { one, this, 0, String() } );
             return found == nameless.end() || found->target != one || found->holder != this;
@@ -536,8 +546,8 @@ std::string_view FlowOut::piece( std::size_t most ) {
          log.sizeIs( before );
       } else {
          subject = &next;
-         root = &next.root();
       }
+      root = &next.root();
    }
    if ( !root ) {
       return {};
@@ -623,11 +633,19 @@ struct FlowIn::Names {
       keptSinceSweep = 0;
    }
 
+   /// What could not be made in one collection; the types by key.
+   struct Unmade {
+      Ref<Entity> holder;
+      std::map<Name, Name> types;
+   };
+
    ByPointer byPointer;
    std::set<std::pair<Name, Pointer const *>> byPath; // the pointers of `byPointer`
    std::map<Entity const *, Ref<Entity>> holders; // one each, since every Ref is one more observer
    std::size_t keptSinceSweep = 0;
-   Ref<Entity> root; // null where names count from the top of the replica's tree
+   std::map<std::pair<Entity const *, AttrTravel const *>, Unmade> unmade;
+   std::size_t unmadeMost = 64; // then those of holders that are gone go
+   Ref<Entity> root;            // null where names count from the top of the replica's tree
    Ref<Entity> replica;
    Name place;
 };
@@ -695,6 +713,7 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
                                               ? "a version of the attribute log other than 1"
                                               : "no attribute log" );
    }
+   log.positionIs( static_cast<std::size_t>( in.at - in.begin ) );
    Hold const hold( replica );
    Ptr<Entity> child; // held while records are applied to it
    Entity * subject = &replica;
@@ -765,13 +784,56 @@ void FlowIn::point( Entity & entity, AttrTravel const & row, Name const & key, N
 void FlowIn::forget( Entity const & entity, AttrTravel const & row, Name const & key ) {
    if ( names_ ) {
       names_->erase( { &entity, &row, key } );
+      if ( auto const found = names_->unmade.find( { &entity, &row } );
+           found != names_->unmade.end() && found->second.types.erase( key ) != 0 &&
+           found->second.types.empty() ) {
+         names_->unmade.erase( found );
+      }
    }
 }
 
 void FlowIn::forgetAll( Entity const & entity, AttrTravel const & row ) {
    if ( names_ ) {
       names_->eraseAll( &entity, &row );
+      names_->unmade.erase( { &entity, &row } );
    }
+}
+
+void FlowIn::unmadeIs( Entity & entity, AttrTravel const & row, Name const & key,
+                       Name const & typeName ) {
+   if ( !names_ ) {
+      names_ = std::make_unique<Names>();
+   }
+   if ( names_->unmade.size() >= names_->unmadeMost ) { // of holders that are gone
+      std::erase_if( names_->unmade, []( auto const & one ) { return !one.second.holder.get(); } );
+      names_->unmadeMost = 2 * names_->unmade.size() + 64;
+   }
+   Names::Unmade & unmade = names_->unmade[{ &entity, &row }];
+   if ( !unmade.holder.get() ) { // new, or left by another entity, which was at this address
+      unmade.types.clear();
+      unmade.holder.targetIs( &entity );
+   }
+   unmade.types[key] = typeName;
+}
+
+std::map<Name, Name> FlowIn::unmade( Entity const & replica ) const {
+   std::map<Name, Name> all;
+   if ( !names_ ) {
+      return all;
+   }
+   for ( auto const & entry : names_->unmade ) {
+      Name path;
+      Entity const * at = entry.second.holder.get();
+      for ( ; at && at != &replica; at = at->parent() ) {
+         path = at->name() + "/" + path;
+      }
+      for ( auto const & [key, typeName] : entry.second.types ) {
+         if ( at ) { // is still in the replica
+            all[path + key] = typeName;
+         }
+      }
+   }
+   return all;
 }
 
 /// Whoever is told of one pointer may do away with the others.

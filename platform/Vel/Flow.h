@@ -6,6 +6,7 @@
 #include <Vel/String.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <set>
 #include <string_view>
@@ -75,7 +76,7 @@ class VEL_API FlowOut : public PtrInterface {
 
    /// Whether there is anything to hand out.
    [[nodiscard]] bool pending() const { return structure_.first() || values_.first(); }
-   /// The next piece: a whole log of one adaptor. Valid until the next call; empty when there is none.
+   /// The next piece: a whole log of one adaptor. Valid until the next call; empty when nothing is pending.
    /// It ends with the entity with which it reaches `most` bytes.
    [[nodiscard]] std::string_view piece( std::size_t most = 16 * 1024 );
    /// The tag of the adaptor whose log the last piece was.
@@ -172,6 +173,7 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    void markLate( uint8_t attribute );
    void imageDue();
    void imageInsteadOfMarks();
+   void queueStructure();
    void imagesInsteadOfKeys();
    [[nodiscard]] uint16_t attributeEnd() const;
    [[nodiscard]] Row row( uint16_t attribute ) const;
@@ -237,11 +239,16 @@ class VEL_API FlowIn {
    void resolve( Name const & path );
    /// How many names lead to nothing that fits.
    [[nodiscard]] std::size_t unresolved() const;
+   /// What the sender has in directories and the replica lacks, since no entity of the type can be made
+   /// here, or fits there: the names of types, by path from the replica.
+   [[nodiscard]] std::map<Name, Name> unmade( Entity const & replica ) const;
 
    // For the attributes' rows.
    void point( Entity & entity, AttrTravel const & row, Name const & key, Name const & path );
    void forget( Entity const & entity, AttrTravel const & row, Name const & key );
    void forgetAll( Entity const & entity, AttrTravel const & row );
+   void unmadeIs( Entity & entity, AttrTravel const & row, Name const & key,
+                  Name const & typeName );
    [[nodiscard]] Ptr<Entity> newEntity( Name const & typeName, Name const & name );
    void madeIs( Entity const & made );
 

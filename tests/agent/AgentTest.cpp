@@ -5,6 +5,7 @@
 #include "tools/xcvr/Server.h"
 #include "tools/xcvr/StatusPaths.h"
 
+#include <Vel/DefineEntity.h>
 #include <Xcvr/XcvrSfpPlus.h>
 
 #include <gmock/gmock.h>
@@ -440,6 +441,74 @@ TEST_F( ManyWritesTest, aReaderThatStopsReadingCostsNothing ) {
    serveUntil( [&] {
       return sleeper.step( POLLIN ) && own.entity( "hardware/xcvr/status/slice/L1/slot9" );
    } );
+}
+
+} // namespace
+
+/// A status that only a newer agent knows.
+class NewerStatus : public Vel::Entity {
+ public:
+   explicit NewerStatus( Vel::Name name ) : Vel::Entity( std::move( name ) ) {}
+   VEL_ENTITY( NewerStatus, Vel::Entity,
+      ( Plain, level, onLevel, uint32_t ) );
+};
+VEL_ENTITY_DEFINE( NewerStatus )
+
+namespace {
+
+TEST_F( AgentTest, anAgentThatServesTheSameTakesOver ) {
+   fileIs( "a", module( "A", 20 ) );
+   fileIs( "b", module( "B", 20 ) );
+   std::vector<std::string> const firstWords = { "agent", "--listen", "s1",  "--slice",
+                                                 "L1",    "--slot",   "E1=a" };
+   for ( std::string const slice : { "L1", "L2" } ) { // the whole set, the slot of another set
+      auto first = tool( "first" + slice, firstWords );
+      auto const second = tool( "second" + slice,
+                                { "agent", "--listen", "s2", "--slice", slice, "--slot", "E1=b" } );
+      for ( char const * agent : { "first", "second" } ) {
+         ASSERT_TRUE( eventually( [&] {
+            return file( agent + slice + ".out" ).find( "inserted" ) != std::string::npos;
+         } ) );
+      }
+      auto const watch = tool( slice, { "watch", "--connect", "s1", "--connect", "s2" } );
+      auto const watchEndsWith = [&]( std::string const & lines ) {
+         return eventually( [&] { return file( slice + ".out" ).ends_with( lines ); } );
+      };
+      ASSERT_TRUE( watchEndsWith( appeared( "E1", "A" ) ) );
+      first->end( SIGKILL );
+      ASSERT_TRUE( watchEndsWith( "E1: withdrawn\n" + appeared( "E1", "B" ) ) );
+      first = tool( "first", firstWords ); // it is the one named first
+      ASSERT_TRUE( watchEndsWith( "E1: withdrawn\n" + appeared( "E1", "A" ) ) );
+   }
+}
+
+TEST_F( ManyWritesTest, aSlotOfAnUnknownTypeIsToldAndTheOthersAreShown ) {
+   Xcvr::XcvrSff8472IdEepromContents contents;
+   contents.bufIs( Vel::String( XcvrTest::SfpImageBuilder().text( "vendorSn", "S1" ).a0h() ) );
+   auto const known = newSlot( 1 );
+   known->actualIdEepromContentsIs( contents );
+   set.statusIs( known );
+   Vel::Ptr<NewerStatus> const newer( new NewerStatus( "slot2" ) );
+   auto const statuses =
+      Vel::dynamicPtr<Vel::Dir>( tree.entity( StatusPaths::status( "slice/L1" ) ) );
+   statuses->entryIs( newer );
+   std::string const told =
+      "xcvr: socket: slot2 is of type XcvrTool::NewerStatus, which is unknown "
+      "here; use an xcvr as new as the agent\n";
+   auto const watch = tool( "watch", { "watch", "--connect", "socket" } );
+   auto const show = tool( "show", { "show", "--connect", "socket" } );
+   serveUntil( [&] { return file( "watch.out" ) != "" && file( "show.out" ) != ""; } );
+   EXPECT_EQ( show->end(), 3 );
+   EXPECT_THAT( file( "show.out" ), testing::HasSubstr( "serial number  : S1\n" ) );
+   EXPECT_EQ( file( "show.err" ), told );
+   newer->levelIs( 7 ); // which is skipped
+   known->lastDomUpdateTimeIs( 2 );
+   serveUntil( [&] { return file( "watch.out" ).find( "DomUpdateTime" ) != std::string::npos; } );
+   auto const replaced = newSlot( 2 );
+   replaced->actualIdEepromContentsIs( contents );
+   set.statusIs( replaced );
+   serveUntil( [&] { return file( "watch.out" ).find( "slot2: app" ) != std::string::npos; } );
+   EXPECT_EQ( file( "watch.err" ), told );
 }
 
 } // namespace

@@ -19,9 +19,7 @@ struct Copied {
    void deliver() {
       while ( flow->pending() ) {
          Vel::NboAttrLog log( flow->piece() );
-         if ( !log.bytes().empty() ) {
-            replica->doHandleAttrDeserialization( log, in );
-         }
+         replica->doHandleAttrDeserialization( log, in );
       }
    }
    Vel::Ptr<Vel::Dir> dir = Vel::dirFactory( "dir" );
@@ -533,6 +531,88 @@ TEST( SessionLifetimeTest, aHandlerThatThrowsEndsTheSession ) {
    slot->speedIs( 1 );
    EXPECT_THROW( joined.pump(), std::runtime_error );
    EXPECT_FALSE( joined.mounting.wantsToReceive() );
+}
+
+} // namespace
+} // namespace Statedb
+
+// ---------------------------------------------------------------------------------------------
+// Past the bound, and what cannot be made
+
+namespace Sample {
+namespace {
+
+TEST( ReplicationTest, imagesInsteadOfMarksLeaveParentsBeforeTheirNewChildren ) {
+   Copied copied;
+   copied.flow = new Vel::FlowOut( 300 );
+   copied.adaptor = Vel::Dir::velNboAttrLogSaIs( copied.dir, copied.flow );
+   copied.deliver();
+   for ( int i = 0; i < 20; ++i ) {
+      Vel::Ptr<Slot> const slot( new Slot( Vel::Name( std::to_string( i ) ) ) );
+      slot->laneIs( LaneNumber( 1 ) )->litIs( true );
+      copied.dir->entryIs( slot );
+   }
+   copied.deliver();
+   EXPECT_EQ( asText( *copied.replica ), asText( *copied.dir ) );
+}
+
+TEST( ReplicationTest, whatCannotBeMadeIsKnownUntilItGoesOrCanBe ) {
+   using Types = std::map<Vel::Name, Vel::Name>;
+   Copied copied;
+   auto const below = Vel::dirFactory( "below" );
+   copied.dir->entryIs( below );
+   Types const unknown = { { "below/x", "Sample::Lane" } };
+   auto const entryIs = [&]( Vel::Ptr<Vel::Entity> const & entity ) {
+      below->entryIs( entity );
+      copied.deliver();
+      return copied.in.unmade( *copied.replica );
+   };
+   Vel::Ptr<Lane> const lane( new Lane( Vel::Name( "x" ) ) ); // has no factory
+   EXPECT_EQ( entryIs( lane ), unknown );
+   EXPECT_EQ( entryIs( new Slot( "x" ) ), Types() );
+   EXPECT_EQ( entryIs( lane ), unknown );
+   copied.adaptor->imageIs();
+   EXPECT_EQ( entryIs( new Slot( "y" ) ), unknown );
+   EXPECT_TRUE( Vel::dynamicPtr<Vel::Dir>( copied.replica->entry( "below" ) )->entryHas( "y" ) );
+   below->entryDel( "x" );
+   EXPECT_EQ( entryIs( new Slot( "z" ) ), Types() );
+   EXPECT_EQ( entryIs( lane ), unknown );
+   auto const kept = copied.replica->entry( "below" ); // out of the replica, but alive
+   copied.dir->entryDel( "below" );
+   copied.deliver();
+   EXPECT_EQ( copied.in.unmade( *copied.replica ), Types() );
+}
+
+TEST( ReplicationTest, entitiesThatHaveGoneWaitForNobody ) {
+   Copied copied;
+   copied.flow = new Vel::FlowOut( 5000 );
+   copied.adaptor = Vel::Dir::velNboAttrLogSaIs( copied.dir, copied.flow );
+   copied.deliver();
+   for ( int i = 0; i < 10000; ++i ) { // each with a name of its own, three at a time
+      Vel::Ptr<Slot> const slot( new Slot( Vel::Name( std::to_string( i ) ) ) );
+      slot->laneIs( LaneNumber( 1 ) );
+      copied.dir->entryIs( slot );
+      copied.dir->entryDel( Vel::Name( std::to_string( i - 3 ) ) );
+      ASSERT_LE( copied.flow->waitingBytes(), 5000U );
+      ASSERT_LE( copied.flow->waitingEntities(), 16U );
+   }
+   copied.deliver();
+   EXPECT_EQ( asText( *copied.replica ), asText( *copied.dir ) );
+}
+
+} // namespace
+} // namespace Sample
+
+namespace Statedb {
+namespace {
+
+TEST( SessionLifetimeTest, theTextsOfAPeersMountsAreBounded ) {
+   Joined joined;
+   for ( int i = 0; i < 100; ++i ) {
+      joined.group->mountIs(
+         newMount( Vel::Name( std::string( 50000, 'x' ) + std::to_string( i ) ), "T" ) );
+   }
+   EXPECT_THROW( joined.pump(), ProtocolException );
 }
 
 } // namespace

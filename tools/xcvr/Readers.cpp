@@ -104,10 +104,13 @@ std::string Remote::problem() const {
    return "";
 }
 
-void Remote::conflictIs( std::string const & conflict ) {
-   if ( conflict != std::exchange( conflict_, conflict ) && !conflict.empty() ) {
-      say_( fmt::format( "{}: {}", shownFileName( socket_ ), conflict ) );
+void Remote::leftOutIs( std::set<std::string> const & leftOut ) {
+   for ( std::string const & one : leftOut ) {
+      if ( !leftOut_.contains( one ) ) {
+         say_( fmt::format( "{}: {}", shownFileName( socket_ ), one ) );
+      }
    }
+   leftOut_ = leftOut;
 }
 
 /// What is mounted of a path of the agent, if it is of that type.
@@ -153,6 +156,10 @@ SlotSet::Statuses Remote::statuses( Vel::Name const & set ) const {
    return all;
 }
 
+std::map<Vel::Name, Vel::Name> Remote::unmade( Vel::Name const & set ) const {
+   return stream_->session().unmade( mounts_->mount( StatusPaths::status( set ) ) );
+}
+
 std::optional<uint32_t> Remote::generation( Vel::Name const & set ) const {
    auto const config = at<Xcvr::AllConfigDir>( StatusPaths::config( set ) );
    auto const agent = at<Xcvr::XcvrSliceStatus>( StatusPaths::agent( set ) );
@@ -167,8 +174,7 @@ bool Remote::isComplete() const {
    auto const isMounted = [&]( Vel::Name const & path ) {
       return mounts_->mount( path )->state() == MountState::mounted;
    };
-   return isConnected() && !sets_.empty() && conflict_.empty() &&
-          std::ranges::all_of( needed_, isMounted ) &&
+   return isConnected() && !sets_.empty() && std::ranges::all_of( needed_, isMounted ) &&
           std::ranges::all_of(
              sets_, [&]( Vel::Name const & set ) { return generation( set ).has_value(); } );
 }
@@ -220,39 +226,65 @@ bool Readers::turn( int milliseconds ) {
    return any;
 }
 
+/// What one agent serves of a set.
+struct Readers::Served {
+   SlotSet::Statuses statuses;
+   std::optional<SlotSet::Version> version;
+};
+
 /// The merged directory has sets of this side, into which go what agents serve once it has been looked
 /// at: those who merge take only statuses, and a slot from one set only.
 void Readers::merge() {
-   std::map<Vel::Name, std::pair<SlotSet::Statuses, std::optional<uint32_t>>> served;
+   std::map<Vel::Name, Served> served;
    std::map<Vel::Name, std::string> servers; // of sets and of slots
    for ( auto const & remote : remotes_ ) {
-      std::string conflict;
-      auto const isFree = [&]( Vel::Name const & what, char const * advice ) {
-         auto const [server, isFirst] = servers.try_emplace( what, remote->socket() );
-         if ( !isFirst ) {
-            conflict = fmt::format( "{} is served by {} as well; {}", shownFileName( what.view() ),
-                                    shownFileName( server->second ), advice );
-         }
-         return isFirst;
-      };
-      for ( Vel::Name const & set : remote->sets() ) {
-         if ( isFree( StatusPaths::status( set ), "give agents of different slices" ) ) {
-            SlotSet::Statuses statuses = remote->statuses( set );
-            std::erase_if( statuses, [&]( auto const & entry ) {
-               return !isFree( entry.first, "give slots other names" );
-            } );
-            served[set] = { std::move( statuses ), remote->generation( set ) };
-            sets_.try_emplace( set, tree_, set );
-         }
-      }
-      remote->conflictIs( conflict );
+      remote->leftOutIs( take( *remote, servers, served ) );
    }
    for ( auto & [name, set] : sets_ ) { // first, as a slot may have gone to another set
-      set.othersDel( served[name].first );
+      set.othersDel( served[name].statuses );
    }
    for ( auto & [name, set] : sets_ ) {
-      set.statusesAre( served[name].first, served[name].second );
+      set.statusesAre( served[name].statuses, served[name].version );
    }
+}
+
+/// Adds what an agent serves and those before it do not; says why the rest is left out.
+std::set<std::string> Readers::take( Remote const & remote,
+                                     std::map<Vel::Name, std::string> & servers,
+                                     std::map<Vel::Name, Served> & served ) {
+   std::set<std::string> leftOut;
+   auto const isFree = [&]( Vel::Name const & what, char const * advice ) {
+      auto const [server, isFirst] = servers.try_emplace( what, remote.socket() );
+      if ( !isFirst ) {
+         leftOut.insert( fmt::format( "{} is served by {} as well; {}",
+                                      shownFileName( what.view() ), shownFileName( server->second ),
+                                      advice ) );
+      }
+      return isFirst;
+   };
+   for ( Vel::Name const & set : remote.sets() ) {
+      if ( isFree( StatusPaths::status( set ), "give agents of different slices" ) ) {
+         SlotSet::Statuses statuses = remote.statuses( set );
+         std::set<Vel::Name> others;
+         std::erase_if( statuses, [&]( auto const & entry ) {
+            return !isFree( entry.first, "give slots other names" ) &&
+                   others.insert( entry.first ).second;
+         } );
+         std::optional<SlotSet::Version> version;
+         if ( auto const generation = remote.generation( set ) ) {
+            version = { remote.socket(), *generation, others };
+         }
+         served[set] = { std::move( statuses ), std::move( version ) };
+         sets_.try_emplace( set, tree_, set );
+      }
+      for ( auto const & [slot, type] : remote.unmade( set ) ) {
+         leftOut.insert( fmt::format( "{} is of type {}, which is unknown here; use an xcvr as new "
+                                      "as the agent",
+                                      shownFileName( slot.view() ),
+                                      shownFileName( type.view() ) ) );
+      }
+   }
+   return leftOut;
 }
 
 bool Readers::isSettled() const {
@@ -262,8 +294,9 @@ bool Readers::isSettled() const {
 }
 
 bool Readers::allComplete() const {
-   return std::ranges::all_of( remotes_,
-                               []( auto const & remote ) { return remote->isComplete(); } );
+   return std::ranges::all_of( remotes_, []( auto const & remote ) {
+      return remote->isComplete() && !remote->leavesOut();
+   } );
 }
 
 std::vector<std::string> Readers::late() const {

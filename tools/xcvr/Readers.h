@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,16 +28,19 @@ class Remote {
    void connect();
    [[nodiscard]] std::string const & socket() const { return socket_; }
    [[nodiscard]] bool isConnected() const { return stream_ != nullptr; }
-   /// The last attempt to reach the agent, or to mount what it serves, failed; or it conflicts.
-   [[nodiscard]] bool hasFailed() const { return hasFailed_ || !conflict_.empty(); }
-   /// What other agents serve as well; empty for nothing. It is told once.
-   void conflictIs( std::string const & conflict );
+   /// The last attempt to reach the agent, or to mount what it serves, failed.
+   [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+   /// Why some of what it serves is not in the merged directory; each is told once.
+   void leftOutIs( std::set<std::string> const & leftOut );
+   [[nodiscard]] bool leavesOut() const { return !leftOut_.empty(); }
    /// All that the agent serves is mounted, and none of it behind its configuration.
    [[nodiscard]] bool isComplete() const;
    /// The sets of slots that it serves; none before it has said so.
    [[nodiscard]] std::vector<Vel::Name> const & sets() const { return sets_; }
    /// Of those that are no statuses, null.
    [[nodiscard]] SlotSet::Statuses statuses( Vel::Name const & set ) const;
+   /// The types of those statuses that cannot be made here, by slot.
+   [[nodiscard]] std::map<Vel::Name, Vel::Name> unmade( Vel::Name const & set ) const;
    /// Of a set, once agent and configuration agree on it: all of it is there then.
    [[nodiscard]] std::optional<uint32_t> generation( Vel::Name const & set ) const;
    [[nodiscard]] pollfd waitsFor() const;
@@ -61,7 +65,7 @@ class Remote {
    std::vector<Vel::Name> sets_;   // of slots; empty before the agent has said which it serves
    bool hasFailed_ = false;
    Problem said_ = Problem::none; // the last one; its text may hold numbers that change
-   std::string conflict_;
+   std::set<std::string> leftOut_;
    static constexpr std::chrono::milliseconds firstPause{ 300 };
    std::chrono::milliseconds pause_ = firstPause; // before the next attempt
    std::chrono::steady_clock::time_point retryAt_;
@@ -81,6 +85,7 @@ class Readers {
    bool turn( int milliseconds );
    /// No agent that is connected is on the way to something else.
    [[nodiscard]] bool isSettled() const;
+   /// All that every agent serves is in.
    [[nodiscard]] bool allComplete() const;
    /// The sockets of agents that are not complete, but have not failed either.
    [[nodiscard]] std::vector<std::string> late() const;
@@ -88,7 +93,11 @@ class Readers {
    [[nodiscard]] std::vector<Vel::Ptr<Xcvr::XcvrNewStatus const>> published() const;
 
  private:
+   struct Served;
    void merge();
+   [[nodiscard]] std::set<std::string> take( Remote const & remote,
+                                             std::map<Vel::Name, std::string> & servers,
+                                             std::map<Vel::Name, Served> & served );
 
    Statedb::EntityManager tree_;
    std::map<Vel::Name, SlotSet> sets_; // what is merged, of all agents

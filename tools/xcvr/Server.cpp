@@ -1,6 +1,5 @@
 #include "tools/xcvr/Server.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fmt/format.h>
@@ -45,11 +44,6 @@ void Server::accept() {
    } else if ( errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM ) {
       isFull_ = true; // it would be asked again at once, and again
    }
-}
-
-bool Server::wantsToSend() const {
-   return std::ranges::any_of(
-      readers_, []( Reader const & reader ) { return reader.stream.session().wantsToSend(); } );
 }
 
 } // namespace XcvrTool

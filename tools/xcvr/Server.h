@@ -17,8 +17,6 @@ class Server {
    /// One round: waits until a reader or `besides` has something, or for so long, and serves them.
    void turn( int milliseconds, int besides = -1 );
    [[nodiscard]] std::size_t readerCount() const { return readers_.size(); }
-   /// Whether there is anything left to send.
-   [[nodiscard]] bool wantsToSend() const;
 
  private:
    struct Reader {

@@ -24,7 +24,8 @@ void SlotSet::statusIs( Vel::Ptr<Xcvr::XcvrNewStatus> const & status ) {
 void SlotSet::othersDel( Statuses const & statuses ) {
    std::vector<Vel::Name> others;
    for ( auto const & entry : statuses_->entryMap() ) {
-      if ( !statuses.contains( entry.first ) ) {
+      auto const listed = statuses.find( entry.first );
+      if ( listed == statuses.end() || !( listed->second == entry.second ) ) {
          others.push_back( entry.first );
       }
    }
@@ -33,12 +34,12 @@ void SlotSet::othersDel( Statuses const & statuses ) {
    }
 }
 
-void SlotSet::statusesAre( Statuses const & statuses, std::optional<uint32_t> generation ) {
-   if ( std::exchange( served_, generation ) == generation ) {
+void SlotSet::statusesAre( Statuses const & statuses, std::optional<Version> const & version ) {
+   if ( std::exchange( served_, version ) == version ) {
       return; // what has come since belongs to the next one, and may lack its values
    }
    begin();
-   if ( generation ) {
+   if ( version ) {
       for ( auto const & [slot, status] : statuses ) {
          statuses_->entryIs( status );
       }

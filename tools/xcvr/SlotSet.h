@@ -5,6 +5,8 @@
 
 #include <map>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace XcvrTool {
@@ -18,10 +20,17 @@ class SlotSet {
    /// Puts in a status, or one in another's place, for readers as a new generation.
    void statusIs( Vel::Ptr<Xcvr::XcvrNewStatus> const & status );
    void statusDel( Vel::Name const & slot ) { statuses_->entryDel( slot ); }
-   /// Takes out the slots that are not listed.
+   /// Takes out the slots that are not listed, or with another status.
    void othersDel( Statuses const & statuses );
-   /// Puts in what is listed, once for each generation that is served; none while one is on its way.
-   void statusesAre( Statuses const & statuses, std::optional<uint32_t> generation );
+   /// What is served as a whole: a generation, of an agent, without the slots that another one has.
+   struct Version {
+      std::string agent;
+      uint32_t generation;
+      std::set<Vel::Name> others;
+      friend bool operator==( Version const &, Version const & ) = default;
+   };
+   /// Puts in what is listed, once for each version that is served; none while one is on its way.
+   void statusesAre( Statuses const & statuses, std::optional<Version> const & version );
 
  private:
    void begin() { config_->generationIdIs( config_->generationId() + 1 ); }
@@ -30,7 +39,7 @@ class SlotSet {
    Vel::Ptr<Xcvr::AllConfigDir> config_;
    Vel::Ptr<Xcvr::XcvrSliceStatus> agent_;
    Vel::Ptr<Vel::Dir> statuses_;
-   std::optional<uint32_t> served_; // the generation that is in
+   std::optional<Version> served_; // that is in
 };
 
 } // namespace XcvrTool

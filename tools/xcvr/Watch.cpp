@@ -126,9 +126,8 @@ std::vector<std::string> Watch::changesTo( std::vector<Status> const & published
    }
    std::set<uint32_t> changed;
    while ( flow_->pending() ) {
-      if ( !flow_->piece().empty() ) {
-         changed.insert( flow_->tag() );
-      }
+      static_cast<void>( flow_->piece() ); // which says what has changed, not how
+      changed.insert( flow_->tag() );
    }
    for ( Status const & status : published ) {
       uint32_t const tag = tags_[status->name()];
