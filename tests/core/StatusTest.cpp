@@ -30,23 +30,15 @@ class FamilyStatus : public XcvrNewStatus {
    TuningCapabilities tuning;
 };
 
-/// The value whose numbers are all unreadable.
-template <typename T>
-T allUnreadable() {
-   T result;
-   T::velFields( [&]( auto const &, double T::*field ) { result.*field = unreadable; } );
-   return result;
-}
-
 } // namespace
 
 TEST( StatusTest, WhatAFamilyDoesNotSupplyIsNeutralAndTraced ) {
    XcvrNewStatus status( "slot", XcvrType::unknown );
    TraceCapture capture( "Xcvr", 8 );
+   // The operation has been called: that it says so, and what it has to give.
    auto const traced = [&]( std::string const & operation ) {
       EXPECT_THAT( capture.takeNotes(), ElementsAre( operation + ": " + operation ) );
    };
-   // The operation has been called: what it has to give, and that it says so.
    auto const neutral = [&]( char const * operation, auto const & result, auto const & expected ) {
       EXPECT_EQ( result, expected ) << operation;
       traced( operation );
@@ -62,10 +54,9 @@ TEST( StatusTest, WhatAFamilyDoesNotSupplyIsNeutralAndTraced ) {
             DomInfo( 0, domCalibrationUnknown, no, no, no, no, no, no ) );
    neutral( "domAggPower", status.domAggPower(), DomAggPower( 0, domCalibrationUnknown, no, no ) );
    neutral( "domThresholdValid", status.domThresholdValid(), false );
-   neutral( "domThreshold", status.domThreshold(), allUnreadable<DomThreshold>() );
+   neutral( "domThreshold", status.domThreshold().rxPowerLowWarn(), no );
    neutral( "enhancedDomValue", status.enhancedDomValue( 1 ), no );
-   neutral( "enhancedDomThreshold", status.enhancedDomThreshold( 1 ),
-            allUnreadable<EnhancedDomThreshold>() );
+   neutral( "enhancedDomThreshold", status.enhancedDomThreshold( 1 ).highAlarm(), no );
    neutral( "powerClass", status.powerClass(), xcvrPowerClassUnknown );
    neutral( "electricalPathAttenuation", status.electricalPathAttenuation().value(), no );
    neutral( "hwChannel", status.hwChannel(), 0u );

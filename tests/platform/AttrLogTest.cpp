@@ -64,17 +64,26 @@ TEST( AttrLog, ValuesFollowEachOther ) {
    }
 }
 
+/// Why T cannot be read from bytes, and behind how many of them; the log must stay where it was.
+template <typename T>
+std::pair<std::string, std::size_t> refusal( std::string const & bytes ) {
+   NboAttrLog log( "X" + bytes );
+   EXPECT_EQ( log.read<uint8_t>(), 'X' );
+   AllocationCount const count;
+   try {
+      ADD_FAILURE() << T( log );
+   } catch ( AttrLogException const & error ) {
+      EXPECT_LT( count.bytes(), 2000U ) << "it allocated what the log claims to hold";
+      EXPECT_EQ( log.position(), 1U );
+      return { error.what(), error.position() - 1 };
+   }
+   return {};
+}
+
 template <typename T>
 void expectRefusedTruncated( std::string const & bytes ) {
    for ( std::size_t size = 0; size < bytes.size(); ++size ) {
-      NboAttrLog log( "X" + bytes.substr( 0, size ) );
-      EXPECT_EQ( log.read<uint8_t>(), 'X' );
-      try {
-         FAIL() << size << ": " << T( log );
-      } catch ( AttrLogException const & error ) {
-         EXPECT_LE( error.position(), 1 + size );
-         EXPECT_EQ( log.position(), 1U );
-      }
+      EXPECT_LE( refusal<T>( bytes.substr( 0, size ) ).second, size );
    }
 }
 
@@ -86,18 +95,9 @@ TEST( AttrLog, TruncatedItIsRefusedAndStaysWhereItWas ) {
 /// A record of T that is good up to some bytes: those are refused, before anything is believed.
 template <typename T>
 void expectRefused( std::string const & good, std::string const & bad, char const * problem ) {
-   SCOPED_TRACE( bad );
-   std::string const before = unhex( good );
-   NboAttrLog log( before + unhex( bad ) + std::string( 100, '\0' ) );
-   AllocationCount const count;
-   try {
-      ADD_FAILURE() << T( log );
-   } catch ( AttrLogException const & error ) {
-      EXPECT_LT( count.bytes(), 2000U ) << "it allocated what the log claims to hold";
-      EXPECT_EQ( error.position(), before.size() );
-      EXPECT_THAT( error.what(), testing::HasSubstr( problem ) );
-      EXPECT_EQ( log.position(), 0U );
-   }
+   auto const [why, at] = refusal<T>( unhex( good + bad ) + std::string( 100, '\0' ) );
+   EXPECT_THAT( why, testing::HasSubstr( problem ) ) << bad;
+   EXPECT_EQ( at, unhex( good ).size() ) << bad;
 }
 
 TEST( AttrLog, HostileContentIsRefusedBeforeItIsBelieved ) {
