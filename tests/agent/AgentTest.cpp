@@ -108,17 +108,6 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
    fileIs( "a", module( "A", 40 ) ); // what is measured
    ASSERT_TRUE(
       becomes( "watch.out", lines += "Ethernet1: domInfo/0/temperature: 20 °C -> 40 °C\n" ) );
-   watch->signal( SIGSTOP ); // a reader that sleeps, and finds how things are now
-   fileIs( "a", module( "A", 60 ) );
-   std::string const again = "Ethernet1: read again: Unknown, NORTHLIGHT NL-1, serial number A\n";
-   ASSERT_TRUE( eventually( [&] { return file( "fixed.out" ).ends_with( again + again ); } ) );
-   fileIs( "a", module( "A", 20 ) );
-   ASSERT_TRUE(
-      eventually( [&] { return file( "fixed.out" ).ends_with( again + again + again ); } ) );
-   watch->signal( SIGCONT );
-   ASSERT_TRUE( eventually( [&] { return file( "watch.out" ).ends_with( "-> 20 °C\n" ); } ) );
-   EXPECT_THAT( file( "watch.out" ), testing::StartsWith( lines ) );
-   lines = file( "watch.out" );      // with 60 °C if the agent was about to send 20
    fileIs( "c", module( "C", 20 ) ); // a module comes
    ASSERT_TRUE( becomes( "watch.out", lines += appeared( "Ethernet10", "C" ) ) );
    fileIs( "c", "nonsense" ); // and cannot be read for a while
@@ -160,10 +149,8 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
 TEST_F( AgentTest, aSlotIsServedOnce ) {
    fileIs( "a", module( "A", 20 ) );
    fileIs( "b", module( "B", 20 ) );
-   struct {
-      std::vector<std::string> words; // of the second agent
-      char const * complaint;
-   } const cases[] = {
+   // The words of the second agent, and what show has to say.
+   std::pair<std::vector<std::string>, char const *> const cases[] = {
       { { "--slice", "L2", "--slot", "E1=b" },
         "xcvr: s2: E1 is served by s1 as well; give slots other names\n" },
       { { "--slice", "L1", "--slot", "E2=b" },
@@ -172,10 +159,10 @@ TEST_F( AgentTest, aSlotIsServedOnce ) {
    };
    auto const first =
       tool( "first", { "agent", "--listen", "s1", "--slice", "L1", "--slot", "E1=a" } );
-   for ( auto const & row : cases ) {
+   for ( auto const & [ofSecond, complaint] : cases ) {
       std::vector<std::string> words = { "agent", "--listen", "s2" };
-      words.insert( words.end(), row.words.begin(), row.words.end() );
-      std::string const name = "second" + row.words[1];
+      words.insert( words.end(), ofSecond.begin(), ofSecond.end() );
+      std::string const name = "second" + ofSecond[1];
       auto const second = tool( name, words );
       for ( std::string const & out : { std::string( "first.out" ), name + ".out" } ) {
          ASSERT_TRUE(
@@ -183,7 +170,7 @@ TEST_F( AgentTest, aSlotIsServedOnce ) {
       }
       EXPECT_EQ( tool( "show", { "show", "--connect", "s1", "--connect", "s2" } )->end(), 3 );
       EXPECT_THAT( file( "show.out" ), testing::HasSubstr( "serial number  : A\n" ) );
-      EXPECT_EQ( file( "show.err" ), row.complaint );
+      EXPECT_EQ( file( "show.err" ), complaint );
       EXPECT_EQ( second->end( SIGTERM ), 0 );
    }
 }

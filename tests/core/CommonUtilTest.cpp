@@ -31,7 +31,6 @@ TEST( CommonUtilTest, DumpsAreOfTenALine ) {
    std::vector<uint16_t> words( 11, 0x00ab );
    words[10] = 0xbeef;
    std::string const line = "\n00AB 00AB 00AB 00AB 00AB 00AB 00AB 00AB 00AB 00AB ";
-   EXPECT_EQ( dumpW16Data( words.data(), 20 ), "Cfp2  read size=20 data=0x" + line );
    EXPECT_EQ( dumpW16Data( words.data(), 22 ), "Cfp2  read size=22 data=0x" + line + "\nBEEF " );
    // An odd count reads the last word whole; words may lie anywhere.
    EXPECT_EQ( dumpW16Data( words.data(), 1 ), "Cfp2  read size=1 data=0x\n00AB " );

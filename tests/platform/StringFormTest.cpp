@@ -165,16 +165,5 @@ TEST( StringForm, MalformedTextIsRefusedWhereItGoesWrong ) {
       expectRefused<Maps>( mapsForm, change );
 }
 
-TEST( StringForm, CutAnywhereItIsRefused ) {
-   for ( std::string const form : { allForm, mapsForm } ) {
-      for ( std::size_t size = 0; size < form.size(); ++size ) {
-         // Vectors, so that a sanitizer sees a read beyond the end.
-         std::vector<char> const text( form.data(), form.data() + size );
-         EXPECT_THROW( fromStringForm<All>( { text.data(), size } ), Vel::ParseException ) << size;
-         EXPECT_THROW( fromStringForm<Maps>( { text.data(), size } ), Vel::ParseException ) << size;
-      }
-   }
-}
-
 } // namespace
 } // namespace Sample
