@@ -106,8 +106,6 @@ TEST_F( AggregationTest, statusesAreThereWhileTheirGenerationsAreEqual ) {
    EXPECT_FALSE( top()->fixedXcvrs( "Ethernet1" ) );
    fixedAgentStatus->generationIdIs( 2 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b", "Ethernet1" ) );
-   EXPECT_EQ( singleton->allStatusDir()->xcvrStatus( "Ethernet1" ).get(),
-              fixedStatusDir->entry( "Ethernet1" ).get() );
 }
 
 TEST_F( AggregationTest, whatComesIsPublishedByTheNextHandshakeAndWhatGoesIsWithdrawnAtOnce ) {

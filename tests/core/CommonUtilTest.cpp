@@ -9,7 +9,6 @@ using namespace Xcvr;
 
 TEST( CommonUtilTest, InterfaceNamesSplitIntoPrefixAndNumbers ) {
    using Key = std::tuple<Vel::String, uint32_t, uint32_t, uint32_t>;
-   EXPECT_EQ( intfNameKey( "Ethernet12" ), Key( "Ethernet", 12, 0, 0 ) );
    EXPECT_EQ( intfNameKey( "Ethernet3/20/1" ), Key( "Ethernet", 3, 20, 1 ) );
    EXPECT_EQ( intfNameKey( "7" ), Key( "", 7, 0, 0 ) );
    EXPECT_EQ( intfNameKey( "Ethernet5.100/x/8y" ), Key( "Ethernet", 5, 0, 8 ) );

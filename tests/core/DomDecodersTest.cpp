@@ -73,7 +73,6 @@ TEST( Ratios, AreDecimalFloatingPointNumbers ) {
 TEST( ExternalCalibration, Constants ) {
    EXPECT_EQ( decodeDomECSlope( 1, 0 ), 1.0 );
    EXPECT_EQ( decodeDomECSlope( 0xff, 0xc0 ), 255.75 );
-   EXPECT_EQ( decodeDomECOffset( 0x00, 0x64 ), 100 );
    EXPECT_EQ( decodeDomECOffset( 0xff, 0x9c ), -100 );
    EXPECT_EQ( decodeDomECIEEEFloat( 0x40, 0x49, 0x0f, 0xdb ), 3.14159274f );
    EXPECT_TRUE( std::isnan( decodeDomECIEEEFloat( 0x7f, 0xc0, 0, 0 ) ) );

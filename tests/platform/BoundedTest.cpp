@@ -62,8 +62,7 @@ TEST( Bounded, RegisterBitFields ) {
    reg.bitIs( 0, true );
    reg.bitIs( 15, false );
    EXPECT_EQ( reg.value(), 0x226f );
-   EXPECT_TRUE( Hal::Reg8( 0x81 ).bit( 7 ) );
-   EXPECT_FALSE( Hal::Reg8( 0x81 ).bit( 6 ) );
+   EXPECT_TRUE( Hal::Reg8( 0x81 ).bit( 7 ) && !Hal::Reg8( 0x81 ).bit( 6 ) );
    EXPECT_DEATH( static_cast<void>( Hal::Reg8().bits( 8, 0 ) ), "assertion failed" );
    EXPECT_DEATH( static_cast<void>( Hal::Reg16().bit( 16 ) ), "assertion failed" );
    EXPECT_DEATH( static_cast<void>( Hal::Reg8().bits( 2, 3 ) ), "assertion failed" );

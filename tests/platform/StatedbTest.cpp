@@ -78,13 +78,10 @@ class MountTest : public testing::TestWithParam<char const *> {
       to.receive( bytes );
       return !bytes.empty();
    }
-   static bool pumpBoth( Session & a, Session & b, std::size_t most ) {
-      bool const there = pump( a, b, most );
-      bool const back = pump( b, a, most );
-      return there || back;
-   }
    void pump( std::size_t most = 1000 ) {
-      while ( serving && pumpBoth( *serving, *mounting, most ) ) {
+      for ( bool more = mounting != nullptr; more; ) {
+         more = pump( *serving, *mounting, most );
+         more = pump( *mounting, *serving, most ) || more;
       }
    }
    Vel::Ptr<Mount> mounted( Vel::Name const & path, char const * type,
