@@ -377,6 +377,10 @@ TEST_F( SessionTest, aStalledPeerCostsNothingWhilePathsComeAndGo ) {
       group->mountDel( "other" );
    }
    EXPECT_LT( serving->waitingBytes() + mounting->waitingBytes(), 1000U );
+   group->mountIs( newMount( "brief", "Sample::Slot" ) );
+   pump( *mounting, *serving, 1000 );
+   group->mountDel( "brief" );
+   pump( *mounting, *serving, 1000 ); // before the peer has said anything of it
    addSlot( "slot1" );
    pump();
    EXPECT_TRUE( copy() );
@@ -429,6 +433,7 @@ TEST_F( SessionTest, peersMayNotWriteUnlessTheyMayAndWhatTheyMadeGoesWithThem ) 
    mounted( "new/b", "Sample::Slot", MountMode::write );
    auto const own = client.entity( "new/a" );
    EXPECT_TRUE( server.entity( "new/a" ) );
+   auto const replaced = server.entity( "new/b" );
    Vel::Ptr<Slot> const replacing( new Slot( "b" ) );
    Vel::dynamicPtr<Vel::Dir>( server.entity( "new" ) )->entryIs( replacing );
    group->mountDel( "new/a" );
