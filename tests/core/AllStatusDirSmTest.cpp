@@ -98,13 +98,13 @@ TEST_F( AggregationTest, statusesAreThereWhileTheirGenerationsAreEqual ) {
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
    EXPECT_TRUE( top()->sliceStatusSm( "1" )->sliceXcvrs( "1/a" ) );
    agent( "2", 1 );
-   config( "1", 7 );
-   EXPECT_THAT( published(), ElementsAre( "2/a", "2/b", "Ethernet1" ) );
    agent( "1", 7 );
-   fixedConfigDir->generationIdIs( 2 );
+   EXPECT_THAT( published(), ElementsAre( "2/a", "2/b", "Ethernet1" ) );
+   config( "1", 7 );
+   fixedAgentStatus->generationIdIs( 2 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b" ) );
    EXPECT_FALSE( top()->fixedXcvrs( "Ethernet1" ) );
-   fixedAgentStatus->generationIdIs( 2 );
+   fixedConfigDir->generationIdIs( 2 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b", "Ethernet1" ) );
 }
 
@@ -274,6 +274,7 @@ TEST_F( AggregationTest, aClosedReactorPublishesNothingMore ) {
    EXPECT_FALSE( singleton );
    fixedAgentStatus->generationIdIs( 1 );
    fixedConfigDir->generationIdIs( 1 );
+   held->handleFixedStatusGenId();
    EXPECT_TRUE( all->xcvrStatusMap().empty() );
 }
 
