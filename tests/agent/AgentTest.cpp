@@ -125,7 +125,6 @@ TEST_F( AgentTest, aPersonPlaysHardware ) {
    ASSERT_TRUE( becomes( "watch.out", lines += "Ethernet1: withdrawn\n" ) );
 
    fileIs( "b", module( "B2", 20 ) );
-   EXPECT_TRUE( std::filesystem::exists( folder / "slice" ) );
    slice = tool( "slice", sliceWords );
    ASSERT_TRUE( becomes( "watch.out", lines += appeared( "Ethernet2/1", "B2" ) ) );
    EXPECT_EQ( file( "watch.err" ), "xcvr: slice: the agent has gone; start it again\n" );

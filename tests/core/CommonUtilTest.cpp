@@ -22,7 +22,6 @@ TEST( CommonUtilTest, InterfaceNamesSplitIntoPrefixAndNumbers ) {
 
 TEST( CommonUtilTest, DumpsAreOfTenALine ) {
    uint8_t const bytes[] = { 0x00, 0x0f, 0xff, 3, 4, 5, 6, 7, 8, 9, 0xab };
-   EXPECT_EQ( dumpW8Data( "table", bytes, 0 ), "Cfp2 table read size=0 data=0x" );
    EXPECT_EQ( dumpW8Data( "table", bytes, 3 ), "Cfp2 table read size=3 data=0x\n00 0F FF " );
    EXPECT_EQ( dumpW8Data( "", bytes, 11 ),
               "Cfp2  read size=11 data=0x\n00 0F FF 03 04 05 06 07 08 09 \nAB " );

@@ -248,9 +248,6 @@ TEST_F( EntityTest, childrenHaveTheirParentWhileItHoldsThem ) {
    EXPECT_EQ( lane->parent(), nullptr );
    EXPECT_EQ( lane->fullName(), "3" );
    EXPECT_EQ( lane->refCount(), 1u );
-   Vel::Ptr<Lane> const sorted = slot->sortedIs( "x" );
-   slot->sortedDelAll();
-   EXPECT_EQ( sorted->parent(), nullptr );
 
    slot->partIs( Mode::remote, LaneNumber( 8 ) );
    Vel::Ptr<Lane> const part = slot->part( Mode::remote );

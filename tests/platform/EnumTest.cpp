@@ -29,13 +29,11 @@ TEST( Enum, NamesAndCodesAsDeclared ) {
       // Of several names of one code the first is its string form.
       EXPECT_EQ( stringValue( value ), code == 16 ? "status" : name );
    }
-   EXPECT_EQ( Register::decimal, Register::statusMirror );
    for ( uint32_t code : { 1U, 15U, 18U, 0xfffffffeU } ) {
       EXPECT_EQ( stringValue( Register( code ) ), std::to_string( code ) ) << "has no name";
       EXPECT_EQ( velEnumModel( Register() ).byCode( code ), nullptr );
    }
    EXPECT_EQ( stringValue( Switch( 2 ) ), "2" ) << "just beyond an enumeration without gaps";
-   EXPECT_EQ( velEnumModel( Switch() ).byCode( 2 ), nullptr );
 }
 
 } // namespace EnumTest

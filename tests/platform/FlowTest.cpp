@@ -313,12 +313,10 @@ TEST_F( FlowTest, aSlowReaderOfASteadyStreamSeesTheWholeImage ) {
 TEST_F( FlowTest, theEntityMayGoBeforeItsAdaptor ) {
    deliver();
    slot->speedIs( 3 );
-   Vel::Entity const * const watched = adaptor->entity();
-   EXPECT_EQ( watched, dir.get() );
+   EXPECT_EQ( adaptor->entity(), dir.get() );
    dir = nullptr;
    EXPECT_EQ( adaptor->entity(), nullptr );
    deliver();
-   EXPECT_FALSE( flow->pending() );
    EXPECT_EQ( copy()->speed(), 3u ) << "the slot lives on, and was written before";
    slot->speedIs( 4 );
    adaptor = nullptr;

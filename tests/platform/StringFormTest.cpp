@@ -10,7 +10,6 @@
 #include <cmath>
 #include <limits>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -44,9 +43,7 @@ TEST( StringForm, FieldsInOrderEachInItsOwnForm ) {
    EXPECT_EQ( stringValue( filledMaps() ), mapsForm );
    EXPECT_EQ( stringValue( Maps() ),
               "Value('Sample::Maps', ** {'sizes': {}, 'points': {}, 'labels': {}})" );
-   std::ostringstream out;
-   out << filledAll();
-   EXPECT_EQ( out.str(), allForm );
+   EXPECT_EQ( testing::PrintToString( filledAll() ), allForm );
    EXPECT_EQ( All( allForm ), filledAll() );
    EXPECT_EQ( fromStringForm<Maps>( mapsForm ), filledMaps() );
 }
@@ -132,11 +129,9 @@ TEST( StringForm, MalformedTextIsRefusedWhereItGoesWrong ) {
                         *character = "a printing character, an escape or the closing quote";
    constexpr Malformation changes[] = {
       { "Value('Sample::All'", "^Value('Sample::Any'", head },
-      { "** {'flag'", "** {^ 'flag'", "'flag': " },
       { "True", "^true", "True or False" },
       { ", 'byte': 255, 'word': 65535", "^, 'word': 65535, 'byte': 255", ", 'byte': " },
       { "'byte': 255", "'byte': ^256", "an unsigned 8-bit integer" },
-      { "'byte': 255", "'byte': ^+1", "an unsigned 8-bit integer" },
       { "18446744073709551615", "^18446744073709551616", "an unsigned 64-bit integer" },
       { "-inf", "inf^inity", ", 'label': " },
       { "-inf", "^-nan", "a double" },
