@@ -4,6 +4,8 @@
 
 #include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace XcvrTest {
 
