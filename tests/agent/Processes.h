@@ -61,7 +61,6 @@ class Process {
       }
       return code_;
    }
-   void signal( int number ) const { ::kill( pid_, number ); }
 
  private:
    pid_t pid_;

@@ -26,9 +26,8 @@ using Singleton = XcvrAllStatusDirSingleton;
 
 /// Six inputs: a fixed transceiver "Ethernet1", whose generations are equal, and a slice "1" with "1/a"
 /// and "1/b", whose generations differ.
-class AggregationTest : public testing::Test {
- protected:
-   AggregationTest() {
+struct Aggregation {
+   Aggregation() {
       baseConfigDir->entryIs( sliceConfigDir );
       singleton = newSingleton();
       fixedStatusDir->entryIs( new Status( "Ethernet1" ) );
@@ -52,6 +51,12 @@ class AggregationTest : public testing::Test {
       sliceConfigDir->entryIs( allConfigDirFactory( id ) );
       config( id, 1 );
       agentStatusDir->entryIs( xcvrSliceStatusFactory( id ) );
+   }
+   void addSecondSliceAndStartWithAllPublished() {
+      addSlice( "2" );
+      agent( "1", 1 );
+      agent( "2", 1 );
+      singleton->doStartSm();
    }
    Vel::Ptr<Vel::Dir> statuses( Vel::Name const & id ) {
       return Vel::dynamicPtr<Vel::Dir>( sliceStatusDir->entry( id ) );
@@ -80,6 +85,7 @@ class AggregationTest : public testing::Test {
    Vel::Ptr<XcvrSliceStatus> fixedAgentStatus = xcvrSliceStatusFactory( "fixed" );
    Vel::Ptr<Singleton> singleton;
 };
+class AggregationTest : public testing::Test, public Aggregation {};
 
 TEST_F( AggregationTest, statusesAreThereWhileTheirGenerationsAreEqual ) {
    singleton->doStartSm();
@@ -92,16 +98,14 @@ TEST_F( AggregationTest, statusesAreThereWhileTheirGenerationsAreEqual ) {
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "Ethernet1" ) );
    EXPECT_TRUE( top()->sliceStatusSm( "1" )->sliceXcvrs( "1/a" ) );
    agent( "2", 1 );
-   config( "1", 7 );
-   EXPECT_THAT( published(), ElementsAre( "2/a", "2/b", "Ethernet1" ) );
    agent( "1", 7 );
-   fixedConfigDir->generationIdIs( 2 );
+   EXPECT_THAT( published(), ElementsAre( "2/a", "2/b", "Ethernet1" ) );
+   config( "1", 7 );
+   fixedAgentStatus->generationIdIs( 2 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b" ) );
    EXPECT_FALSE( top()->fixedXcvrs( "Ethernet1" ) );
-   fixedAgentStatus->generationIdIs( 2 );
+   fixedConfigDir->generationIdIs( 2 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b", "2/a", "2/b", "Ethernet1" ) );
-   EXPECT_EQ( singleton->allStatusDir()->xcvrStatus( "Ethernet1" ).get(),
-              fixedStatusDir->entry( "Ethernet1" ).get() );
 }
 
 TEST_F( AggregationTest, whatComesIsPublishedByTheNextHandshakeAndWhatGoesIsWithdrawnAtOnce ) {
@@ -205,7 +209,10 @@ TEST_F( AggregationTest, startsOnceWithAllInputsAndTheEndOfOneWithdrawsWhatReste
 /// Does something the first time that a status is published or withdrawn.
 class Meddler : public AllNewStatusDir::NotifieeConst {
  public:
-   explicit Meddler( std::function<void()> then ) : then_( std::move( then ) ) {}
+   Meddler( Vel::Ptr<Singleton> const & singleton, std::function<void()> then )
+      : then_( std::move( then ) ) {
+      notifierIs( singleton->allStatusDir().get() );
+   }
    void onXcvrStatus( Vel::Name const & ) override {
       if ( auto const then = std::exchange( then_, nullptr ) ) {
          then();
@@ -219,20 +226,56 @@ class Meddler : public AllNewStatusDir::NotifieeConst {
 TEST_F( AggregationTest, theLastWordIsThatOfAHandshakeWithinAHandshake ) {
    fixedStatusDir->entryDel( "Ethernet1" );
    singleton->doStartSm();
-   Meddler ends( [&] { config( "1", 3 ); } );
-   ends.notifierIs( singleton->allStatusDir().get() );
+   Meddler const ends( singleton, [&] { config( "1", 3 ); } );
    agent( "1", 1 );
    EXPECT_THAT( published(), IsEmpty() ) << "outdated while it was being published";
    agent( "1", 3 );
-   Meddler returns( [&] { agent( "1", 4 ); } );
-   returns.notifierIs( singleton->allStatusDir().get() );
+   Meddler const returns( singleton, [&] { agent( "1", 4 ); } );
    config( "1", 4 );
    EXPECT_THAT( published(), ElementsAre( "1/a", "1/b" ) ) << "valid again while it was withdrawn";
-   Meddler removes( [&] { agentStatusDir->entryDel( "1" ); } );
-   removes.notifierIs( singleton->allStatusDir().get() );
+   Meddler const removes( singleton, [&] { agentStatusDir->entryDel( "1" ); } );
    config( "1", 5 );
    EXPECT_THAT( published(), IsEmpty() );
    EXPECT_FALSE( top()->sliceStatusSm( "1" ) );
+}
+
+TEST( AggregationLifetimeTest, whoIsToldMayDropTheSingleton ) {
+   using A = Aggregation;
+   std::pair<char const *, void ( * )( A & )> const changes[] = {
+      { "a slice leaves", []( A & a ) { a.agentStatusDir->entryDel( "1" ); } },
+      { "a slice's status leaves", []( A & a ) { a.statuses( "1" )->entryDel( "1/a" ); } },
+      { "the fixed ones change", []( A & a ) { a.fixedConfigDir->generationIdIs( 7 ); } },
+      { "the configuration leaves", []( A & a ) { a.baseConfigDir->entryDel( "slice" ); } },
+      { "slice statuses end", []( A & a ) { a.singleton->sliceStatusDirDel(); } },
+      { "agent statuses end", []( A & a ) { a.singleton->agentStatusDirDel(); } },
+      { "the base configuration ends", []( A & a ) { a.singleton->baseConfigDirDel(); } },
+      { "fixed statuses end", []( A & a ) { a.singleton->fixedStatusDirDel(); } },
+   };
+   for ( auto const & [what, change] : changes ) {
+      Aggregation all;
+      all.addSecondSliceAndStartWithAllPublished();
+      auto const published = all.singleton->allStatusDir();
+      ASSERT_EQ( published->xcvrStatusMap().size(), 5U );
+      Meddler const drops( all.singleton, [&all] { all.singleton = nullptr; } );
+      change( all );
+      EXPECT_FALSE( all.singleton ) << what << ": nobody was told";
+      EXPECT_TRUE( published->xcvrStatusMap().empty() ) << what;
+   }
+}
+
+TEST_F( AggregationTest, aClosedReactorPublishesNothingMore ) {
+   baseConfigDir->entryDel( "slice" );
+   addSecondSliceAndStartWithAllPublished(); // but for the slices
+   auto const all = singleton->allStatusDir();
+   auto const held = top(); // beyond the singleton
+   held->sliceStatusSmDelAll();
+   Meddler const drops( singleton, [&] { singleton = nullptr; } );
+   baseConfigDir->entryIs( sliceConfigDir ); // publishes slice after slice
+   EXPECT_FALSE( singleton );
+   fixedAgentStatus->generationIdIs( 1 );
+   fixedConfigDir->generationIdIs( 1 );
+   held->handleFixedStatusGenId();
+   EXPECT_TRUE( all->xcvrStatusMap().empty() );
 }
 
 TEST_F( AggregationTest, traces ) {
@@ -258,6 +301,17 @@ TEST_F( AggregationTest, traces ) {
                 ElementsAre( "handleAgentStatusGenId: 1 xcGenId 2 xsGenId 1",
                              "handleAgentStatusGenId: Removing sliced xcvr 1/a",
                              "handleFixedStatusGenId: Removing fixed xcvr Ethernet1" ) );
+   statuses( "1" )->entryIs( new Status( "1/b" ) );
+   agent( "1", 2 );
+   fixedAgentStatus->generationIdIs( 2 );
+   static_cast<void>( capture.takeNotes() );
+   fixedStatusDir->entryDel( "Ethernet1" );
+   statuses( "1" )->entryDel( "1/a" );
+   agentStatusDir->entryDel( "1" );
+   EXPECT_THAT( capture.takeNotes(),
+                ElementsAre( "handleFixedStatusDir: Removing fixed xcvr Ethernet1",
+                             "handleXcvrStatusDir: Removing sliced xcvr 1/a",
+                             "sliceStatusSmDel: Removing sliced xcvr 1/b" ) );
 }
 
 TEST_F( AggregationTest, anEntryThatIsNoStatusIsFatal ) {

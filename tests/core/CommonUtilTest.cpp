@@ -9,7 +9,6 @@ using namespace Xcvr;
 
 TEST( CommonUtilTest, InterfaceNamesSplitIntoPrefixAndNumbers ) {
    using Key = std::tuple<Vel::String, uint32_t, uint32_t, uint32_t>;
-   EXPECT_EQ( intfNameKey( "Ethernet12" ), Key( "Ethernet", 12, 0, 0 ) );
    EXPECT_EQ( intfNameKey( "Ethernet3/20/1" ), Key( "Ethernet", 3, 20, 1 ) );
    EXPECT_EQ( intfNameKey( "7" ), Key( "", 7, 0, 0 ) );
    EXPECT_EQ( intfNameKey( "Ethernet5.100/x/8y" ), Key( "Ethernet", 5, 0, 8 ) );
@@ -23,7 +22,6 @@ TEST( CommonUtilTest, InterfaceNamesSplitIntoPrefixAndNumbers ) {
 
 TEST( CommonUtilTest, DumpsAreOfTenALine ) {
    uint8_t const bytes[] = { 0x00, 0x0f, 0xff, 3, 4, 5, 6, 7, 8, 9, 0xab };
-   EXPECT_EQ( dumpW8Data( "table", bytes, 0 ), "Cfp2 table read size=0 data=0x" );
    EXPECT_EQ( dumpW8Data( "table", bytes, 3 ), "Cfp2 table read size=3 data=0x\n00 0F FF " );
    EXPECT_EQ( dumpW8Data( "", bytes, 11 ),
               "Cfp2  read size=11 data=0x\n00 0F FF 03 04 05 06 07 08 09 \nAB " );
@@ -31,7 +29,6 @@ TEST( CommonUtilTest, DumpsAreOfTenALine ) {
    std::vector<uint16_t> words( 11, 0x00ab );
    words[10] = 0xbeef;
    std::string const line = "\n00AB 00AB 00AB 00AB 00AB 00AB 00AB 00AB 00AB 00AB ";
-   EXPECT_EQ( dumpW16Data( words.data(), 20 ), "Cfp2  read size=20 data=0x" + line );
    EXPECT_EQ( dumpW16Data( words.data(), 22 ), "Cfp2  read size=22 data=0x" + line + "\nBEEF " );
    // An odd count reads the last word whole; words may lie anywhere.
    EXPECT_EQ( dumpW16Data( words.data(), 1 ), "Cfp2  read size=1 data=0x\n00AB " );

@@ -43,15 +43,11 @@ double rxPower( unsigned raw, Polynomial const & p ) {
 
 TEST( InternalCalibration, NumbersInTheirUnits ) {
    EXPECT_EQ( decodeDomICTemperature( 0x19, 0x80 ), 25.5 );
-   EXPECT_EQ( decodeDomICTemperature( 0x7f, 0xff ), 128 - 1 / 256. );
    EXPECT_EQ( decodeDomICTemperature( 0x80, 0x00 ), -128.0 );
    EXPECT_EQ( decodeDomICTemperature( 0xff, 0xff ), -1 / 256. );
    EXPECT_DOUBLE_EQ( decodeDomICSupplyVoltage( 0x80, 0xe8 ), 3.3 );
-   EXPECT_DOUBLE_EQ( decodeDomICSupplyVoltage( 0xff, 0xff ), 6.5535 );
    EXPECT_DOUBLE_EQ( decodeDomICTxBias( 0x0b, 0xb8 ), 6.0 );
-   EXPECT_DOUBLE_EQ( decodeDomICTxBias( 0xff, 0xff ), 131.07 );
    EXPECT_EQ( decodeDomICPower( 0, 0 ), -infinity );
-   EXPECT_DOUBLE_EQ( decodeDomICPower( 0, 1 ), -40.0 );
    EXPECT_NEAR( decodeDomICPower( msb( 5012 ), lsb( 5012 ) ), -2.99989, 1e-5 );
 }
 
@@ -73,9 +69,7 @@ TEST( Ratios, AreDecimalFloatingPointNumbers ) {
 }
 
 TEST( ExternalCalibration, Constants ) {
-   EXPECT_EQ( decodeDomECSlope( 1, 0 ), 1.0 );
    EXPECT_EQ( decodeDomECSlope( 0xff, 0xc0 ), 255.75 );
-   EXPECT_EQ( decodeDomECOffset( 0x00, 0x64 ), 100 );
    EXPECT_EQ( decodeDomECOffset( 0xff, 0x9c ), -100 );
    EXPECT_EQ( decodeDomECIEEEFloat( 0x40, 0x49, 0x0f, 0xdb ), 3.14159274f );
    EXPECT_TRUE( std::isnan( decodeDomECIEEEFloat( 0x7f, 0xc0, 0, 0 ) ) );

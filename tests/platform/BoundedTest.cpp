@@ -31,7 +31,6 @@ void expectBound( int64_t bound, char const * text ) {
          EXPECT_EQ( value, T( 1 ) ) << "a refused number changes nothing";
       }
    }
-   EXPECT_LT( T(), T( bound ) );
 }
 
 TEST( Bounded, NumberThatDoesNotFitIsRefusedWithTypeAndBound ) {
@@ -62,8 +61,7 @@ TEST( Bounded, RegisterBitFields ) {
    reg.bitIs( 0, true );
    reg.bitIs( 15, false );
    EXPECT_EQ( reg.value(), 0x226f );
-   EXPECT_TRUE( Hal::Reg8( 0x81 ).bit( 7 ) );
-   EXPECT_FALSE( Hal::Reg8( 0x81 ).bit( 6 ) );
+   EXPECT_TRUE( Hal::Reg8( 0x81 ).bit( 7 ) && !Hal::Reg8( 0x81 ).bit( 6 ) );
    EXPECT_DEATH( static_cast<void>( Hal::Reg8().bits( 8, 0 ) ), "assertion failed" );
    EXPECT_DEATH( static_cast<void>( Hal::Reg16().bit( 16 ) ), "assertion failed" );
    EXPECT_DEATH( static_cast<void>( Hal::Reg8().bits( 2, 3 ) ), "assertion failed" );

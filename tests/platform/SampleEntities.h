@@ -1,12 +1,12 @@
 #pragma once
 
+#include "tests/platform/EntityText.h"
 #include "tests/platform/SampleTypes.h"
 
 #include <Vel/DefineEntity.h>
 #include <Vel/DenseMap.h>
 #include <Vel/Dir.h>
 
-#include <set>
 #include <string>
 
 /// An entity type with an attribute of every kind, and one derived from it; defined in EntityTest.cpp.
@@ -101,56 +101,5 @@ class OpticalSlot : public Slot {
       ( Plain, wavelength, onWavelength, double ) );
 };
 Vel::Ptr<OpticalSlot> opticalSlotFactory( Vel::Name name );
-
-std::string asText( Vel::Entity const & entity );
-
-/// Writes down what an entity of type T holds itself, attribute by attribute.
-template <typename T>
-struct AttributeTexts {
-   template <Vel::AttrKind kind, typename Key, typename Type, typename Get, typename Set,
-             typename Del>
-   void attribute( char const * name, Get get, Set, Del ) {
-      if constexpr ( kind != Vel::AttrKind::derived ) {
-         std::set<std::string> lines; // what has no order comes in the order of the texts
-         if constexpr ( std::is_void_v<Key> ) {
-            lines.insert( textOf<kind>( get( entity ) ) );
-         } else {
-            for ( auto const & entry : get( entity ) ) {
-               lines.insert( std::string( Vel::stringForm( entry.first ) ) + "=" +
-                             textOf<kind>( entry.second ) );
-            }
-         }
-         text += std::string( "\n" ) + name;
-         for ( std::string const & line : lines ) {
-            text += " " + line;
-         }
-      }
-   }
-   template <Vel::AttrKind kind, typename V>
-   static std::string textOf( V const & value ) {
-      if constexpr ( requires { value->name(); } ) {
-         return !value                          ? "none"
-                : Vel::Internal::owning( kind ) ? asText( *value )
-                                                : std::string( value->fullName() );
-      } else {
-         return std::string( Vel::stringForm( value ) );
-      }
-   }
-   T const & entity;
-   std::string & text;
-};
-
-/// An entity with all that it owns, as text.
-inline std::string asText( Vel::Entity const & entity ) {
-   std::string text( entity.velModel().typeName );
-   text += " " + std::string( entity.name() );
-   auto const attributesOf = [&]<typename... T>( T const *... types ) {
-      ( ( types ? T::velAttributes( AttributeTexts<T>{ *types, text } ) : void() ), ... );
-   };
-   attributesOf( dynamic_cast<Vel::Dir const *>( &entity ), dynamic_cast<Lane const *>( &entity ),
-                 dynamic_cast<Slot const *>( &entity ),
-                 dynamic_cast<OpticalSlot const *>( &entity ) );
-   return text;
-}
 
 } // namespace Sample

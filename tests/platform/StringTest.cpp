@@ -6,7 +6,6 @@
 
 #include <array>
 #include <random>
-#include <sstream>
 #include <string>
 
 namespace {
@@ -43,9 +42,6 @@ TEST( String, PartsAndPlaces ) {
    EXPECT_EQ( text.find( "X" ), String::npos );
    EXPECT_EQ( String( nullptr ), "" );
    EXPECT_EQ( "a" + String( "b" ) + "c" + std::string_view(), "abc" );
-   std::ostringstream out;
-   out << text;
-   EXPECT_EQ( out.str(), text.view() );
 }
 
 // A few strings under every operation in a long seeded sequence, each beside a std::string.
