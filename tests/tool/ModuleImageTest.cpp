@@ -34,37 +34,31 @@ struct DumpForm {
    bool hasRepeats;     // equal lines become "*", and the end offset follows
 };
 
-std::string dumpLine( DumpForm const & form, std::size_t offset, std::string const & bytes ) {
-   std::string line = fmt::format( fmt::runtime( form.offset ), offset );
-   std::string ascii;
-   for ( std::size_t at = 0; at < bytes.size(); ++at ) {
-      auto const byte = static_cast<std::uint8_t>( bytes[at] );
-      line += fmt::format( "{}{:02x}", at > 0 && at % form.group == 0 ? " " : "", byte );
-      ascii += byte >= 32 && byte < 127 ? bytes[at] : '.';
-   }
-   return line + ( form.before ? form.before + ascii + form.after : "" ) + "\n";
-}
-
 std::string dump( DumpForm const & form, std::string const & bytes ) {
-   std::string text;
-   std::string last;
+   std::string text, last;
    for ( std::size_t at = 0; at < bytes.size(); at += 16 ) {
       std::string const line = bytes.substr( at, 16 );
-      bool const isRepeat = form.hasRepeats && line == last;
-      if ( !isRepeat )
-         text += dumpLine( form, at, line );
-      else if ( !text.ends_with( "*\n" ) )
-         text += "*\n";
-      last = line;
+      if ( form.hasRepeats && std::exchange( last, line ) == line ) {
+         text += text.ends_with( "*\n" ) ? "" : "*\n";
+         continue;
+      }
+      text += fmt::format( fmt::runtime( form.offset ), at );
+      std::string ascii;
+      for ( char const byte : line ) {
+         ascii += byte >= ' ' && byte <= '~' ? byte : '.';
+         text += fmt::format( "{:02x}{}", static_cast<std::uint8_t>( byte ),
+                              ascii.size() % form.group == 0 ? " " : "" );
+      }
+      text += ( form.before ? form.before + ascii + form.after : "" ) + "\n";
    }
    return text + ( form.hasRepeats ? fmt::format( fmt::runtime( form.offset ), bytes.size() ) + "\n"
                                    : "" );
 }
 
-constexpr DumpForm xxd{ "{:08x}: ", 2, "  ", "", false };
-constexpr DumpForm hexdumpC{ "{:08x}  ", 1, "  |", "|", true };
+constexpr DumpForm xxd{ "{:08x}: ", 2, " ", "", false };
+constexpr DumpForm hexdumpC{ "{:08x}  ", 1, " |", "|", true };
 constexpr DumpForm od{ "{:06x} ", 1, nullptr, nullptr, true };
-constexpr DumpForm i2cdump{ "{:02x}: ", 1, "    ", "", false };
+constexpr DumpForm i2cdump{ "{:02x}: ", 1, "   ", "", false };
 constexpr DumpForm ethtool{ "0x{:04x}:\t\t", 1, nullptr, nullptr, false };
 
 std::string ethtoolDump( std::string const & bytes ) {
@@ -182,9 +176,7 @@ TEST( ModuleImage, familyAndPagesAreSeenOrSaid ) {
       std::string joined;
       for ( auto const & [label, page] : image.pages )
          joined += page;
-      if ( image.form == ImageForm::binary ) {
-         EXPECT_EQ( joined, content );
-      }
+      EXPECT_TRUE( image.form != ImageForm::binary || joined == content );
    }
    std::string const largest = linear( 3, 512 + 255 * 128 );
    EXPECT_EQ( parseImage( "f", largest, anyFamily ).page( "ffh" )->size(), 128u );
@@ -200,16 +192,13 @@ TEST( ModuleImage, labelledImageKeepsEveryPageAsWritten ) {
                             "[a2h]\n\t0000: ff\n"
                             "[02h]\n01\n[00h]\n02\n[FFh]\n03\n";
    ModuleImage const image = parseImage( "f", text, anyFamily );
-   EXPECT_EQ( image.family, XcvrType::sfpPlus );
-   EXPECT_EQ( image.page( "a0h" )->substr( 96 ), "\1\2\3\4\5" );
-   EXPECT_EQ( *image.page( "a2h" ), "\xff" );
-   EXPECT_EQ( *image.page( "02h" ), "\1" );
-   EXPECT_EQ( *image.page( "00h" ), "\2" );
-   EXPECT_EQ( *image.page( "ffh" ), "\3" );
-   EXPECT_EQ( image.page( "03h" ), nullptr );
-
-   ModuleImage const again = parseImage( "f", labelledForm( image ), anyFamily );
-   EXPECT_EQ( again.pages, image.pages );
+   decltype( image.pages ) const pages = { { "a0h", memory( 512 ).substr( 0, 96 ) + "\1\2\3\4\5" },
+                                           { "a2h", "\xff" },
+                                           { "00h", "\2" },
+                                           { "02h", "\1" },
+                                           { "ffh", "\3" } };
+   EXPECT_EQ( image.pages, pages );
+   EXPECT_EQ( parseImage( "f", labelledForm( image ), anyFamily ).pages, pages );
 }
 
 /// The message of the refusal; empty if the input is accepted.
@@ -241,7 +230,6 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
       // Other modules, and too much or too little of one.
       { withIdentifier( 0x0e ), "identifier 0eh (CXP) is not one that this version decodes" },
       { "[lower]\n11\n[11h.1]\n18\n", "[11h.1] is no page of this family, qsfp (line 3)" },
-      { "[lower]\n03\n" + a0h, "[lower] is no page of" },
       { a0h + "[02h]\n01\n[8000h]\n01\n[11h.1]\n01\n", "[8000h] is no page of" },
       { "[03h]\n0e\n", "do not show which kind of module" },
       { bytes.substr( 0, 95 ), "(95 bytes of page a0h); give at least the first 96 bytes" },
@@ -255,7 +243,6 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
       { plainHex( bytes, "", " " ) + "\xc2\xa0", "byte c2h is no hex digit (line 2" },
       { replaced( dump( hexdumpC, bytes ), "00000020 ", "00000030 " ),
         "offset 0x0030 stands where 0x0020 is due (line 3)" },
-      { xxdText + xxdText, "offset 0x0000 stands where 0x0200 is due (line 33)" },
       { replaced( xxdText, "00000020: ", "" ), "no offset" },
       { replaced( i2cdumps( bytes ), "10: 44", "10: XX" ), "offset 0x0010 could not be read" },
       { "0000000 0403 1007\n", "words of 4 digits" },
