@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <pty.h>
 #include <random>
 
 namespace XcvrTest {
@@ -93,11 +92,11 @@ TEST_F( ToolTest, MediaTypes ) {
    std::string const out = run( "media-types" ).out;
    EXPECT_THAT( out, HasSubstr( "\n     11  xcvr2p5GBaseT           2.5GBASE-T          2.5 Gb/s"
                                 "  xcvr10GLinear     no\n" ) );
-   Json const all = Json::parse( run( "media-types --json" ).out );
-   ASSERT_EQ( all["mediaTypes"].size(), 91u );
-   EXPECT_EQ( all["mediaTypes"][39], Json::parse( R"( { "code": 39, "mediaType": "xcvr100BaseFx",
+   Json const all = Json::parse( run( "media-types --json" ).out )["mediaTypes"];
+   EXPECT_EQ( all.size(), 91u );
+   expectJson( all[39], R"( { "code": 39, "mediaType": "xcvr100BaseFx",
       "mediaTypeString": "100BASE-FX", "bitrateKbps": 100000,
-      "electricalInterface": "xcvr100MMiiBaseFx", "optical": true } )" ) );
+      "electricalInterface": "xcvr100MMiiBaseFx", "optical": true } )" );
 }
 
 /// How many bytes of memory a dump shows, other readings of the same bytes left out.
@@ -144,9 +143,9 @@ TEST_F( ToolTest, EveryByteOfAnyMemoryIsDumpedOnce ) {
             // Runs of equal bytes, of any length, and bytes of all kinds.
             bytes[at] = at > 0 && random() % 8 ? bytes[at - 1] : static_cast<char>( random() >> 8 );
          }
+         total += bytes.size();
          if ( !bytes.empty() ) {
             image.pages[label] = bytes;
-            total += bytes.size();
          }
       }
       std::unique_ptr<XcvrTool::Module> const module = XcvrTool::moduleOf( image );
@@ -208,33 +207,17 @@ TEST_F( ToolTest, AClosedPipeEndsQuietly ) {
    }
 }
 
-/// What a command prints to a terminal.
-std::string onTerminal( std::string const & command ) {
-   int terminal = -1;
-   pid_t const child = ::forkpty( &terminal, nullptr, nullptr, nullptr );
-   if ( child == 0 ) {
-      ::execl( "/bin/sh", "sh", "-c", command.c_str(), nullptr );
-      ::_exit( 127 );
-   }
-   std::string out;
-   char buffer[4096];
-   for ( ssize_t size; ( size = ::read( terminal, buffer, sizeof buffer ) ) > 0; ) {
-      out.append( buffer, static_cast<std::size_t>( size ) );
-   }
-   ::close( terminal );
-   ::waitpid( child, nullptr, 0 );
-   return out;
-}
-
 TEST_F( ToolTest, ColourAndBarsOnATerminalOnly ) {
    file( "hot", memoryOf( "alarms" ) );
-   std::string const program = "cd '" + folder_.string() + "'; '" XCVR_TOOL_PATH "' ";
-   EXPECT_THAT( onTerminal( "unset NO_COLOR; " + program + "show hot" ),
+   auto const onTerminal = [this]( std::string const & before ) {
+      return shell( "script -qec '" + before + "; " XCVR_TOOL_PATH " show hot' /dev/null" ).out;
+   };
+   EXPECT_THAT( onTerminal( "unset NO_COLOR" ),
                 AllOf( HasSubstr( "\x1b[31mRx LOS\x1b[0m" ),
                        HasSubstr( "\x1b[33m--|---------|*-\x1b[0m" ) ) );
    // The place between the limits is a picture for people, colours or not.
    EXPECT_THAT(
-      onTerminal( "export NO_COLOR=1; " + program + "show hot" ),
+      onTerminal( "export NO_COLOR=1" ),
       AllOf( HasSubstr( "70.00      75.00  --|---------|->" ), Not( HasSubstr( "\x1b" ) ) ) );
    EXPECT_THAT( run( "show hot" ).out,
                 AllOf( HasSubstr( "75.00  high alarm\n" ), Not( HasSubstr( "\x1b" ) ) ) );
@@ -248,7 +231,6 @@ TEST_F( ToolTest, Examples ) {
    EXPECT_GE( modules.size(), 15u );
    for ( Json const & module : modules ) {
       EXPECT_NE( module["mediaType"], "xcvrUnknown" ) << module["file"];
-      EXPECT_NE( module["vendorInfo"]["vendorName"], "" ) << module["file"];
       EXPECT_NE( module["date"], nullptr ) << module["file"];
    }
    EXPECT_THAT( run( "check " + all ).out,
