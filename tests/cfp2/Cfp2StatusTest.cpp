@@ -26,7 +26,7 @@ Vel::Ptr<Status> inserted( CfpImageBuilder const & image ) {
 } // namespace
 
 TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
-   Vel::Ptr<Cfp2NewStatus> const status = cfp2NewStatusFactory( "Ethernet1" );
+   auto const status = cfp2NewStatusFactory( "Ethernet1" );
    for ( CfpMsaMisTableId id : { table8000, tableA000 } ) {
       status->idEepromContentsIs( static_cast<uint8_t>( id ), "old" );
       status->idEepromContentsIs( static_cast<uint8_t>( id ), cfp2Lr4().bytes( id ) );
@@ -44,10 +44,10 @@ TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
 }
 
 TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
-   Vel::Ptr<Cfp2CellConfig> const cell = cfp2CellConfigFactory( "1" );
+   auto const status = inserted( cfp2Lr4() );
+   auto const cell = cfp2CellConfigFactory( "1" );
    status->xcvrConfigIs( cell->xcvrConfigIs( "Ethernet1" ) );
-   Vel::Ptr<Cfp2DiagConfig> const diag = cell->xcvrConfig( "Ethernet1" )->diagConfigIs( "diag" );
+   auto const diag = cell->xcvrConfig( "Ethernet1" )->diagConfigIs( "diag" );
    coherentCfp( identifierCfp2Dco ).writeTo( *diag->overrideIdEepromContentsIs() );
    EXPECT_EQ( status->mediaType(), xcvr100GBaseLr4 );
    diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00D );
@@ -59,10 +59,10 @@ TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
 }
 
 TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4()
-                                                       .raw( "networkLaneBitRateMax", 129 )
-                                                       .raw( "minWavelength", 51780 )
-                                                       .raw( "maxWavelength", 52376 ) );
+   auto const status = inserted( cfp2Lr4()
+                                    .raw( "networkLaneBitRateMax", 129 )
+                                    .raw( "minWavelength", 51780 )
+                                    .raw( "maxWavelength", 52376 ) );
    EXPECT_EQ( status->xcvrType(), XcvrType::cfp2 );
    EXPECT_EQ( status->bitrate(), 129u );
    EXPECT_EQ( status->laserWavelength(), 1301950u );
@@ -79,7 +79,7 @@ TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
 }
 
 TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
-   Vel::Ptr<Cfp2DcoNewStatus> const status = asRead( cfp2DcoNewStatusFactory( "Ethernet1" ) );
+   auto const status = asRead( cfp2DcoNewStatusFactory( "Ethernet1" ) );
    EXPECT_EQ( status->vendorInfo(), VendorInfo( "", "", "", "01", "" ) );
    EXPECT_EQ( status->capabilities(), Capabilities() );
    EXPECT_FALSE( status->domInfoValid( LaneId( 0 ) ) );
@@ -92,7 +92,7 @@ TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
 
 TEST( Cfp2StatusTest, MonitorsAreValidOnceReadFromThisModule ) {
    expectValidOnceRead<Cfp2NewStatus>( [] { return inserted( cfp2Lr4() ); } );
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
+   auto const status = inserted( cfp2Lr4() );
    EXPECT_TRUE( status->domInfoValid( LaneId( 3 ) ) );
    EXPECT_FALSE( status->domInfoValid( LaneId( 4 ) ) );
    // A count of 0 is 16 lanes.
@@ -125,7 +125,7 @@ TEST( Cfp2StatusTest, MonitorsThatAreNotThereAreUnreadable ) {
                    testing::Contains( unreadable ).Times( 6 ) );
       EXPECT_EQ( inserted( image )->domAggPower().aggRxPower(), unreadable );
    }
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4().raw( "txPowerSupported", 0 ) );
+   auto const status = inserted( cfp2Lr4().raw( "txPowerSupported", 0 ) );
    EXPECT_EQ( status->domInfo( LaneId( 0 ) ).txPower(), unreadable );
    EXPECT_EQ( status->domCapabilities(),
               DomCapabilities( true, true, true, false, true, false, false, true ) );
@@ -161,7 +161,7 @@ TEST( Cfp2StatusTest, ThresholdsInTheUnitsOfTheModule ) {
 }
 
 TEST( Cfp2StatusTest, ThresholdsOfAShortTableAndOfTheOperator ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
+   auto const status = inserted( cfp2Lr4() );
    auto const limits = status->actualIdEepromContents()->memory( table8080 );
    limits->contentsIs( limits->contents().substr( 0, 0xC7 - 0x80 ) );
    EXPECT_EQ( status->domThreshold().rxPowerHighAlarm(), dBm( 0x2100 ) );
@@ -179,8 +179,7 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
       }
       return std::pair( status.laneStatusMap().size(), mask );
    };
-   Vel::Ptr<Cfp2NewStatus> const cfp2 =
-      inserted( cfp2Lr4().raw( "networkLaneFaultStatus", 0x80, 2 ) );
+   auto const cfp2 = inserted( cfp2Lr4().raw( "networkLaneFaultStatus", 0x80, 2 ) );
    EXPECT_EQ( faults( *cfp2 ), std::pair( size_t{ 4 }, 1u << 2 ) );
    cfp2->presenceIs( xcvrNotPresent );
    EXPECT_EQ( faults( *cfp2 ).second, 0u );
@@ -188,13 +187,13 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
    EXPECT_EQ( faults( *cfp2 ).second, 1u << 2 );
    cfp2->clearIdEepromContents(); // a module without lanes
    EXPECT_EQ( faults( *cfp2 ), std::pair( size_t{ 4 }, 0u ) );
-   CfpImageBuilder const whole =
-      cfpModule( identifierCfp2Dco, 17, 2 ).raw( "moduleGeneralStatus", 0x80 );
-   EXPECT_EQ( faults( *inserted( whole ) ), std::pair( size_t{ 2 }, 3u ) );
+   auto const dco =
+      inserted( cfpModule( identifierCfp2Dco, 17, 2 ).raw( "moduleGeneralStatus", 0x80 ) );
+   EXPECT_EQ( faults( *dco ), std::pair( size_t{ 2 }, 3u ) );
 }
 
 TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted(
+   auto const status = inserted(
       cfp2Lr4().raw( "txInputEqualization", 0xAB, 3 ).raw( "rxOutputPreEmphasis", 9, 3 ) );
    EXPECT_EQ( status->txInputEqualization( LaneId( 3 ) ), TuningValue( true, 0xAB, false ) );
    EXPECT_EQ( status->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue( true, 9, false ) );
@@ -210,10 +209,10 @@ TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
 // wanted tuning, whatever the code of its grid is, is no longer pending.
 TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
    CfpImageBuilder image = coherentCfp( identifierCfpx ).value( "minFrequencyGHz", 350 );
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( image );
-   Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
+   auto const status = inserted( image );
+   auto const xgc = xgcFactory( "xgc" );
    status->xgcIs( xgc );
-   Vel::Ptr<TuningConfig> const config = xgc->tuningConfigIs( "Ethernet1" );
+   auto const config = xgc->tuningConfigIs( "Ethernet1" );
    xgc->txPowerConfigIs( "Ethernet1" )->signalPowerIs( Units::Decibels( -1.25 ) );
    config->channelIs( 39 );
    config->gridIs( 50000 );
@@ -262,7 +261,7 @@ TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
       .raw( "rxChromDispersionLow", 40 )
       .raw( "networkBerHigh", 1 )
       .raw( "networkBerLow", 2 );
-   Vel::Ptr<Cfp2DcoNewStatus> const status = inserted<Cfp2DcoNewStatus>( image );
+   auto const status = inserted<Cfp2DcoNewStatus>( image );
    // No SNR, whose table was not read.
    EXPECT_EQ( status->dcoMonitors(),
               Cfp2DcoMonitors( 20, 25.5, unreadable, -300, -11.25, 255, 0, 0xFED4, 0xFB9B, 40, 0, 0,
@@ -272,8 +271,7 @@ TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
 }
 
 TEST( Cfp2StatusTest, ReadingAllocatesNothing ) {
-   Vel::Ptr<Cfp2DcoNewStatus> const dco =
-      inserted<Cfp2DcoNewStatus>( coherentCfp( identifierCfp2Dco ) );
+   auto const dco = inserted<Cfp2DcoNewStatus>( coherentCfp( identifierCfp2Dco ) );
    AllocationCount const count;
    expectNoAllocation( *dco );
    EXPECT_NE( dco->tuningCapabilities().firstFrequency() + dco->dcoMonitors().updateTime(), 0 );

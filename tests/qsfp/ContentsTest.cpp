@@ -68,19 +68,18 @@ TEST( QsfpContents, ComplianceIsPackedWithSignExtension ) {
 }
 
 TEST( QsfpContents, TestsAreTheBitsTheyName ) {
-   struct Case {
+   struct {
       bool ( Contents::*read )() const;
       unsigned byte, bit;
-   };
-   Case const cases[] = { { &Contents::txInputEqualizationAutoSupported, 193, 3 },
-                          { &Contents::txInputEqualizationFixedSupported, 193, 2 },
-                          { &Contents::rxOutputEmphasisSupported, 193, 1 },
-                          { &Contents::rxOutputAmplitudeSupported, 193, 0 },
-                          { &Contents::rateSelectImplemented, 195, 5 },
-                          { &Contents::txPowerSupported, 220, 2 },
-                          { &Contents::rxPowerIsAverage, 220, 3 },
-                          { &Contents::extendedRateSelectSupported, 221, 3 } };
-   for ( Case const & c : cases ) {
+   } const cases[] = { { &Contents::txInputEqualizationAutoSupported, 193, 3 },
+                       { &Contents::txInputEqualizationFixedSupported, 193, 2 },
+                       { &Contents::rxOutputEmphasisSupported, 193, 1 },
+                       { &Contents::rxOutputAmplitudeSupported, 193, 0 },
+                       { &Contents::rateSelectImplemented, 195, 5 },
+                       { &Contents::txPowerSupported, 220, 2 },
+                       { &Contents::rxPowerIsAverage, 220, 3 },
+                       { &Contents::extendedRateSelectSupported, 221, 3 } };
+   for ( auto const & c : cases ) {
       std::string const mask( 1, static_cast<char>( 1u << c.bit ) );
       EXPECT_TRUE( ( withBytes( c.byte, mask ).*c.read )() ) << c.byte << "." << c.bit;
       std::string page( 128, '\xff' );

@@ -48,7 +48,7 @@ QsfpImageBuilder cr4() {
 }
 
 Vel::Ptr<QsfpNewStatus> inserted( Sff8436IdEepromContents const & contents ) {
-   Vel::Ptr<QsfpNewStatus> const status = qsfpNewStatusFactory( "Ethernet1" );
+   auto const status = qsfpNewStatusFactory( "Ethernet1" );
    status->actualIdEepromContentsIs( contents );
    return XcvrTest::asRead( status );
 }
@@ -65,7 +65,7 @@ double attenuation( QsfpNewStatus const & status ) {
 }
 
 TEST( QsfpStatusTest, PagesAreStoredByTheirNumber ) {
-   Vel::Ptr<QsfpNewStatus> const status = qsfpNewStatusFactory( "Ethernet1" );
+   auto const status = qsfpNewStatusFactory( "Ethernet1" );
    for ( uint8_t page = 0; page <= 6; ++page ) { // the last is none
       status->idEepromContentsIs( page, Vel::String( std::to_string( page ) ) );
    }
@@ -77,14 +77,14 @@ TEST( QsfpStatusTest, PagesAreStoredByTheirNumber ) {
 }
 
 TEST( QsfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
-   Vel::Ptr<QsfpNewStatus> const status = inserted( cwdm4() );
-   Vel::Ptr<QsfpConfig> const config = qsfpConfigFactory( "Ethernet1" );
+   auto const status = inserted( cwdm4() );
+   auto const config = qsfpConfigFactory( "Ethernet1" );
    XcvrTest::expectOverride( *status, config, cr4().vendor( "Other" ).contents() );
    EXPECT_FALSE( status->domInfoValid( lane( 0 ) ) );
 }
 
 TEST( QsfpStatusTest, IdentityIsThatOfTheContents ) {
-   Vel::Ptr<QsfpNewStatus> const status = inserted( cwdm4() );
+   auto const status = inserted( cwdm4() );
    EXPECT_EQ( status->xcvrType(), XcvrType::qsfpPlus );
    EXPECT_EQ( status->vendorInfo(), VendorInfo( "Vendor          ", "PN-1            ",
                                                 "SN-1            ", "  ", "        " ) );
@@ -104,11 +104,11 @@ TEST( QsfpStatusTest, IdentityIsThatOfTheContents ) {
 }
 
 TEST( QsfpStatusTest, TheSystemMayTakeTheComplianceBitForPsm4 ) {
-   Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
+   auto const xgc = xgcFactory( "xgc" );
    auto const mediaType = [&xgc]( uint8_t identifier, uint64_t compliance, unsigned code ) {
       QsfpImageBuilder image;
       image.identifier( identifier ).raw( "compliance", compliance << 56 );
-      Vel::Ptr<QsfpNewStatus> const status = inserted( image.raw( "complianceExtended", code ) );
+      auto const status = inserted( image.raw( "complianceExtended", code ) );
       status->xgcIs( xgc );
       return status->mediaType();
    };
@@ -129,12 +129,12 @@ TEST( QsfpStatusTest, AttenuationOfCopperCables ) {
    }
    EXPECT_EQ( attenuation( *inserted( cr4().raw( "attenuation12p9GHz", 0 ) ) ), unreadable );
    EXPECT_EQ( attenuation( *inserted( cwdm4() ) ), 0.0 );
-   Vel::Ptr<ModelToAttenuation> const table = modelToAttenuationFactory( "attenuation" );
+   auto const table = modelToAttenuationFactory( "attenuation" );
    table->attenuationIs( "Cable           -CR4             ", Units::Decibels( 8.5 ) );
    // An optical module has a wavelength in these bytes, also while it passes for a cable.
    for ( auto const & [image, own, known] :
          { std::tuple{ cr4(), 5.0, 8.5 }, std::tuple{ cwdm4(), unreadable, unreadable } } ) {
-      Vel::Ptr<QsfpNewStatus> const status = inserted( image );
+      auto const status = inserted( image );
       status->overrideMediaTypeIs( xcvr40GBaseCr4 );
       EXPECT_EQ( attenuation( *status ), own );
       status->attnTableIs( table );
@@ -160,7 +160,7 @@ TEST( QsfpStatusTest, MonitorsAreValidOnceReadFromThisModule ) {
 }
 
 TEST( QsfpStatusTest, EveryLaneHasItsMonitors ) {
-   Vel::Ptr<QsfpNewStatus> const status = inserted( cwdm4() );
+   auto const status = inserted( cwdm4() );
    for ( unsigned i = 0; i < 4; ++i ) {
       EXPECT_THAT( doubles( status->domInfo( lane( i ) ) ),
                    testing::Pointwise( testing::DoubleEq(),
@@ -196,7 +196,7 @@ TEST( QsfpStatusTest, TheClosestOperatorThresholdsAreInForce ) {
 }
 
 TEST( QsfpStatusTest, NothingIsSaidOfATxPowerThatIsNotMonitored ) {
-   Vel::Ptr<QsfpNewStatus> const status =
+   auto const status =
       inserted( cwdm4().raw( "diagsMonitoringType", 0xfb, "txPowerFlags", 0xffff, "rxPowerFlags",
                              0x8000, "txPowerLowWarn", 1000, "rxPowerHighAlarm", 1000 ) );
    EXPECT_EQ( status->domInfo( lane( 0 ) ).txPower(), unreadable );
@@ -214,7 +214,7 @@ TEST( QsfpStatusTest, EveryFlagAndControlIsABitOfItsOwn ) {
       std::string pages( 256, '\0' ); // the lower one and 03h
       std::generate( pages.begin(), pages.end(), [&random] { return char( random() ); } );
       pages[2] = static_cast<char>( pages[2] & ~4 ); // has more pages
-      Vel::Ptr<QsfpNewStatus> const status = inserted(
+      auto const status = inserted(
          cwdm4().pageIs( "lower", pages.substr( 0, 128 ) ).pageIs( "03h", pages.substr( 128 ) ) );
       // By the module's byte and bit.
       auto const bit = [&]( unsigned byte, unsigned number ) {
@@ -254,19 +254,18 @@ TEST( QsfpStatusTest, EveryFlagAndControlIsABitOfItsOwn ) {
 }
 
 TEST( QsfpStatusTest, ControlsDoNotNeedMonitors ) {
-   Vel::Ptr<QsfpNewStatus> const status = inserted( cr4().raw( "txDisable", 15 ) );
+   auto const status = inserted( cr4().raw( "txDisable", 15 ) );
    EXPECT_TRUE( status->laneControls( lane( 3 ) ).txDisable() );
    EXPECT_FALSE( status->laneControls( lane( 4 ) ).txDisable() );
 }
 
 TEST( QsfpStatusTest, LaneStatusTakesTheFlagsWhenAsked ) {
-   Vel::Ptr<QsfpNewStatus> const status =
-      inserted( cwdm4()
-                   .bit( "lolFlags", "Tx3 CDR loss of lock" )
-                   .bit( "faultFlags", "Tx3 fault" )
-                   .raw( "rxPowerFlags", 0x0010, "txBiasFlags", 0x8000 ) );
+   auto const status = inserted( cwdm4()
+                                    .bit( "lolFlags", "Tx3 CDR loss of lock" )
+                                    .bit( "faultFlags", "Tx3 fault" )
+                                    .raw( "rxPowerFlags", 0x0010, "txBiasFlags", 0x8000 ) );
    status->updateLaneStatus();
-   Vel::Ptr<LaneStatus> const third = status->laneStatus( lane( 2 ) );
+   auto const third = status->laneStatus( lane( 2 ) );
    EXPECT_TRUE( third->txCdrLol() && third->txFaultPresent() && third->rxPowerLoWarn() );
    EXPECT_FALSE( third->txLos() || third->rxCdrLol() || third->txBiasHiAlarm() );
    EXPECT_TRUE( status->laneStatus( lane( 0 ) )->txBiasHiAlarm() );
@@ -278,19 +277,17 @@ TEST( QsfpStatusTest, LaneStatusTakesTheFlagsWhenAsked ) {
 }
 
 TEST( QsfpStatusTest, SignalTuningIsValidWhereSupported ) {
-   struct Parameter {
-      char const * option;
-      char const * field;
+   struct {
+      char const *option, *field;
       TuningValue ( QsfpNewStatus::*read )( LaneId ) const;
-   };
-   Parameter const parameters[] = {
+   } const parameters[] = {
       { "Tx input EQ fixed", "txInputEqualization", &QsfpNewStatus::txInputEqualization },
       { "Rx output emphasis", "rxOutputEmphasis", &QsfpNewStatus::rxOutputPreEmphasis },
       { "Rx output amplitude", "rxOutputAmplitude", &QsfpNewStatus::rxOutputAmplitude } };
-   for ( Parameter const & p : parameters ) {
+   for ( auto const & p : parameters ) {
       QsfpImageBuilder image = cwdm4().raw( p.field, 0x1234 );
       EXPECT_FALSE( ( *inserted( image ).*p.read )( lane( 0 ) ).valid() ) << p.field;
-      Vel::Ptr<QsfpNewStatus> const status = inserted( image.bit( "options", p.option ) );
+      auto const status = inserted( image.bit( "options", p.option ) );
       for ( uint8_t i = 0; i < 5; ++i ) {
          uint8_t const code = i < 4 ? static_cast<uint8_t>( i + 1 ) : uint8_t( 0 );
          EXPECT_EQ( ( *status.*p.read )( lane( i ) ), TuningValue( i < 4, code, false ) );
@@ -354,7 +351,7 @@ QsfpImageBuilder enhanced() {
 }
 
 TEST( QsfpStatusTest, EnhancedMonitorsAreFoundByTheirTypeAndLane ) {
-   Vel::Ptr<QsfpNewStatus> const status = inserted( enhanced() );
+   auto const status = inserted( enhanced() );
    for ( Parameter const & monitor : monitors ) {
       EXPECT_NEAR( status->enhancedDomValue( monitor.index() ), monitor.value, 1e-9 );
    }
@@ -387,7 +384,7 @@ TEST( QsfpStatusTest, EnhancedMonitorsAreFoundByTheirTypeAndLane ) {
 }
 
 TEST( QsfpStatusTest, EnhancedThresholdsAreThoseOfTheSet ) {
-   Vel::Ptr<QsfpNewStatus> const status = inserted( enhanced() );
+   auto const status = inserted( enhanced() );
    auto const limits = [&status]( EnhancedDomMonitor monitor, uint8_t number ) {
       return doubles( status->enhancedDomThreshold( enhancedDomIndex( monitor, number ) ) );
    };
@@ -402,13 +399,13 @@ TEST( QsfpStatusTest, EnhancedThresholdsAreThoseOfTheSet ) {
 }
 
 TEST( QsfpStatusTest, OfAPageThatEndsEarlyNothingIsRead ) {
-   Vel::Ptr<QsfpNewStatus> const whole = inserted( enhanced() );
+   auto const whole = inserted( enhanced() );
    for ( size_t size = 0; size <= 128; ++size ) {
       Sff8436IdEepromContents contents = whole->actualIdEepromContents();
       contents.eepromPage00LowerDataIs( contents.eepromPage00LowerData().substr( 0, size ) );
       contents.eepromPage03UpperDataIs( contents.eepromPage03UpperData().substr( 0, size ) );
       contents.eepromPage21hUpperDataIs( contents.eepromPage21hUpperData().substr( 0, size ) );
-      Vel::Ptr<QsfpNewStatus> const status = inserted( contents );
+      auto const status = inserted( contents );
       bool const hasMonitors = size >= 58, hasLimits = size >= 72; // to bytes 57 and 199
       EXPECT_EQ( status->domInfoValid( lane( 0 ) ), hasMonitors ) << size;
       EXPECT_EQ( status->domInfo( lane( 0 ) ) == whole->domInfo( lane( 0 ) ), hasMonitors ) << size;
@@ -425,7 +422,7 @@ TEST( QsfpStatusTest, OfAPageThatEndsEarlyNothingIsRead ) {
 }
 
 TEST( QsfpStatusTest, AskingAllocatesNothing ) {
-   Vel::Ptr<QsfpNewStatus> const status = inserted( enhanced() );
+   auto const status = inserted( enhanced() );
    XcvrTest::expectNoAllocation( *status );
    AllocationCount const allocations;
    static_cast<void>( status->laneFlags( lane( 0 ) ) );

@@ -63,7 +63,7 @@ TEST( SfpContents, TextSettersPadCutAndKeepTheRest ) {
                           { &Contents::vendorRevIs, 56, "A", "A   " },
                           { &Contents::vendorSnIs, 68, endless, std::string( 16, 'x' ) },
                           { &Contents::dateCodeIs, 84, "2601", "2601    " } };
-   for ( Case const & c : cases ) {
+   for ( auto const & c : cases ) {
       for ( size_t size : { size_t{ 256 }, c.at + 3, c.at, size_t{ 0 } } ) {
          Contents contents = numberedContents( size );
          ( contents.*c.write )( c.text );

@@ -43,7 +43,7 @@ SfpImageBuilder externallyCalibrated() {
 }
 
 Vel::Ptr<SfpNewStatus> inserted( XcvrSff8472IdEepromContents const & contents ) {
-   Vel::Ptr<SfpNewStatus> const status = sfpNewStatusFactory( "Ethernet1" );
+   auto const status = sfpNewStatusFactory( "Ethernet1" );
    status->actualIdEepromContentsIs( contents );
    return XcvrTest::asRead( status );
 }
@@ -65,7 +65,7 @@ TEST( SfpRegisterTest, AByteIsStoredOnceAndToldOnChange ) {
       void onRegisterData( uint16_t address ) override { told.push_back( address ); }
       std::vector<unsigned> told;
    } watcher;
-   Vel::Ptr<SfpNewStatus> const status = sfpNewStatusFactory( "Ethernet1" );
+   auto const status = sfpNewStatusFactory( "Ethernet1" );
    watcher.notifierIs( status );
    registerIs( *status, 0x61, 0 ); // a zero is there too
    EXPECT_TRUE( status->registerDataHas( 0xA261 ) );
@@ -93,7 +93,7 @@ TEST( SfpRegisterTest, AByteIsStoredOnceAndToldOnChange ) {
 }
 
 TEST( SfpStatusTest, AByteOfA2hIsTheRegistersThenTheContents ) {
-   Vel::Ptr<SfpNewStatus> const status = inserted( internallyCalibrated() );
+   auto const status = inserted( internallyCalibrated() );
    registerIs( *status, 96, 30 ); // the other byte, 0x80, still comes from the contents
    EXPECT_EQ( temperature( status ), 30.5 );
    registerIs( *status, 97, 0 );
@@ -103,7 +103,7 @@ TEST( SfpStatusTest, AByteOfA2hIsTheRegistersThenTheContents ) {
    for ( size_t pageSize : { 0u, 97u } ) { // without a page, and with one that ends within them
       XcvrSff8472IdEepromContents contents = internallyCalibrated().contents();
       contents.eepromPageA2DataIs( contents.eepromPageA2Data().substr( 0, pageSize ) );
-      Vel::Ptr<SfpNewStatus> const alone = inserted( contents );
+      auto const alone = inserted( contents );
       EXPECT_EQ( alone->domInfo( lane ).rxPower(), unreadable );
       registerIs( *alone, 96, 0x20 );
       registerIs( *alone, 99, 100 );
@@ -113,13 +113,13 @@ TEST( SfpStatusTest, AByteOfA2hIsTheRegistersThenTheContents ) {
 }
 
 TEST( SfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
-   Vel::Ptr<SfpNewStatus> const status = inserted( internallyCalibrated() );
+   auto const status = inserted( internallyCalibrated() );
    registerIs( *status, 96, 30 );
    XcvrSff8472IdEepromContents other = internallyCalibrated()
                                           .vendor( "Other" )
                                           .value( "lengthOm3", 100, "domTemperature", 60 )
                                           .contents();
-   Vel::Ptr<SfpConfig> const config = sfpConfigFactory( "Ethernet1" );
+   auto const config = sfpConfigFactory( "Ethernet1" );
    XcvrTest::expectOverride( *status, config, other );
    EXPECT_EQ( temperature( status ), 60 );
    // Without a page A2h of its own all its bytes are 0, whatever was read.
@@ -137,8 +137,7 @@ TEST( SfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
 
 TEST( SfpStatusTest, MonitorsAreValidOnceReadFromThisModule ) {
    XcvrTest::expectValidOnceRead<SfpNewStatus>( [] { return inserted( internallyCalibrated() ); } );
-   Vel::Ptr<SfpNewStatus> const none =
-      inserted( internallyCalibrated().raw( "diagsMonitoringType", 0x20 ) );
+   auto const none = inserted( internallyCalibrated().raw( "diagsMonitoringType", 0x20 ) );
    EXPECT_FALSE( none->domInfoValid( lane ) || none->domThresholdValid() );
 }
 
@@ -170,8 +169,7 @@ TEST( SfpStatusTest, MonitorsFollowTheCalibration ) {
 
 TEST( SfpStatusTest, EveryThresholdComesFromItsOwnWord ) {
    for ( bool const internal : { true, false } ) {
-      Vel::Ptr<SfpNewStatus> const status =
-         inserted( internal ? internallyCalibrated() : externallyCalibrated() );
+      auto const status = inserted( internal ? internallyCalibrated() : externallyCalibrated() );
       for ( unsigned word = 0; word < 20; ++word ) {
          registerIs( *status, 2 * word, word + 1 );
          registerIs( *status, 2 * word + 1, 0 );
@@ -187,7 +185,7 @@ TEST( SfpStatusTest, EveryStatusBitAndFlagIsABitOfItsOwn ) {
    std::mt19937 random( 1 );
    for ( int round = 0; round < 300; ++round ) {
       auto const options = static_cast<unsigned>( random() );
-      Vel::Ptr<SfpNewStatus> const status =
+      auto const status =
          inserted( internallyCalibrated().raw( "enhancedOptions", options & 0xff ) );
       unsigned page[118]{};
       for ( unsigned at : { 110u, 112u, 113u, 116u, 117u } ) {
@@ -223,7 +221,7 @@ TEST( SfpStatusTest, TheClosestOperatorThresholdsAreInForce ) {
 }
 
 TEST( SfpStatusTest, IdentityIsThatOfTheContents ) {
-   Vel::Ptr<SfpNewStatus> const status = inserted( internallyCalibrated() );
+   auto const status = inserted( internallyCalibrated() );
    EXPECT_EQ( status->xcvrType(), XcvrType::sfpPlus );
    EXPECT_EQ( status->vendorInfo(), VendorInfo( "Vendor          ", "PN-1            ",
                                                 "SN-1            ", "A   ", "260101  " ) );
@@ -249,7 +247,7 @@ TEST( SfpStatusTest, WavelengthIsInPicometresUnlessTheModuleIsAnActiveCable ) {
    SfpImageBuilder image = internallyCalibrated();
    image.raw( "laserWavelengthInteger", 1530, "laserWavelengthFractional", 33, "extIdentifier",
               0x20 );
-   Vel::Ptr<SfpNewStatus> const dwdm = inserted( image.raw( "identifier", 11 ) );
+   auto const dwdm = inserted( image.raw( "identifier", 11 ) );
    EXPECT_EQ( dwdm->laserWavelength(), 1530330u );
    EXPECT_EQ( dwdm->laserWavelengthPrecision(), laserWavelengthPrecisionPm );
    dwdm->overrideMediaTypeIs( xcvr10GBaseAr );
@@ -258,7 +256,7 @@ TEST( SfpStatusTest, WavelengthIsInPicometresUnlessTheModuleIsAnActiveCable ) {
 }
 
 TEST( SfpStatusTest, AttenuationOfAPassiveCableComesFromTheTableOrItsLength ) {
-   Vel::Ptr<SfpNewStatus> const status = inserted( internallyCalibrated() );
+   auto const status = inserted( internallyCalibrated() );
    auto const attenuation = [&status]( unsigned metres ) {
       status->actualIdEepromContentsIs(
          internallyCalibrated().value( "lengthCopper", metres ).contents() );
@@ -266,7 +264,7 @@ TEST( SfpStatusTest, AttenuationOfAPassiveCableComesFromTheTableOrItsLength ) {
    };
    EXPECT_EQ( attenuation( 2 ), 0 ); // an optical module
    status->overrideMediaTypeIs( xcvr10GBaseCr );
-   Vel::Ptr<ModelToAttenuation> const table = modelToAttenuationFactory( "attenuation" );
+   auto const table = modelToAttenuationFactory( "attenuation" );
    status->attnTableIs( table );
    EXPECT_DOUBLE_EQ( attenuation( 4 ), 12.8 );
    EXPECT_DOUBLE_EQ( attenuation( 5 ), 8.5 );
@@ -286,7 +284,7 @@ SfpImageBuilder tunableModule() {
 }
 
 TEST( SfpTuningTest, CapabilitiesComeFromTheTuningPage ) {
-   Vel::Ptr<SfpNewStatus> const status = inserted( tunableModule().raw( "tuningChannel", 0x201 ) );
+   auto const status = inserted( tunableModule().raw( "tuningChannel", 0x201 ) );
    EXPECT_TRUE( status->capabilities().tunableWavelength() );
    EXPECT_EQ( status->hwChannel(), 0x201 );
    for ( double const ghz : { 100., 50., 25., 12.5, 75. } ) { // 12.5 GHz are cut to 12
@@ -302,10 +300,10 @@ TEST( SfpTuningTest, CapabilitiesComeFromTheTuningPage ) {
 }
 
 TEST( SfpTuningTest, ATuningIsPendingUntilTheModuleIsThere ) {
-   Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
-   Vel::Ptr<SfpNewStatus> const status = inserted( tunableModule() );
+   auto const xgc = xgcFactory( "xgc" );
+   auto const status = inserted( tunableModule() );
    status->xgcIs( xgc );
-   Vel::Ptr<TuningConfig> const config = xgc->tuningConfigIs( "Ethernet1" );
+   auto const config = xgc->tuningConfigIs( "Ethernet1" );
    config->channelIs( 40 );
    config->gridIs( 50000 );
 
@@ -338,14 +336,14 @@ TEST( SfpTuningTest, ATuningIsPendingUntilTheModuleIsThere ) {
 TEST( SfpTuningTest, OffTheGridThereIsNoChannel ) {
    // Of the resolved grid, and below its base.
    for ( unsigned const ghz : { 191325u, 190000u } ) {
-      Vel::Ptr<SfpNewStatus> const off = inserted( tunableModule().value(
-         "tuningFirstFrequencyTHz", ghz / 1000, "tuningFirstFrequencyGHz", ghz % 1000 ) );
+      auto const off = inserted( tunableModule().value( "tuningFirstFrequencyTHz", ghz / 1000,
+                                                        "tuningFirstFrequencyGHz", ghz % 1000 ) );
       EXPECT_TRUE( off->isFreqTuningPending() );
       EXPECT_EQ( off->resolvedTuningStatus().operationalFrequency(), ghz * 1000 );
       EXPECT_EQ( off->resolvedTuningStatus().operationalChannel(), 0u );
    }
    // The registers are exact: a grid of 12.5 GHz whose first frequency is no whole GHz.
-   Vel::Ptr<SfpNewStatus> const status = inserted(
+   auto const status = inserted(
       tunableModule().value( "tuningFirstFrequencyGHz", 262.5, "tuningGridSpacingGHz", 12.5 ) );
    for ( auto const & [grid, expected] : { std::pair{ 50000u, HwTuningConfig( 148, 12500, 0 ) },
                                            std::pair{ 33000u, HwTuningConfig() } } ) {
@@ -359,7 +357,7 @@ TEST( SfpTuningTest, OffTheGridThereIsNoChannel ) {
 
 TEST( SfpStatusTest, ReadingAndWritingRegistersAllocatesNothing ) {
    for ( SfpImageBuilder const & image : { internallyCalibrated(), externallyCalibrated() } ) {
-      Vel::Ptr<SfpNewStatus> const status = inserted( image );
+      auto const status = inserted( image );
       registerIs( *status, 96, 1 ); // the page
       AllocationCount const allocations;
       registerIs( *status, 97, 1 );

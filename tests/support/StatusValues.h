@@ -57,19 +57,18 @@ std::vector<double> doubles( Value const & value ) {
 /// Of a slot with monitors and thresholds of which all is valid, lane 0 at -12.5 °C: when they are not.
 template <typename Status>
 void expectValidOnceRead( std::function<Vel::Ptr<Status>()> const & inserted ) {
-   struct Case {
+   struct {
       char const * what;
       std::function<void( Xcvr::XcvrNewStatus & )> change;
       bool info, thresholds;
-   };
-   Case const cases[] = {
+   } const cases[] = {
       { "read", []( auto & ) {}, true, true },
       { "absent", []( auto & s ) { s.presenceIs( Xcvr::xcvrNotPresent ); }, false, false },
       { "unknown", []( auto & s ) { s.presenceIs( Xcvr::xcvrPresenceUnknown ); }, false, false },
       { "read before", []( auto & s ) { s.lastDomUpdateTimeIs( 10 ); }, false, true },
       { "never read", []( auto & s ) { s.lastDomThresholdsUpdateTimeIs( 0 ); }, true, false },
       { "unusable", []( auto & s ) { s.idEepromValidIs( false ); }, true, false } };
-   for ( Case const & c : cases ) {
+   for ( auto const & c : cases ) {
       SCOPED_TRACE( c.what );
       Vel::Ptr<Status> const status = inserted();
       c.change( *status );

@@ -6,38 +6,31 @@
 namespace XcvrTest {
 namespace {
 
-/// The image of an example module, with its tables changed.
-class CfpImage {
- public:
-   explicit CfpImage( std::string const & example ) : image_( exampleImage( example ) ) {}
+using Module = XcvrTool::ModuleImage;
 
-   /// A byte, which of a table of words is half a register.
-   CfpImage & byte( std::string const & table, std::size_t at, std::uint8_t value ) {
-      image_.pages.at( table ).at( at ) = static_cast<char>( value );
-      return *this;
-   }
-   CfpImage & missing( std::string const & table ) {
-      image_.pages.erase( table );
-      return *this;
-   }
-   CfpImage & cut( std::string const & table, std::size_t size ) {
-      image_.pages.at( table ).resize( size );
-      return *this;
-   }
-   operator std::string() const { return labelledForm( image_ ); }
-
- private:
-   XcvrTool::ModuleImage image_;
-};
-
-CfpImage lr4() {
-   return CfpImage( "cfp2-100gbase-lr4" );
+Module lr4() {
+   return exampleImage( "cfp2-100gbase-lr4" );
 }
-CfpImage cfpx() {
-   return CfpImage( "cfp2-100g-dwdm-e" );
+Module cfpx() {
+   return exampleImage( "cfp2-100g-dwdm-e" );
 }
-CfpImage dco() {
-   return CfpImage( "cfp2-100g-dwdm-dco" );
+Module dco() {
+   return exampleImage( "cfp2-100g-dwdm-dco" );
+}
+Module without( Module module, std::initializer_list<char const *> tables ) {
+   for ( char const * table : tables ) {
+      module.pages.erase( table );
+   }
+   return module;
+}
+Module cut( Module module, char const * table, std::size_t size ) {
+   module.pages.at( table ).resize( size );
+   return module;
+}
+/// With another byte, which of a table of words is half a register.
+Module with( Module module, char const * table, std::size_t at, char byte ) {
+   module.pages.at( table ).at( at ) = byte;
+   return module;
 }
 
 using CfpToolTest = ToolTest;
@@ -61,12 +54,12 @@ TEST_F( CfpToolTest, ShowFacts ) {
                           { "Tx swaps", "I and Q of H, I and Q of V" },
                           { "Rx attenuation", "2.50 dB of at most 15.00 dB" },
                           { "Bit rate", untold } } );
-   expectFacts( lr4().missing( "a000h" ).missing( "a200h" ).missing( "a280h" ),
+   expectFacts( without( lr4(), { "a000h", "a200h", "a280h" } ),
                 { { "Monitors", "advertised, but the image lacks tables a000h, a280h" },
                   { "Status words", untold } } );
    // The sum of 8100h is stored in the table that is missing.
-   expectFacts( lr4().missing( "8180h" ), { { "Checksum, 8100h", untold } } );
-   expectFacts( dco().cut( "9100h", 0x31 * 2 - 1 ).cut( "b800h", 0x10 * 2 ),
+   expectFacts( without( lr4(), { "8180h" } ), { { "Checksum, 8100h", untold } } );
+   expectFacts( cut( cut( dco(), "9100h", 0x31 * 2 - 1 ), "b800h", 0x10 * 2 ),
                 { { "OSNR", untold }, { "Chromatic dispersion", untold } } );
 }
 
@@ -76,7 +69,7 @@ TEST_F( CfpToolTest, MonitorsOfNetworkLanes ) {
                          " Rx power, lane 4 0.0759 mW / -11.20 dBm -12.60 -10.60 4.50 5.50 low" } );
    EXPECT_THAT( whole, Not( HasSubstr( "lane 5" ) ) );
    // Registers that the image lacks are not taken for darkness.
-   std::string const part = shown( "show", lr4().missing( "a280h" ) );
+   std::string const part = shown( "show", without( lr4(), { "a280h" } ) );
    EXPECT_THAT( part, HasSubstr( " Temperature 42.50 °C" ) );
    EXPECT_THAT( part, Not( ContainsRegex( "(Tx|Rx) power, lane|Tx bias, lane|Sum of" ) ) );
    // A threshold of a coherent module has steps of 0.1 mA, the monitor of 2 µA.
@@ -85,14 +78,14 @@ TEST_F( CfpToolTest, MonitorsOfNetworkLanes ) {
 }
 
 TEST_F( CfpToolTest, Json ) {
-   expectJson( Json::parse( run( "show --json -", dco().missing( "ba00h" ) ).out ),
+   expectJson( Json::parse( run( "show --json -", without( dco(), { "ba00h" } ) ).out ),
                R"( { "modules": [ {
       "dcoMonitors": { "osnr": 26.4, "rawCarrierFreqOffset": 65356, "snr": null, "rawSnr": null },
       "cfpxTuneStatus": { "txFrequency": 193100000 } } ] } )" );
 }
 
 TEST_F( CfpToolTest, HexdumpOfRegisters ) {
-   CfpImage const image = dco().cut( "b400h", 0x11 * 2 - 1 ).byte( "b000h", 0x1e * 2 + 1, 0x20 );
+   Module const image = with( cut( dco(), "b400h", 0x11 * 2 - 1 ), "b000h", 0x1e * 2 + 1, 0x20 );
    expectLines( shown( "hexdump", image ),
                 { "Page 8000h, 128 bytes, identification\nReg. Contents ",
                   "\n 8000 19 identifier 0x19 (CFP2-DCO)\n",
@@ -106,19 +99,19 @@ TEST_F( CfpToolTest, HexdumpOfRegisters ) {
 }
 
 TEST_F( CfpToolTest, ExplainSaysWhatTheRulesRead ) {
-   std::string const out = run( "explain -", cfpx().missing( "bb00h" ) ).out;
+   std::string const out = run( "explain -", without( cfpx(), { "bb00h" } ) ).out;
    EXPECT_EQ( fact( out, "8003h, application" ), "17" );
    EXPECT_EQ( fact( out, "BB04h, driver type" ), "0, as the image lacks it" );
 }
 
 TEST_F( CfpToolTest, Findings ) {
    expectFindings( {
-      { lr4().byte( "8080h", 0x7f, 0 ), "checksum: The 8080h checksum is wrong: page 8080h" },
-      { lr4().missing( "a000h" ).missing( "a280h" ), "dom-missing: .*lacks tables a000h, a280h" },
-      { lr4().missing( "a280h" ),
+      { with( lr4(), "8080h", 0x7f, 0 ), "checksum: The 8080h checksum is wrong: page 8080h" },
+      { without( lr4(), { "a000h", "a280h" } ), "dom-missing: .*lacks tables a000h, a280h" },
+      { without( lr4(), { "a280h" } ),
         "page-missing: The module has table a280h .network lane monitors., but" },
-      { cfpx().missing( "bb00h" ), "page-missing: The module has table bb00h" },
-      { dco().cut( "b400h", 64 ), "page-missing: The image has 64 bytes of table b400h" },
+      { without( cfpx(), { "bb00h" } ), "page-missing: The module has table bb00h" },
+      { cut( dco(), "b400h", 64 ), "page-missing: The image has 64 bytes of table b400h" },
    } );
 }
 

@@ -12,14 +12,11 @@ QsfpImageBuilder dr() {
 
 /// With signal settings, and a lane that is weak.
 QsfpImageBuilder cwdm4() {
-   return example<QsfpImageBuilder>( "100gbase-cwdm4" )
-      .missing( "02h" )
-      .missing( "20h" )
-      .missing( "21h" );
+   return example<QsfpImageBuilder>( "100gbase-cwdm4" );
 }
 
 QsfpImageBuilder cable() {
-   return example<QsfpImageBuilder>( "100gbase-cr4" ).flat();
+   return example<QsfpImageBuilder>( "100gbase-cr4" );
 }
 
 using QsfpToolTest = ToolTest;

@@ -69,12 +69,14 @@ inline XcvrTool::ModuleImage exampleImage( std::string const & name ) {
                                XcvrTool::anyFamily );
 }
 
-/// A builder that begins with an example module, all pages of which it has.
+/// A builder that begins with the pages of an example module.
 template <typename Builder>
 Builder example( std::string const & name ) {
    Builder builder;
-   for ( auto const & [label, bytes] : exampleImage( name ).pages ) {
-      builder.pageIs( label, bytes );
+   XcvrTool::ModuleImage const image = exampleImage( name );
+   for ( std::string_view const label : builder.pageLabels() ) {
+      std::string const * page = image.page( label );
+      page ? builder.pageIs( label, *page ) : builder.missing( label );
    }
    return builder;
 }
@@ -91,11 +93,13 @@ std::string labelled( Builder const & built ) {
    return labelledForm( result );
 }
 
-/// What a run reads: bytes, or the labelled image of a builder's module.
+/// What a run reads: bytes, or a module's labelled image.
 struct Image {
    template <typename From>
    Image( From const & from ) {
-      if constexpr ( requires { from.pageLabels(); } ) {
+      if constexpr ( requires { labelledForm( from ); } ) {
+         bytes = labelledForm( from );
+      } else if constexpr ( requires { from.pageLabels(); } ) {
          bytes = labelled( from );
       } else {
          bytes = from;
