@@ -34,14 +34,12 @@ Vel::Ptr<CfpMsaMisMemoryTable> tableOf( uint8_t width, std::string_view bytes ) 
 
 constexpr int unread = -1;
 
-struct PrimitiveCase {
+// Of the bytes 12h 12h EEh, which in a table of words are a word and a half.
+constexpr struct {
    int bytes; // 1: read as a byte, 2: as a word
    FieldDescriptor field;
    int wide, narrow; // in a table of words and in one of bytes
-};
-
-// Of the bytes 12h 12h EEh, which in a table of words are a word and a half.
-constexpr PrimitiveCase primitiveCases[] = {
+} primitiveCases[] = {
    { 1, { 0xA001, 8, 5 }, 0x12, 0x12 }, // bytes, whatever the width of a register
    { 1, { 0xA002, 7, 6 }, 3, 3 },       // five of them lie beyond the byte
    { 1, { 0xA002, 1, 200 }, 0, 0 },
@@ -283,22 +281,19 @@ TEST( CfpContents, FieldsAndFlags ) {
 }
 
 TEST( CfpContents, WhatAModuleLacksIsTraced ) {
+   using C = Contents const &;
    struct {
       CfpMsaMisIdentifier identifier;
-      void ( *read )( Contents const & );
+      void ( *read )( C );
       std::vector<std::string> traced;
    } const cases[] = {
-      { cfp2, []( Contents const & c ) { (void)c.rxSubsystemCtrl(); }, { "rxSubsystemCtrl" } },
-      { dco, []( Contents const & c ) { (void)c.txDriverCtrl(); }, { "txDriverCtrl" } },
-      { dco,
-        []( Contents const & c ) { (void)c.moduleState(); },
-        { "getU16FromTable" } }, // no table
-      { cfpx, []( Contents const & c ) { (void)c.networkLaneBitRateMax(); }, { "getU8FromTable" } },
-      { cfpx,
-        []( Contents const & c ) { (void)c.vendorRev(), (void)c.rxSkew( 2 ); },
-        { "rxSkew" } },
-      { dco, []( Contents const & c ) { (void)line( c ).clientIntfPcsAlarmStatus( 2 ); }, {} },
-      { cfp2, []( Contents const & c ) { (void)c.txSkew( 4 ); }, {} },
+      { cfp2, []( C c ) { (void)c.rxSubsystemCtrl(); }, { "rxSubsystemCtrl" } },
+      { dco, []( C c ) { (void)c.txDriverCtrl(); }, { "txDriverCtrl" } },
+      { dco, []( C c ) { (void)c.moduleState(); }, { "getU16FromTable" } }, // no table
+      { cfpx, []( C c ) { (void)c.networkLaneBitRateMax(); }, { "getU8FromTable" } },
+      { cfpx, []( C c ) { (void)c.rxSkew( 2 ); }, { "rxSkew" } },
+      { dco, []( C c ) { (void)line( c ).clientIntfPcsAlarmStatus( 2 ); }, {} },
+      { cfp2, []( C c ) { (void)c.txSkew( 4 ); }, {} },
    };
    for ( auto const & [identifier, read, traced] : cases ) {
       auto const contents = CfpImageBuilder( identifier ).contents();
@@ -349,25 +344,29 @@ TEST( CfpContents, LinearDriversByMaker ) {
    EXPECT_EQ( maker( 0, "Oclaro", "AP123" ), "" );
 }
 
+TEST( CfpContents, DecodersScale ) {
+   for ( auto const & [module, raw] :
+         { std::pair( cfp2, 33000 ), { cfpx, 3300 }, { dco, 3300 } } ) {
+      auto const contents = CfpImageBuilder( module ).contents();
+      EXPECT_DOUBLE_EQ( contents->decodeDomVoltage( static_cast<uint16_t>( raw ) ), 3.3 );
+   }
+   EXPECT_DOUBLE_EQ( Contents::decodeAttenuation( 65535 ), 655.35 );
+}
+
 TEST( CfpChecksums, GuardEveryByteOfTheirRange ) {
-   struct {
-      CfpMsaMisTableId table;
-      unsigned first,
-         last; // registers, the one that stores the sum among them if it is in the table
-   } constexpr cases[] = {
-      { table8000, 0, 127 }, { table8080, 0, 127 }, { table8100, 0, 127 }, { table8180, 1, 127 } };
    auto const contents =
       CfpImageBuilder().at( table8100, 0x8100, 0xC3 ).raw( "minFrequencyTHz", 191 ).contents();
-   for ( auto const & [id, first, last] : cases ) {
+   for ( CfpMsaMisTableId id : { table8000, table8080, table8100, table8180 } ) {
+      // The first register of table 8180h has the sum of the table in front of it.
+      unsigned const first = id == table8180 ? 1 : 0;
       auto const table = contents->memory( id );
       Vel::String const bytes = table->contents();
-      XcvrTest::expectGuarded( bytes, first, last, [&, id = id]( Vel::String const & changed ) {
+      XcvrTest::expectGuarded( bytes, first, 127, [&]( Vel::String const & changed ) {
          table->contentsIs( changed );
          return contents->checksumValid( id );
       } );
       table->contentsIs( bytes );
    }
-   // The sum of 8100h is in the next table.
    auto const next = contents->memory( table8180 );
    XcvrTest::expectGuarded( next->contents(), 0, 0, [&]( Vel::String const & changed ) {
       next->contentsIs( changed );

@@ -12,7 +12,7 @@ using XcvrTest::doubles;
 namespace {
 
 Vel::Ptr<OsfpStatus> inserted( CmisImageBuilder const & image ) {
-   Vel::Ptr<OsfpStatus> const status = osfpStatusFactory( "Ethernet1" );
+   auto const status = osfpStatusFactory( "Ethernet1" );
    image.writeTo( *status->rawEepromContents() );
    status->parseEeprom();
    return XcvrTest::asRead( status );

@@ -86,15 +86,18 @@ TEST( SfpContents, AttenuationOfTheVendorArea ) {
 
 TEST( SfpContents, ChecksumsAreValidUntilAGuardedByteChanges ) {
    Vel::String const page( std::string_view( SfpImageBuilder().vendor().a0h() ) );
-   using Pages = Contents const &;
-   auto const expectGuarded = [&]( size_t first, size_t last, bool ( *isValid )( Pages ) ) {
-      XcvrTest::expectGuarded( page, first, last, [&]( Vel::String const & changed ) {
-         return isValid( Contents( changed, changed, 0 ) );
+   using C = Contents const &;
+   struct {
+      size_t first, last;
+      bool ( *isValid )( C );
+   } const sums[] = { { 0, 63, []( C c ) { return c.ccBaseValid(); } },
+                      { 64, 95, []( C c ) { return c.ccExtValid(); } },
+                      { 0, 95, []( C c ) { return c.checksumsValid( pageA0h ); } } };
+   for ( auto const & sum : sums ) {
+      XcvrTest::expectGuarded( page, sum.first, sum.last, [&sum]( Vel::String const & changed ) {
+         return sum.isValid( Contents( changed, "", 0 ) );
       } );
-   };
-   expectGuarded( 0, 63, []( Pages c ) { return c.ccBaseValid(); } );
-   expectGuarded( 64, 95, []( Pages c ) { return c.ccExtValid(); } );
-   expectGuarded( 0, 95, []( Pages c ) { return c.checksumsValid( pageA0h ); } );
+   }
    Vel::String const diagnostics = SfpImageBuilder().contents().eepromPageA2Data();
    XcvrTest::expectGuarded( diagnostics, 0, 95, []( Vel::String const & changed ) {
       return Contents( "", changed, 0 ).checksumsValid( pageA2h );
