@@ -5,8 +5,6 @@
 
 #include <Xcvr/XcvrOsfp.h>
 
-using XcvrTest::unreadable;
-
 /// A module of single-mode optics with every page, all lane flags, and all monitors but the voltage.
 inline XcvrTest::CmisImageBuilder opticalModule() {
    XcvrTest::CmisImageBuilder image;

@@ -6,8 +6,8 @@
 #include <algorithm>
 
 using namespace Xcvr;
+using namespace XcvrTest;
 using testing::ElementsAre;
-using XcvrTest::CmisImageBuilder;
 using Decoded = OsfpDecodedEepromContents;
 
 namespace {
@@ -92,12 +92,11 @@ TEST( CmisParserTest, EveryNumberIsWhereTheStandardHasIt ) {
 TEST( CmisParserTest, EveryMeasurementIsWhereTheStandardHasIt ) {
    AddressedModule const module;
    Decoded const & decoded = *module.decoded;
-   auto const dBm = []( PageView page, unsigned at ) { return XcvrTest::dBm( page.u16be( at ) ); };
    PageView const lower = module.page( 0 ), limits = module.page( 3 ), p11h = module.page( 5 );
-   // Of temperature, voltage, bias and powers. The warnings of the voltage are read from those of the
-   // temperature.
+   // Of temperature, voltage, bias and powers. The warnings of the voltage are read from those of
+   // the temperature.
    unsigned const first[] = { 128, 136, 184, 176, 192 };
-   XcvrTest::expectThresholds( decoded.domThreshold(), [&]( unsigned i ) {
+   expectThresholds( decoded.domThreshold(), [&]( unsigned i ) {
       unsigned const at = first[i / 4] + i % 4 * 2 - ( i == 6 || i == 7 ? 8 : 0 );
       return i < 4 ? double( limits.s16be( at ) ) : limits.u16be( at );
    } );
@@ -108,8 +107,8 @@ TEST( CmisParserTest, EveryMeasurementIsWhereTheStandardHasIt ) {
       EXPECT_EQ( decoded.domInfo( LaneId( lane ) ),
                  DomInfo( sampled, domCalibrationInternal, lower.s16be( 14 ) / 256.,
                           lower.u16be( 16 ) * 0.0001, p11h.u16be( 170u + 2u * lane ) * 0.002,
-                          dBm( p11h, 154u + 2u * lane ), dBm( p11h, 186u + 2u * lane ),
-                          unreadable ) );
+                          dBm( p11h.u16be( 154u + 2u * lane ) ),
+                          dBm( p11h.u16be( 186u + 2u * lane ) ), unreadable ) );
       // Four bits a lane, those of lane 0 in the low half of the first byte.
       auto const code = [&]( unsigned at ) {
          return p11h.u8( at + lane / 2u ) >> lane % 2 * 4 & 0xf;
@@ -252,13 +251,12 @@ TEST( CmisParserTest, ChecksumsOfTheirRanges ) {
    for ( auto const & [page, first, stored] : cases ) {
       OsfpBankAndPage const key( OsfpBank::bankNa, page );
       Vel::String const bytes = module.raw->memory( key );
-      XcvrTest::expectGuarded(
-         bytes, first - 128u, stored - 128u, [&]( Vel::String const & changed ) {
-            module.raw->memoryIs( key, changed );
-            module.parse();
-            EXPECT_EQ( module.decoded->checksum( page ), uint8_t( changed[stored - 128u] ) );
-            return module.decoded->checksumValid( page );
-         } );
+      expectGuarded( bytes, first - 128u, stored - 128u, [&]( Vel::String const & changed ) {
+         module.raw->memoryIs( key, changed );
+         module.parse();
+         EXPECT_EQ( module.decoded->checksum( page ), uint8_t( changed[stored - 128u] ) );
+         return module.decoded->checksumValid( page );
+      } );
    }
 }
 

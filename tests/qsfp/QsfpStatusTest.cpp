@@ -9,12 +9,9 @@
 #include <string>
 
 using namespace Xcvr;
+using namespace XcvrTest;
 using testing::Each;
 using testing::ElementsAre;
-using XcvrTest::dBm;
-using XcvrTest::doubles;
-using XcvrTest::QsfpImageBuilder;
-using XcvrTest::unreadable;
 
 namespace {
 
@@ -50,7 +47,7 @@ QsfpImageBuilder cr4() {
 Vel::Ptr<QsfpNewStatus> inserted( Sff8436IdEepromContents const & contents ) {
    auto const status = qsfpNewStatusFactory( "Ethernet1" );
    status->actualIdEepromContentsIs( contents );
-   return XcvrTest::asRead( status );
+   return asRead( status );
 }
 Vel::Ptr<QsfpNewStatus> inserted( QsfpImageBuilder const & image ) {
    return inserted( image.contents() );
@@ -79,7 +76,7 @@ TEST( QsfpStatusTest, PagesAreStoredByTheirNumber ) {
 TEST( QsfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
    auto const status = inserted( cwdm4() );
    auto const config = qsfpConfigFactory( "Ethernet1" );
-   XcvrTest::expectOverride( *status, config, cr4().vendor( "Other" ).contents() );
+   expectOverride( *status, config, cr4().vendor( "Other" ).contents() );
    EXPECT_FALSE( status->domInfoValid( lane( 0 ) ) );
 }
 
@@ -143,7 +140,7 @@ TEST( QsfpStatusTest, AttenuationOfCopperCables ) {
 }
 
 TEST( QsfpStatusTest, MonitorsAreValidOnceReadFromThisModule ) {
-   XcvrTest::expectValidOnceRead<QsfpNewStatus>( [] { return inserted( cwdm4() ); } );
+   expectValidOnceRead<QsfpNewStatus>( [] { return inserted( cwdm4() ); } );
    struct Case {
       QsfpImageBuilder image;
       bool info, thresholds;
@@ -186,13 +183,13 @@ TEST( QsfpStatusTest, EveryThresholdComesFromItsOwnWord ) {
    contents.eepromPage03UpperDataIs( std::string_view( page ) );
    // The module's bytes: temperature, voltage, Tx bias, Tx power, Rx power.
    unsigned const firstByte[] = { 128, 144, 184, 192, 176 };
-   XcvrTest::expectThresholds( inserted( contents )->domThreshold(), [&]( unsigned i ) {
+   expectThresholds( inserted( contents )->domThreshold(), [&]( unsigned i ) {
       return 256. * ( ( firstByte[i / 4] - 128 ) / 2 + i % 4 + 1 );
    } );
 }
 
 TEST( QsfpStatusTest, TheClosestOperatorThresholdsAreInForce ) {
-   XcvrTest::expectClosestOperatorThresholds( *inserted( cwdm4() ) );
+   expectClosestOperatorThresholds( *inserted( cwdm4() ) );
 }
 
 TEST( QsfpStatusTest, NothingIsSaidOfATxPowerThatIsNotMonitored ) {
@@ -232,7 +229,7 @@ TEST( QsfpStatusTest, EveryFlagAndControlIsABitOfItsOwn ) {
                flags.push_back( bit( byte + i / 2, number + ( i % 2 ? 0 : 4 ) ) );
             }
          }
-         EXPECT_EQ( XcvrTest::fieldsOf<bool>( status->laneFlags( lane( i ) ) ), flags );
+         EXPECT_EQ( fieldsOf<bool>( status->laneFlags( lane( i ) ) ), flags );
          EXPECT_EQ( status->laneControls( lane( i ) ),
                     QsfpLaneControls( bit( 86, i ), code( 87 ), code( 88 ), bit( 98, i ),
                                       bit( 98, 4 + i ), bit( 240, 4 + i ), bit( 240, i ),
@@ -423,7 +420,7 @@ TEST( QsfpStatusTest, OfAPageThatEndsEarlyNothingIsRead ) {
 
 TEST( QsfpStatusTest, AskingAllocatesNothing ) {
    auto const status = inserted( enhanced() );
-   XcvrTest::expectNoAllocation( *status );
+   expectNoAllocation( *status );
    AllocationCount const allocations;
    static_cast<void>( status->laneFlags( lane( 0 ) ) );
    EXPECT_EQ( allocations.calls(), 0u );

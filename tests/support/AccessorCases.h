@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-// Where contents read and what their checksums guard, checked with addresses from the standard rather
-// than from the field table, which they check too.
+// Where contents read and what their checksums guard, checked with addresses from the standard
+// rather than from the field table, which they check too.
 namespace XcvrTest {
 
 /// A page whose bytes tell their address; none has a meaning of its own by chance.

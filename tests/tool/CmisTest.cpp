@@ -5,16 +5,11 @@
 namespace XcvrTest {
 namespace {
 
-/// Four media lanes of eight.
-CmisImageBuilder dr4() {
-   return example<CmisImageBuilder>( "400gbase-dr4" );
-}
-
-CmisImageBuilder cable() {
-   return example<CmisImageBuilder>( "400gbase-cr8" );
-}
-
-using CmisToolTest = ToolTest;
+struct CmisToolTest : ToolTest {
+   /// Four media lanes of eight.
+   static CmisImageBuilder dr4() { return example<CmisImageBuilder>( "400gbase-dr4" ); }
+   static CmisImageBuilder cable() { return example<CmisImageBuilder>( "400gbase-cr8" ); }
+};
 
 TEST_F( CmisToolTest, ShowFacts ) {
    expectFacts( dr4()

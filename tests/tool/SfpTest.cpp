@@ -7,22 +7,16 @@
 namespace XcvrTest {
 namespace {
 
-/// Modules with nothing wrong.
-SfpImageBuilder sr() {
-   return example<SfpImageBuilder>( "10gbase-sr" );
-}
-SfpImageBuilder tunable() {
-   return example<SfpImageBuilder>( "dwdm-tunable" );
-}
-SfpImageBuilder cable() {
-   return example<SfpImageBuilder>( "10gbase-cr" );
-}
+struct SfpToolTest : ToolTest {
+   /// Modules with nothing wrong.
+   static SfpImageBuilder sr() { return example<SfpImageBuilder>( "10gbase-sr" ); }
+   static SfpImageBuilder tunable() { return example<SfpImageBuilder>( "dwdm-tunable" ); }
+   static SfpImageBuilder cable() { return example<SfpImageBuilder>( "10gbase-cr" ); }
 
-std::string binary( SfpImageBuilder const & image, std::size_t size = 512 ) {
-   return ( image.a0h() + image.a2h() ).substr( 0, size );
-}
-
-using SfpToolTest = ToolTest;
+   static std::string binary( SfpImageBuilder const & image, std::size_t size = 512 ) {
+      return ( image.a0h() + image.a2h() ).substr( 0, size );
+   }
+};
 
 TEST_F( SfpToolTest, ShowFacts ) {
    expectFacts( cable().text( "vendorName", "" ).raw( "options", 0 ),
@@ -36,7 +30,6 @@ TEST_F( SfpToolTest, ShowFacts ) {
    expectFacts( tunable(), { { "Capabilities", "1 channel, tunable wavelength" },
                              { "Tuning range", "191300 to 196100 GHz" },
                              { "Grid spacings", "100 GHz, 50 GHz" },
-                             { "Tuned channel", "37" },
                              { "Wavelength", "1552.52 nm" },
                              { "Length (SMF, in 100 m)", "more than 25400 m" } } );
    struct {
@@ -130,9 +123,7 @@ TEST_F( SfpToolTest, HexdumpOfFields ) {
                   "\n  2 02  07                       connector                  0x07 (LC)\n",
                   "\n 20 14  4e 4f 52 54 48 4c 49 47  vendorName                 \"NORTHLIGHT\"\n"
                   " 28 1c  48 54 20 20 20 20 20 20\n",
-                  "\n118 76  00                       (quorelAttnMinuend)        0.0 dB\n",
                   "\n 96 60  00 ...                   vendorSpecific             32 bytes of 00\n",
-                  "\n128 80  00 ...                                              128 bytes of 00\n",
                   "\nPage a2h, 97 bytes\n" } );
    EXPECT_THAT( out, EndsWith( "\n 96 60  24                       domTemperature"
                                "             cut off\n" ) );
@@ -200,7 +191,6 @@ TEST_F( SfpToolTest, Findings ) {
       // Zeros for padding are common; between characters they are not.
       { sr().text( "vendorSn", { "SN1\0\0", 5 } ), nullptr },
       { sr().text( "vendorRev", { "A\0B", 3 } ), "text: .* vendorRev has byte 00h, .* 2" },
-      { sr().raw( "identifier", 0x0b ), "media-type: .* 0bh .DWDM-SFP .* no rule" },
       { sr().raw( "connector", 0x22 ), "connector: .*RJ45.*, but the media type is 10GBASE-SR" },
       { SfpImageBuilder( copper ).raw( "connector", 7 ),
         "connector: .*LC.*, but the media type is 1000BASE-T" },
