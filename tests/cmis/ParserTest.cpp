@@ -248,14 +248,14 @@ TEST( CmisParserTest, ChecksumsOfTheirRanges ) {
                            { OsfpPage::upperPage01, 130, 255 },
                            { OsfpPage::upperPage02, 128, 255 } };
    CmisModule const module( opticalModule() );
-   for ( auto const & [page, first, stored] : cases ) {
-      OsfpBankAndPage const key( OsfpBank::bankNa, page );
+   for ( auto const & c : cases ) {
+      OsfpBankAndPage const key( OsfpBank::bankNa, c.page );
       Vel::String const bytes = module.raw->memory( key );
-      expectGuarded( bytes, first - 128u, stored - 128u, [&]( Vel::String const & changed ) {
+      expectGuarded( bytes, c.first - 128u, c.stored - 128u, [&]( Vel::String const & changed ) {
          module.raw->memoryIs( key, changed );
          module.parse();
-         EXPECT_EQ( module.decoded->checksum( page ), uint8_t( changed[stored - 128u] ) );
-         return module.decoded->checksumValid( page );
+         EXPECT_EQ( module.decoded->checksum( c.page ), uint8_t( changed[c.stored - 128u] ) );
+         return module.decoded->checksumValid( c.page );
       } );
    }
 }

@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cmath>
-#include <concepts>
 #include <cstdint>
 #include <map>
 #include <set>
@@ -12,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace XcvrTest {
 
@@ -29,6 +29,10 @@ inline uint64_t codeOf( std::string_view name, double value, double scale, unsig
    }
    return static_cast<uint64_t>( static_cast<int64_t>( code ) );
 }
+
+/// What a register may hold: a whole number, or one that has a name.
+template <typename Number>
+concept Code = std::is_integral_v<Number> || std::is_enum_v<Number>;
 
 /// A stored checksum: the sum of the bytes of its page from the first one up to it.
 struct PageSum {
@@ -57,7 +61,7 @@ class ImageBuilder {
       return builder();
    }
    /// A number as stored; likewise.
-   template <std::integral Number, typename... Further>
+   template <Code Number, typename... Further>
    Builder & raw( std::string_view name, Number number, Further const &... further ) {
       Xcvr::MemoryField const & field = fieldNamed( name );
       auto rest = static_cast<uint64_t>( number );
