@@ -26,7 +26,7 @@ Vel::Ptr<Status> inserted( CfpImageBuilder const & image ) {
 } // namespace
 
 TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
-   Vel::Ptr<Cfp2NewStatus> const status = cfp2NewStatusFactory( "Ethernet1" );
+   auto const status = cfp2NewStatusFactory( "Ethernet1" );
    for ( CfpMsaMisTableId id : { table8000, tableA000 } ) {
       status->idEepromContentsIs( static_cast<uint8_t>( id ), "old" );
       status->idEepromContentsIs( static_cast<uint8_t>( id ), cfp2Lr4().bytes( id ) );
@@ -41,19 +41,17 @@ TEST( Cfp2StatusTest, TablesAreStoredByTheirId ) {
    EXPECT_EQ( status->lastValidData(), 7 );
    status->clearIdEepromContents();
    EXPECT_EQ( status->lastValidData(), 0 );
-   EXPECT_EQ( status->idEepromInfo(), EepromDescriptor( 0, 38, {} ) );
 }
 
 TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
-   Vel::Ptr<Cfp2CellConfig> const cell = cfp2CellConfigFactory( "1" );
+   auto const status = inserted( cfp2Lr4() );
+   auto const cell = cfp2CellConfigFactory( "1" );
    status->xcvrConfigIs( cell->xcvrConfigIs( "Ethernet1" ) );
-   Vel::Ptr<Cfp2DiagConfig> const diag = cell->xcvrConfig( "Ethernet1" )->diagConfigIs( "diag" );
+   auto const diag = cell->xcvrConfig( "Ethernet1" )->diagConfigIs( "diag" );
    coherentCfp( identifierCfp2Dco ).writeTo( *diag->overrideIdEepromContentsIs() );
    EXPECT_EQ( status->mediaType(), xcvr100GBaseLr4 );
    diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00D );
    EXPECT_EQ( status->mediaType(), xcvr100GDwdmDco );
-   EXPECT_FALSE( status->domInfoValid( LaneId( 1 ) ) );
    diag->overrideIdEepromContentsDel();
    EXPECT_EQ( status->mediaType(), xcvrUnknown );
    diag->overrideIdEepromContentsActivationKeyIs( 0x5EA1F00C );
@@ -61,35 +59,32 @@ TEST( Cfp2StatusTest, AnActiveOverrideReplacesAllThatWasRead ) {
 }
 
 TEST( Cfp2StatusTest, IdentityIsThatOfTheTables ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4()
-                                                       .raw( "networkLaneBitRateMax", 129 )
-                                                       .raw( "minWavelength", 51780 )
-                                                       .raw( "maxWavelength", 52376 ) );
+   auto const status = inserted( cfp2Lr4()
+                                    .raw( "networkLaneBitRateMax", 129 )
+                                    .raw( "minWavelength", 51780 )
+                                    .raw( "maxWavelength", 52376 ) );
    EXPECT_EQ( status->xcvrType(), XcvrType::cfp2 );
-   EXPECT_EQ( status->mediaTypeString(), "100GBASE-LR4" );
    EXPECT_EQ( status->bitrate(), 129u );
    EXPECT_EQ( status->laserWavelength(), 1301950u );
+   EXPECT_EQ( status->laserWavelengthPrecision(), laserWavelengthPrecisionNm );
    EXPECT_NE( status->powerClass(), xcvrPowerClassUnknown );
    EXPECT_EQ( status->capabilities(), Capabilities( 10, false, false, false, false, 0 ) );
    EXPECT_EQ( inserted( coherentCfp( identifierCfpx ) )->capabilities(),
               Capabilities( 10, true, true, false, false, 1 ) );
    status->overrideMediaTypeIs( xcvr100GBaseEr4 );
    EXPECT_EQ( status->mediaType(), xcvr100GBaseEr4 );
-   EXPECT_EQ( status->detectedMediaType(), xcvr100GBaseLr4 );
+   EXPECT_EQ( status->detectedMediaTypeString(), "100GBASE-LR4" );
    EXPECT_TRUE( status->isSupportedMediaType( xcvr100GDwdmDco ) );
    EXPECT_FALSE( status->isSupportedMediaType( xcvr100GBaseSr4 ) );
 }
 
 TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
-   Vel::Ptr<Cfp2DcoNewStatus> const status = asRead( cfp2DcoNewStatusFactory( "Ethernet1" ) );
+   auto const status = asRead( cfp2DcoNewStatusFactory( "Ethernet1" ) );
    EXPECT_EQ( status->vendorInfo(), VendorInfo( "", "", "", "01", "" ) );
-   EXPECT_EQ( status->mediaType(), xcvrUnknown );
    EXPECT_EQ( status->capabilities(), Capabilities() );
-   EXPECT_EQ( status->powerClass(), xcvrPowerClassUnknown );
    EXPECT_FALSE( status->domInfoValid( LaneId( 0 ) ) );
    EXPECT_THAT( doubles( status->domThreshold() ), Each( unreadable ) );
    EXPECT_THAT( doubles( status->domAggPower() ), ElementsAre( 0, unreadable, unreadable ) );
-   EXPECT_EQ( status->dcoMonitors().osnr(), unreadable );
    EXPECT_FALSE( status->isFreqTuningPending() );
    status->updateLaneStatus();
    EXPECT_TRUE( status->laneStatusMap().empty() );
@@ -97,10 +92,9 @@ TEST( Cfp2StatusTest, ASlotWithoutTablesIsNeutral ) {
 
 TEST( Cfp2StatusTest, MonitorsAreValidOnceReadFromThisModule ) {
    expectValidOnceRead<Cfp2NewStatus>( [] { return inserted( cfp2Lr4() ); } );
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
+   auto const status = inserted( cfp2Lr4() );
    EXPECT_TRUE( status->domInfoValid( LaneId( 3 ) ) );
    EXPECT_FALSE( status->domInfoValid( LaneId( 4 ) ) );
-   EXPECT_EQ( status->domInfo( LaneId( 4 ) ).temperature(), unreadable );
    // A count of 0 is 16 lanes.
    EXPECT_TRUE( inserted( cfpModule( identifierCfp2, 3, 16 ) )->domInfoValid( LaneId( 15 ) ) );
 }
@@ -127,13 +121,11 @@ TEST( Cfp2StatusTest, MonitorsThatAreNotThereAreUnreadable ) {
       for ( CfpMsaMisTableId id : { tableA000, tableA280, tableB000, tableB300, tableB480 } ) {
          image.missing( id );
       }
-      Vel::Ptr<Cfp2NewStatus> const status = inserted( image );
-      EXPECT_TRUE( status->domInfoValid( LaneId( 0 ) ) );
-      EXPECT_THAT( doubles( status->domInfo( LaneId( 0 ) ) ),
+      EXPECT_THAT( doubles( inserted( image )->domInfo( LaneId( 0 ) ) ),
                    testing::Contains( unreadable ).Times( 6 ) );
-      EXPECT_EQ( status->domAggPower().aggRxPower(), unreadable );
+      EXPECT_EQ( inserted( image )->domAggPower().aggRxPower(), unreadable );
    }
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4().raw( "txPowerSupported", 0 ) );
+   auto const status = inserted( cfp2Lr4().raw( "txPowerSupported", 0 ) );
    EXPECT_EQ( status->domInfo( LaneId( 0 ) ).txPower(), unreadable );
    EXPECT_EQ( status->domCapabilities(),
               DomCapabilities( true, true, true, false, true, false, false, true ) );
@@ -143,7 +135,6 @@ TEST( Cfp2StatusTest, AggregatePowerIsTheSumOfAllLanes ) {
    DomAggPower const all = inserted( cfpModule( identifierCfp2, 3, 16 ) )->domAggPower();
    EXPECT_NEAR( all.aggTxPower(), dBm( 48120 ), 1e-9 );
    EXPECT_NEAR( all.aggRxPower(), dBm( 16120 ), 1e-9 );
-   EXPECT_EQ( all.updateTime(), 20 );
    EXPECT_NEAR( inserted( coherentCfp( identifierCfpx ) )->domAggPower().aggTxPower(), -2, 1e-9 );
 }
 
@@ -170,7 +161,7 @@ TEST( Cfp2StatusTest, ThresholdsInTheUnitsOfTheModule ) {
 }
 
 TEST( Cfp2StatusTest, ThresholdsOfAShortTableAndOfTheOperator ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( cfp2Lr4() );
+   auto const status = inserted( cfp2Lr4() );
    auto const limits = status->actualIdEepromContents()->memory( table8080 );
    limits->contentsIs( limits->contents().substr( 0, 0xC7 - 0x80 ) );
    EXPECT_EQ( status->domThreshold().rxPowerHighAlarm(), dBm( 0x2100 ) );
@@ -188,8 +179,7 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
       }
       return std::pair( status.laneStatusMap().size(), mask );
    };
-   Vel::Ptr<Cfp2NewStatus> const cfp2 =
-      inserted( cfp2Lr4().raw( "networkLaneFaultStatus", 0x80, 2 ) );
+   auto const cfp2 = inserted( cfp2Lr4().raw( "networkLaneFaultStatus", 0x80, 2 ) );
    EXPECT_EQ( faults( *cfp2 ), std::pair( size_t{ 4 }, 1u << 2 ) );
    cfp2->presenceIs( xcvrNotPresent );
    EXPECT_EQ( faults( *cfp2 ).second, 0u );
@@ -197,18 +187,17 @@ TEST( Cfp2StatusTest, FaultsOfLanes ) {
    EXPECT_EQ( faults( *cfp2 ).second, 1u << 2 );
    cfp2->clearIdEepromContents(); // a module without lanes
    EXPECT_EQ( faults( *cfp2 ), std::pair( size_t{ 4 }, 0u ) );
-   CfpImageBuilder const whole =
-      cfpModule( identifierCfp2Dco, 17, 2 ).raw( "moduleGeneralStatus", 0x80 );
-   EXPECT_EQ( faults( *inserted( whole ) ), std::pair( size_t{ 2 }, 3u ) );
+   auto const dco =
+      inserted( cfpModule( identifierCfp2Dco, 17, 2 ).raw( "moduleGeneralStatus", 0x80 ) );
+   EXPECT_EQ( faults( *dco ), std::pair( size_t{ 2 }, 3u ) );
 }
 
 TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
-   Vel::Ptr<Cfp2NewStatus> const status = inserted(
+   auto const status = inserted(
       cfp2Lr4().raw( "txInputEqualization", 0xAB, 3 ).raw( "rxOutputPreEmphasis", 9, 3 ) );
    EXPECT_EQ( status->txInputEqualization( LaneId( 3 ) ), TuningValue( true, 0xAB, false ) );
    EXPECT_EQ( status->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue( true, 9, false ) );
    EXPECT_EQ( status->txInputEqualization( LaneId( 16 ) ), TuningValue() );
-   EXPECT_EQ( inserted( cfp2Lr4() )->rxOutputPreEmphasis( LaneId( 3 ) ), TuningValue() );
    // A table of bytes has no part of a word.
    status->actualIdEepromContents()
       ->memoryIs( tableA400, 0xA400, 8 )
@@ -220,10 +209,10 @@ TEST( Cfp2StatusTest, SignalTuningOfLanes ) {
 // wanted tuning, whatever the code of its grid is, is no longer pending.
 TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
    CfpImageBuilder image = coherentCfp( identifierCfpx ).value( "minFrequencyGHz", 350 );
-   Vel::Ptr<Cfp2NewStatus> const status = inserted( image );
-   Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
+   auto const status = inserted( image );
+   auto const xgc = xgcFactory( "xgc" );
    status->xgcIs( xgc );
-   Vel::Ptr<TuningConfig> const config = xgc->tuningConfigIs( "Ethernet1" );
+   auto const config = xgc->tuningConfigIs( "Ethernet1" );
    xgc->txPowerConfigIs( "Ethernet1" )->signalPowerIs( Units::Decibels( -1.25 ) );
    config->channelIs( 39 );
    config->gridIs( 50000 );
@@ -243,7 +232,6 @@ TEST( Cfp2StatusTest, TuningIsPendingUntilTheModuleHasIt ) {
       image.raw( "txChannel", code << 13 | 282 ).writeTo( *status->actualIdEepromContents() );
       if ( !status->isFreqTuningPending() ) {
          ++fitting;
-         EXPECT_EQ( status->cfpxTuneStatus().txFrequency(), 193105000u );
          EXPECT_EQ( status->resolvedTuningStatus().operationalFrequency(), 193105000u );
       }
    }
@@ -259,8 +247,6 @@ TEST( Cfp2StatusTest, TheTuningInTheRegisters ) {
               TuningCapabilities( 191200000, 191350000, 196100000,
                                   GridSpacingCapabilities( true, true, false, false, false, true ),
                                   6000 ) );
-   EXPECT_EQ( inserted( image )->cfpxTuneStatus(),
-              CfpxTuneStatus( HwTuningConfig(), 0, unreadable, unreadable, unreadable ) );
    image.raw( "txChannel", 7u << 13 | 3 ).raw( "txFineTuneFreq", 0xffff ); // a grid that is none
    image.value( "txPowerConfig", -2 ).value( "maxRxAttenuation", 20 );
    EXPECT_EQ( inserted( image )->cfpxTuneStatus(),
@@ -275,20 +261,17 @@ TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {
       .raw( "rxChromDispersionLow", 40 )
       .raw( "networkBerHigh", 1 )
       .raw( "networkBerLow", 2 );
-   Vel::Ptr<Cfp2DcoNewStatus> const status = inserted<Cfp2DcoNewStatus>( image );
+   auto const status = inserted<Cfp2DcoNewStatus>( image );
    // No SNR, whose table was not read.
    EXPECT_EQ( status->dcoMonitors(),
               Cfp2DcoMonitors( 20, 25.5, unreadable, -300, -11.25, 255, 0, 0xFED4, 0xFB9B, 40, 0, 0,
                                0, 65538, 0, 0, 0, 0, 0 ) );
-   EXPECT_EQ( status->cfp2DcoEepromContents()->networkBer(), 65538u );
    status->lastDomUpdateTimeIs( 5 );
-   EXPECT_EQ( status->dcoMonitors().rawOsnr(), 0 );
    EXPECT_EQ( status->dcoMonitors().osnr(), unreadable );
 }
 
 TEST( Cfp2StatusTest, ReadingAllocatesNothing ) {
-   Vel::Ptr<Cfp2DcoNewStatus> const dco =
-      inserted<Cfp2DcoNewStatus>( coherentCfp( identifierCfp2Dco ) );
+   auto const dco = inserted<Cfp2DcoNewStatus>( coherentCfp( identifierCfp2Dco ) );
    AllocationCount const count;
    expectNoAllocation( *dco );
    EXPECT_NE( dco->tuningCapabilities().firstFrequency() + dco->dcoMonitors().updateTime(), 0 );

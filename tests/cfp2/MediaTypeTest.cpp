@@ -50,13 +50,11 @@ TEST( CfpMediaType, EveryRuleHasAWitness ) {
       { 11, xcvrUnknown, with( cfpx, 0 ) },
    };
    std::set<size_t> seen;
-   for ( Witness const & witness : witnesses ) {
-      auto const contents = witness.module.contents();
-      MediaTypeDecision const decision = contents->mediaTypeDecision();
-      EXPECT_EQ( decision.rule, witness.rule ) << decision.why;
-      EXPECT_EQ( decision.mediaType, witness.mediaType ) << decision.why;
-      EXPECT_EQ( contents->mediaType(), witness.mediaType ) << decision.why;
-      seen.insert( witness.rule );
+   for ( auto const & [rule, mediaType, module] : witnesses ) {
+      MediaTypeDecision const decision = module.contents()->mediaTypeDecision();
+      EXPECT_EQ( decision.rule, rule ) << decision.why;
+      EXPECT_EQ( module.contents()->mediaType(), mediaType ) << decision.why;
+      seen.insert( rule );
    }
    EXPECT_EQ( seen.size(), cfpMediaTypeRules().size() );
 }

@@ -1,6 +1,5 @@
 #include "tests/cmis/CmisModule.h"
 
-#include <Vel/AttrLog.h>
 #include <Vel/Exception.h>
 
 #include <gmock/gmock.h>
@@ -17,9 +16,6 @@ TEST( CmisAddressTest, LaneIsBoundedInEveryForm ) {
       EXPECT_THROW( OsfpLane( Vel::String( text ) ), Vel::ParseException ) << text;
    }
    EXPECT_EQ( stringValue( OsfpLane( 7 ) ), "7" );
-   Vel::NboAttrLog log;
-   OsfpLane( 5 ).velWrite( log );
-   EXPECT_EQ( OsfpLane( log ), OsfpLane( 5 ) );
 }
 
 TEST( CmisAddressTest, LaneFieldsOfARegister ) {
@@ -40,7 +36,6 @@ TEST( CmisAddressTest, RegistersOfAPage ) {
                        OsfpBank bank = OsfpBank::bank1 ) {
       return OsfpRegAddr( bank, page, addr, size );
    };
-   EXPECT_LT( at( 9, 2 ), at( 10, 1 ) );
    OsfpEepromParser const & parser = *module.parser;
    EXPECT_EQ( parser.registerOffset( at( 5, 1, OsfpPage::lowerPage00 ) ), 5 );
    EXPECT_EQ( parser.registerOffset( at( 130, 1 ) ), 2 );
@@ -48,7 +43,6 @@ TEST( CmisAddressTest, RegistersOfAPage ) {
    EXPECT_EQ( parser.reg16( at( 128, 2 ) ), 0x0182 );
    EXPECT_EQ( parser.reg32( at( 129, 4 ), true ), 0x82038405u );
    EXPECT_EQ( parser.reg32( at( 129, 4 ), false ), 0x05840382u );
-   EXPECT_EQ( parser.reg( at( 130, 2 ) ), Vel::String( "\x03\x84", 2 ) );
    // Beyond the end, and of a page that was not read.
    EXPECT_EQ( parser.reg8( at( 133, 1 ) ), 0 );
    EXPECT_EQ( parser.reg16( at( 132, 2 ) ), 0x0500 );
@@ -62,8 +56,6 @@ TEST( CmisAddressTest, RegistersOfAPage ) {
    EXPECT_EQ( sum( 132, 1 ), 0x09 );
    EXPECT_FALSE( module.decoded->checksumValid( OsfpPage::upperPage11 ) );
    EXPECT_EQ( sum( 255, 0 ), 0x0f ); // what a short page lacks counts as 0
-   EXPECT_EQ( sum( 130, 9 ), 0 );
-
    EXPECT_DEATH( static_cast<void>( parser.reg8( at( 128, 2 ) ) ), "reg.size\\(\\) == 1" );
    EXPECT_DEATH( static_cast<void>( parser.reg16( at( 128, 1 ) ) ), "reg.size\\(\\) == 2" );
    EXPECT_DEATH( static_cast<void>( parser.reg32( at( 128, 2 ), true ) ), "reg.size\\(\\) == 4" );

@@ -5,25 +5,15 @@
 
 #include <Xcvr/XcvrOsfp.h>
 
-using XcvrTest::unreadable;
-
 /// A module of single-mode optics with every page, all lane flags, and all monitors but the voltage.
 inline XcvrTest::CmisImageBuilder opticalModule() {
    XcvrTest::CmisImageBuilder image;
-   image.raw( "moduleType", 2 )
-      .raw( "moduleState", 0x07 )
+   image.vendor()
+      .raw( "moduleType", 2, "moduleState", 7, "powerClass", 0xa0 )
+      .raw( "implMonitorsAdvertisement", 0x0107, "implFlagsAdvertisement", 0x0f06 )
       .application( 1, { 0x11, 0x1c, 8, 4, 0x01, 0x11 } )
       .application( 2, { 0x0d, 0x14, 2, 1, 0x55, 0x22 } )
-      .text( "vendorName", "Vendor" )
-      .text( "vendorPn", "PN-1" )
-      .text( "vendorSn", "SN-1" )
-      .raw( "powerClass", 0xa0 )
-      .value( "wavelength", 1311 )
-      .raw( "implMonitorsAdvertisement", 0x0107 )
-      .raw( "implFlagsAdvertisement", 0x0f06 )
-      .value( "temperature", 40 )
-      .value( "voltage", 3.3 )
-      .value( "tempHighAlarm", 75 )
+      .value( "wavelength", 1311, "temperature", 40, "voltage", 3.3, "tempHighAlarm", 75 )
       .lanes( "txBias", 30, 1 )
       .lanes( "txPower", 1, 0 )
       .lanes( "rxPower", 0.5, 0 );

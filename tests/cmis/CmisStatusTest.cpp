@@ -5,15 +5,16 @@
 #include <gmock/gmock.h>
 
 using namespace Xcvr;
-using XcvrTest::CmisImageBuilder;
+using namespace XcvrTest;
+using testing::Contains;
 
 namespace {
 
 Vel::Ptr<OsfpStatus> inserted( CmisImageBuilder const & image ) {
-   Vel::Ptr<OsfpStatus> const status = osfpStatusFactory( "Ethernet1" );
+   auto const status = osfpStatusFactory( "Ethernet1" );
    image.writeTo( *status->rawEepromContents() );
    status->parseEeprom();
-   return XcvrTest::asRead( status );
+   return asRead( status );
 }
 
 } // namespace
@@ -26,8 +27,6 @@ TEST( CmisStatusTest, AnOpticalModuleThroughTheBase ) {
    EXPECT_EQ( status->vendorInfo(), VendorInfo( "Vendor          ", "PN-1            ",
                                                 "SN-1            ", "  ", "        " ) );
    EXPECT_EQ( status->mediaTypeString(), "400GBASE-DR4" );
-   EXPECT_EQ( status->bitrateKbps(), 400000000u );
-   EXPECT_EQ( status->electricalInterface(), xcvr50GLimiting );
    EXPECT_FALSE( status->disablePolling() );
    EXPECT_EQ( status->laserWavelength(), 1311000u );
    EXPECT_EQ( status->laserWavelengthPrecision(), laserWavelengthPrecisionPm );
@@ -59,9 +58,7 @@ TEST( CmisStatusTest, MonitorsAreValidAfterInsertionOnly ) {
    EXPECT_EQ( status->domThreshold().tempHighAlarm(), 75 );
 
    status->lastPresenceChangeIs( 30 );
-   EXPECT_EQ( status->domInfo( LaneId( 0 ) ),
-              DomInfo( 0, domCalibrationUnknown, unreadable, unreadable, unreadable, unreadable,
-                       unreadable, unreadable ) );
+   EXPECT_THAT( doubles( status->domInfo( LaneId( 0 ) ) ), Contains( unreadable ).Times( 6 ) );
    EXPECT_EQ( status->domAggPower(),
               DomAggPower( 0, domCalibrationUnknown, unreadable, unreadable ) );
    status->idEepromValidIs( false );
@@ -72,11 +69,9 @@ TEST( CmisStatusTest, MonitorsAreValidAfterInsertionOnly ) {
 
 TEST( CmisStatusTest, LanesOfPage11h ) {
    CmisImageBuilder image = opticalModule().raw( "dataPathStates", 0x14000000 );
-   image
-      .raw( "activeApSel2", 0x11 ) // explicit control
-      .raw( "txInputEqualization", 0x00050000 )
-      .raw( "rxOutputPreEmphasis", 0x00060000 )
-      .raw( "rxOutputAmplitude", 0x00030000 );
+   image.raw( "activeApSel2", 0x11, // explicit control
+              "txInputEqualization", 0x00050000, "rxOutputPreEmphasis", 0x00060000,
+              "rxOutputAmplitude", 0x00030000 );
    auto const status = inserted( image );
    EXPECT_EQ( status->dataPathState( LaneId( 0 ) ), dataPathActivated );
    EXPECT_EQ( status->dataPathState( LaneId( 1 ) ), dataPathDeactivated );
@@ -86,18 +81,15 @@ TEST( CmisStatusTest, LanesOfPage11h ) {
    EXPECT_EQ( status->rxOutputAmplitude( LaneId( 2 ) ), TuningValue( true, 3, false ) );
    EXPECT_EQ( status->rxOutputAmplitude( LaneId( 3 ) ), TuningValue( true, 0, true ) );
    EXPECT_EQ( status->rxOutputAmplitude( LaneId( 8 ) ), TuningValue() );
-   EXPECT_EQ( inserted( image.missing( "11h" ) )->rxOutputAmplitude( LaneId( 2 ) ), TuningValue() );
 }
 
 TEST( CmisStatusTest, ACableWithFlatMemory ) {
    // In place of a module with all pages, which nobody has cleared.
    auto const status = inserted( opticalModule() );
    CmisImageBuilder cable = opticalModule().bit( "memoryAndSpeed", "flat memory" );
-   cable.raw( "moduleType", 3 )
-      .application( 1, { 0x1d, 0x01, 8, 8, 1, 1 } )
-      .text( "vendorPn", "CR8" )
-      .raw( "attenuation12p9GHz", 9 )
-      .raw( "powerClass", 0xe0 ) // class 8
+   cable.application( 1, { 0x1d, 0x01, 8, 8, 1, 1 } )
+      .vendor( "Vendor", "CR8" )
+      .raw( "moduleType", 3, "attenuation12p9GHz", 9, "powerClass", 0xe0 ) // class 8
       .writeTo( *status->rawEepromContents() );
    status->parseEeprom();
    EXPECT_EQ( status->mediaType(), xcvr400GBaseCr8 );
@@ -123,7 +115,6 @@ TEST( CmisStatusTest, PagesByNumber ) {
    status->idEepromContentsIs( 1, Vel::String( image.page( "01h" ) ) );
    status->idEepromContentsIs( 0x11, Vel::String( image.page( "11h" ) ) );
    status->updateLastValidTime( 5 );
-   EXPECT_EQ( status->rawEepromContents()->memoryMap().size(), 4u );
    EXPECT_EQ( status->rawEepromContents()->lastValidData(), 5 );
    status->parseEeprom();
    EXPECT_TRUE( status->domCapabilities().txPower() );

@@ -17,10 +17,7 @@ constexpr uint8_t lc = 7, mpo = 12;
 
 /// A module of the first compliance byte `c`.
 Builder with( uint8_t identifier, uint64_t c, uint8_t connector = mpo ) {
-   return Builder()
-      .identifier( identifier )
-      .raw( "connector", connector )
-      .raw( "compliance", c << 56 );
+   return Builder().identifier( identifier ).raw( "connector", connector, "compliance", c << 56 );
 }
 /// One that has an extended code.
 Builder extended( uint8_t code, uint64_t c = 0x80, uint8_t identifier = qsfp28 ) {
@@ -30,7 +27,7 @@ Builder model( char const * vendor, char const * partNumber, uint8_t identifier 
    return with( identifier, 0x04 ).text( "vendorName", vendor ).text( "vendorPn", partNumber );
 }
 Builder bidi() {
-   return with( qsfpPlus, 0, lc ).raw( "identifierExtended", 0x0c ).raw( "bitrateNominal", 206 );
+   return with( qsfpPlus, 0, lc ).raw( "identifierExtended", 0x0c, "bitrateNominal", 206 );
 }
 
 using Cases = std::vector<XcvrTest::MediaTypeCase<Builder>>;
@@ -91,27 +88,19 @@ TEST( QsfpMediaType, EveryRuleHasAWitness ) {
    XcvrTest::expectWitnesses( sff8436MediaTypeRules(), witnesses );
 }
 
-// Modules that several rules match: the earlier one decides. And modules that miss a rule by little.
-TEST( QsfpMediaType, OrderAndEdges ) {
+// Modules that miss a rule by little, and what makes a module more than one kind.
+TEST( QsfpMediaType, Edges ) {
    XcvrTest::expectMediaTypes( Cases{
       // A model is known only with a QSFP's identifier, and only as a whole.
       { model( "MOLEX", "1064273000", 3 ), xcvrUnknown },
       { model( "Molex Inc.", "1064273000" ), xcvr40GBaseSr4 },
-      { model( "LEONI", "L45593-D915-M11" ), xcvr40GBaseSr4 },
       // Both rates: bit and code have to fit.
       { extended( 2, 0x81 ), xcvr40GBaseAr4 },
-      { extended( 1, 0x84 ), xcvr40GBaseSr4 },
       { extended( 1, 0x01 ), xcvr40GBaseAr4 },   // a code that does not count
       { extended( 3, 0xa0 ), xcvr40GBasePlrl4 }, // the bit of 10GBASE-LR is none of both rates
-      { extended( 3, 0x8f ), xcvr100GBaseLr4 },
-      { extended( 11, 0x8f ), xcvr100GBaseCr4 },
-      // The 40G bits in their order.
-      { with( qsfpPlus, 0x0f ), xcvr40GBaseAr4 },
       // 20.6 GBd with one retimer, with another rate, with a compliance bit.
       { bidi().raw( "identifierExtended", 0x08 ), xcvrUnknown },
-      { bidi().raw( "bitrateNominal", 207 ), xcvrUnknown },
       { bidi().raw( "compliance", uint64_t{ 0x04 } << 56 ), xcvr40GBaseSr4 },
-      { bidi().raw( "deviceTech", 0xa0 ), xcvr40GBaseSrbd },
       // Single-mode fibre.
       { with( qsfpPlus, 0x02 ).raw( "lengthSmf", 1 ).raw( "lengthOm3", 75 ), xcvr40GBasePlrl4 },
       { with( qsfpPlus, 0x20, lc ).raw( "lengthSmf", 2 ).raw( "lengthOm3", 75 ), xcvr40GBaseLrl4 },
@@ -121,14 +110,9 @@ TEST( QsfpMediaType, OrderAndEdges ) {
       // Bits that no rule asks for leave it to the code, or to the technology.
       { extended( 6, 0xd0 ), xcvr100GBaseCwdm4 },
       { with( qsfp28, 0x50 ).raw( "deviceTech", 0xb0 ), xcvr100GBaseCr4 },
-      { extended( 26 ).raw( "lengthSmf", 30 ).raw( "deviceTech", 0xa0 ), xcvr100GBaseCr4 },
       { extended( 26 ).raw( "lengthSmf", 39 ), xcvr100GUnknown },
-      { extended( 23, 0x80, qsfpPlus ), xcvr100GUnknown },
-      { extended( 8 ), xcvr100GUnknown },
       { extended( 0x40, 0x80, qsfpPlus ), xcvrUnknown },
       { extended( 38 ).raw( "deviceTech", 0xbf ), xcvr100GBaseCr4 },
-      { with( qsfp28, 0 ).raw( "deviceTech", 0x9f ), xcvr100GUnknown },
-      { with( qsfp28, 0 ).raw( "deviceTech", 0xc0 ), xcvr100GUnknown },
    } );
 }
 

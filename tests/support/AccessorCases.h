@@ -7,13 +7,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// Where a contents value reads, checked with addresses from the standard rather than from the field
-// table, which they check too.
+// Where contents read and what their checksums guard, checked with addresses from the standard
+// rather than from the field table, which they check too.
 namespace XcvrTest {
 
 /// A page whose bytes tell their address; none has a meaning of its own by chance.
@@ -63,17 +62,15 @@ struct AccessorCheck {
    }
 };
 
-/// The rows of the field table that mean something in a module.
-template <typename Contents>
-std::vector<std::string_view> fieldsInUse( Contents const & contents,
-                                           std::span<Xcvr::MemoryField const> fields ) {
-   std::vector<std::string_view> names;
-   for ( Xcvr::MemoryField const & field : fields ) {
-      if ( contents.fieldInUse( field ) ) {
-         names.push_back( field.name );
-      }
+/// What is valid of a page is that only while none of the bytes from `first` to `last` changes.
+inline void expectGuarded( Vel::String page, size_t first, size_t last,
+                           std::function<bool( Vel::String const & )> const & isValid ) {
+   EXPECT_TRUE( isValid( page ) );
+   for ( size_t at = 0; at < page.size(); ++at ) {
+      Vel::String changed = page;
+      changed.byteIs( at, static_cast<uint8_t>( page[at] + 1 ) );
+      EXPECT_EQ( isValid( changed ), at < first || at > last ) << at;
    }
-   return names;
 }
 
 } // namespace XcvrTest

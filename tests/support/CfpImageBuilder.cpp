@@ -55,16 +55,13 @@ CfpImageBuilder & CfpImageBuilder::raw( std::string_view name, uint32_t number, 
    if ( number & ~mask || lane >= row.lanes ) {
       refuse( name, "number or lane too large" );
    }
-   unsigned const registerBits = cfpRegisterWidth( row.table );
-   if ( row.field.width > registerBits ) { // several registers, the first the highest
-      for ( unsigned i = row.field.width / registerBits; i-- > 0; number >>= registerBits ) {
-         at( row, i ) = static_cast<uint16_t>( number & ( ( 1u << registerBits ) - 1 ) );
-      }
-      return *this;
+   // A wide one takes several registers, the first the highest.
+   unsigned const width = cfpRegisterWidth( row.table );
+   for ( unsigned i = std::max( 1u, row.field.width / width ); i-- > 0; number >>= width ) {
+      uint16_t & word = at( row, lane + i );
+      word = static_cast<uint16_t>( ( word & ~( mask << row.field.offset ) ) |
+                                    ( number << row.field.offset & ( ( 1u << width ) - 1 ) ) );
    }
-   uint16_t & word = at( row, lane );
-   word = static_cast<uint16_t>( ( word & ~( mask << row.field.offset ) ) |
-                                 number << row.field.offset );
    return *this;
 }
 

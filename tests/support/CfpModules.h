@@ -19,8 +19,8 @@ inline CfpImageBuilder cfpModule( Xcvr::CfpMsaMisIdentifier identifier, uint32_t
       .text( "dateCode", "20260101" )
       .raw( "vendorRevFirst", 'A' )
       .raw( "vendorRevSecond", '1' )
-      .value( "temperature", -12.5 )
-      .value( "voltage", 3.3 );
+      .raw( "temperature", 0xF380 )                                         // -12.5 °C
+      .raw( "voltage", identifier == Xcvr::identifierCfp2 ? 33000 : 3300 ); // 3.3 V
    for ( char const * monitor : { "temp", "voltage", "txBias", "txPower", "rxPower" } ) {
       image.raw( std::string( monitor ) + "Supported", 1 );
    }

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace XcvrTest {
 
@@ -29,6 +30,10 @@ inline uint64_t codeOf( std::string_view name, double value, double scale, unsig
    return static_cast<uint64_t>( static_cast<int64_t>( code ) );
 }
 
+/// What a register may hold: a whole number, or one that has a name.
+template <typename Number>
+concept Code = std::is_integral_v<Number> || std::is_enum_v<Number>;
+
 /// A stored checksum: the sum of the bytes of its page from the first one up to it.
 struct PageSum {
    std::string_view page;
@@ -42,19 +47,29 @@ struct PageSum {
 template <typename Builder>
 class ImageBuilder {
  public:
-   /// A number in the field's unit.
-   Builder & value( std::string_view name, double value ) {
+   /// A number in the field's unit; further fields and their numbers may follow.
+   template <typename... Further>
+   Builder & value( std::string_view name, double number, Further const &... further ) {
       using enum Xcvr::MemoryKind;
       Xcvr::MemoryField const & field = fieldNamed( name );
-      return raw( name, field.kind == f32be ? std::bit_cast<uint32_t>( static_cast<float>( value ) )
-                                            : codeOf( name, value, field.scale, field.width * 8u,
-                                                      field.kind == s8 || field.kind == s16be ) );
+      raw( name, field.kind == f32be ? std::bit_cast<uint32_t>( static_cast<float>( number ) )
+                                     : codeOf( name, number, field.scale, field.width * 8u,
+                                               field.kind == s8 || field.kind == s16be ) );
+      if constexpr ( sizeof...( further ) > 0 ) {
+         value( further... );
+      }
+      return builder();
    }
-   /// A number as stored.
-   Builder & raw( std::string_view name, uint64_t number ) {
+   /// A number as stored; likewise.
+   template <Code Number, typename... Further>
+   Builder & raw( std::string_view name, Number number, Further const &... further ) {
       Xcvr::MemoryField const & field = fieldNamed( name );
-      for ( size_t at = field.end(); at-- > field.at; number >>= 8 ) {
-         byte( field.page, at, static_cast<uint8_t>( number ) );
+      auto rest = static_cast<uint64_t>( number );
+      for ( size_t at = field.end(); at-- > field.at; rest >>= 8 ) {
+         byte( field.page, at, static_cast<uint8_t>( rest ) );
+      }
+      if constexpr ( sizeof...( further ) > 0 ) {
+         raw( further... );
       }
       return builder();
    }
@@ -67,6 +82,10 @@ class ImageBuilder {
       padded.resize( field.width, ' ' );
       pages_.at( field.page ).replace( field.at, field.width, padded );
       return builder();
+   }
+   /// What the tests of slots know a module by.
+   Builder & vendor( std::string_view name = "Vendor", std::string_view partNumber = "PN-1" ) {
+      return text( "vendorName", name ).text( "vendorPn", partNumber ).text( "vendorSn", "SN-1" );
    }
    Builder & bit( std::string_view name, std::string_view bit ) {
       Xcvr::MemoryField const & field = fieldNamed( name );

@@ -24,51 +24,51 @@ inline double dBm( double code ) {
 }
 
 /// The module came at 10 s; its thresholds were read at 15 s and its monitors at 20 s.
-inline void insert( Xcvr::XcvrNewStatus & status ) {
-   status.presenceIs( Xcvr::xcvrPresent );
-   status.idEepromValidIs( true );
-   status.lastPresenceChangeIs( 10 );
-   status.lastDomUpdateTimeIs( 20 );
-   status.lastDomThresholdsUpdateTimeIs( 15 );
-   status.lastEnhancedDomUpdateTimeIs( 20 );
-   status.lastEnhancedDomThresholdsUpdateTimeIs( 15 );
-}
-
-/// The same of a status that is handed on.
 template <typename Status>
 Vel::Ptr<Status> asRead( Vel::Ptr<Status> const & status ) {
-   insert( *status );
+   status->presenceIs( Xcvr::xcvrPresent );
+   status->idEepromValidIs( true );
+   status->lastPresenceChangeIs( 10 );
+   status->lastDomUpdateTimeIs( 20 );
+   status->lastDomThresholdsUpdateTimeIs( 15 );
+   status->lastEnhancedDomUpdateTimeIs( 20 );
+   status->lastEnhancedDomThresholdsUpdateTimeIs( 15 );
    return status;
 }
 
-/// The fields of a value that are measurements, in their order.
-template <typename Value>
-std::vector<double> doubles( Value const & value ) {
-   std::vector<double> result;
+/// The fields of a value that have one type, in their order.
+template <typename Field, typename Value>
+std::vector<Field> fieldsOf( Value const & value ) {
+   std::vector<Field> result;
    Value::velFields( [&]( auto const &, auto field ) {
-      if constexpr ( std::is_same_v<decltype( field ), double Value::*> ) {
+      if constexpr ( std::is_same_v<decltype( field ), Field Value::*> ) {
          result.push_back( value.*field );
       }
    } );
    return result;
 }
 
+/// Those that are measurements.
+template <typename Value>
+std::vector<double> doubles( Value const & value ) {
+   return fieldsOf<double>( value );
+}
+
 /// Of a slot with monitors and thresholds of which all is valid, lane 0 at -12.5 °C: when they are not.
 template <typename Status>
 void expectValidOnceRead( std::function<Vel::Ptr<Status>()> const & inserted ) {
-   struct Case {
+   struct {
       char const * what;
       std::function<void( Xcvr::XcvrNewStatus & )> change;
       bool info, thresholds;
-   };
-   Case const cases[] = {
+   } const cases[] = {
       { "read", []( auto & ) {}, true, true },
       { "absent", []( auto & s ) { s.presenceIs( Xcvr::xcvrNotPresent ); }, false, false },
       { "unknown", []( auto & s ) { s.presenceIs( Xcvr::xcvrPresenceUnknown ); }, false, false },
       { "read before", []( auto & s ) { s.lastDomUpdateTimeIs( 10 ); }, false, true },
       { "never read", []( auto & s ) { s.lastDomThresholdsUpdateTimeIs( 0 ); }, true, false },
       { "unusable", []( auto & s ) { s.idEepromValidIs( false ); }, true, false } };
-   for ( Case const & c : cases ) {
+   for ( auto const & c : cases ) {
       SCOPED_TRACE( c.what );
       Vel::Ptr<Status> const status = inserted();
       c.change( *status );
@@ -88,13 +88,11 @@ template <typename Code>
 void expectThresholds( Xcvr::DomThreshold const & thresholds, Code const & code ) {
    std::vector<double> const found = doubles( thresholds );
    ASSERT_EQ( found.size(), 24u );
+   constexpr double units[] = { 1 / 256., 0.0001, 0.002 };
    for ( unsigned i = 0; i < 24; ++i ) {
-      double const expected = i < 4    ? code( i ) / 256
-                              : i < 8  ? code( i ) * 0.0001
-                              : i < 12 ? code( i ) * 0.002
-                              : i < 20 ? dBm( code( i ) )
-                                       : unreadable;
-      EXPECT_DOUBLE_EQ( found[i], expected ) << i;
+      EXPECT_DOUBLE_EQ( found[i], i < 12   ? code( i ) * units[i / 4]
+                                  : i < 20 ? dBm( code( i ) )
+                                           : unreadable );
    }
 }
 

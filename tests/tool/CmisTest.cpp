@@ -5,43 +5,30 @@
 namespace XcvrTest {
 namespace {
 
-/// Four media lanes of eight.
-CmisImageBuilder dr4() {
-   return example<CmisImageBuilder>( "400gbase-dr4" );
-}
-
-CmisImageBuilder cable() {
-   return example<CmisImageBuilder>( "400gbase-cr8" ).flat();
-}
-
-using CmisToolTest = ToolTest;
+struct CmisToolTest : ToolTest {
+   /// Four media lanes of eight.
+   static CmisImageBuilder dr4() { return example<CmisImageBuilder>( "400gbase-dr4" ); }
+   static CmisImageBuilder cable() { return example<CmisImageBuilder>( "400gbase-cr8" ); }
+};
 
 TEST_F( CmisToolTest, ShowFacts ) {
-   expectFacts( labelled( dr4() ),
+   expectFacts( dr4()
+                   .application( 9, { 0x11, 0xf0, 8, 4, 0x01, 0 } )
+                   .bit( "moduleFlags", "temperature high warning" )
+                   .bit( "moduleFlags", "voltage low alarm" )
+                   .raw( "moduleState", 0x0a, "faultCause", 1, "rxLos", 0x0c, "txFault", 0xff,
+                         "laneTxDisable", 0x01, "dataPathStates", 0x11444441, "activeApSel0", 0,
+                         "rxOutputAmplitude", 0x10325476 ),
                 { { "Not in the image", untold },
                   { "Application 1", "host 400GAUI-8 C2M: 8 lanes from lane 1, "
                                      "media 400GBASE-DR4: 4 lanes from lane 1/2/3/4" },
+                  // A code without a name is its number.
+                  { "Application 9", "host 400GAUI-8 C2M: 8 lanes from lane 1, "
+                                     "media 0xf0: 4 lanes (no start told)" },
                   { "Length (SMF)", "0.5 km" },
-                  { "Power class", "6" },
                   { "Firmware", "2.7" },
-                  { "Fault cause", untold },
-                  { "Lane flags", "none" },
-                  { "Data paths", "data path activated on all lanes" },
                   { "Voltage warnings", "3.1350 V and 3.4650 V in the module; the system goes by "
-                                        "those in the table, from another place" } } );
-   expectFacts( labelled( dr4()
-                             .raw( "moduleState", 0x0a )
-                             .raw( "faultCause", 1 )
-                             .bit( "moduleFlags", "temperature high warning" )
-                             .bit( "moduleFlags", "voltage low alarm" )
-                             .raw( "rxLos", 0x0c )
-                             .raw( "txFault", 0xff )
-                             .raw( "laneTxDisable", 0x01 )
-                             .raw( "dataPathStates", 0x11444441 )
-                             .raw( "activeApSel0", 0 )
-                             .raw( "rxOutputAmplitude", 0x10325476 )
-                             .raw( "txInputAdaptiveEqEnable", 0x03 ) ),
-                { { "Module state", "fault" },
+                                        "those in the table, from another place" },
                   { "Fault cause", "0x01 (TEC runaway)" },
                   { "Module flags", "temperature high warning, voltage low alarm" },
                   { "Lane flags", "Tx fault on all lanes, Rx LOS on lanes 3/4" },
@@ -50,45 +37,30 @@ TEST_F( CmisToolTest, ShowFacts ) {
                   { "Data paths", "data path deactivated on lanes 1/2/7, "
                                   "data path activated on lanes 3/4/5/6/8" },
                   { "Application in force", "none on lane 1, 1 on lanes 2/3/4/5/6/7/8" },
-                  { "Rx output amplitude", "code 0 / 1 / 2 / 3 / 4 / 5 / 6 / 7" },
-                  { "Adaptive Tx equalization", "on lanes 1/2" } } );
-   expectFacts( labelled( cable() ), { { "Not in the image", untold },
-                                       { "Length (cable)", "2 m" },
-                                       { "Attenuation at 12.9 GHz", "11 dB" },
-                                       { "Lane flags", untold },
-                                       { "Data paths", untold },
-                                       { "Monitors", untold } } );
-   // A code without a name is its number.
-   expectFacts( labelled( dr4().application( 9, { 0x11, 0xf0, 8, 4, 0x01, 0 } ) ),
-                { { "Application 9", "host 400GAUI-8 C2M: 8 lanes from lane 1, "
-                                     "media 0xf0: 4 lanes (no start told)" } } );
-   CmisImageBuilder lowerOnly = dr4();
-   for ( char const * page : { "00h", "01h", "02h", "10h", "11h" } ) {
-      lowerOnly.missing( page );
-   }
-   expectFacts( labelled( lowerOnly ),
-                { { "Not in the image", "00h (identification), 01h (advertisement), 02h "
-                                        "(thresholds), 10h (lane control), 11h (lane status)" },
-                  { "Application 2", "host 100GAUI-2 C2M: 2 lanes from lane 1/3/5/7, "
-                                     "media 100GBASE-DR: 1 lane" },
-                  { "Temperature", "47.250 °C" },
-                  { "Application in force", untold },
-                  { "Checksum, identification", untold } } );
-   expectFacts( labelled( dr4().missing( "11h" ) ),
-                { { "Supply voltage", "3.2870 V" },
-                  { "Monitors", "advertised, but the image lacks the lower page up to byte 17 or "
-                                "page 11h up to byte 201" } } );
-   expectFacts( labelled( dr4().missing( "lower" ) ),
+                  { "Rx output amplitude", "code 0 / 1 / 2 / 3 / 4 / 5 / 6 / 7" } } );
+   expectFacts( cable(), { { "Length (cable)", "2 m" },
+                           { "Attenuation at 12.9 GHz", "11 dB" },
+                           { "Lane flags", untold },
+                           { "Data paths", untold },
+                           { "Monitors", untold } } );
+   expectFacts(
+      dr4().missing( "00h" ).missing( "01h" ).missing( "11h" ),
+      { { "Not in the image", "00h (identification), 01h (advertisement), 11h (lane status)" },
+        { "Application 2", "host 100GAUI-2 C2M: 2 lanes from lane 1/3/5/7, "
+                           "media 100GBASE-DR: 1 lane" },
+        { "Temperature", "47.250 °C" },
+        { "Application in force", untold },
+        { "Checksum, identification", untold } } );
+   expectFacts( dr4().missing( "lower" ),
                 { { "Identifier", "0x18 (QSFP-DD)" },
                   { "Lower page", "not in the image: it says what the module is" },
-                  { "Application 1", untold },
-                  { "Vendor name", "NORTHLIGHT" } } );
+                  { "Monitors", "advertised, but the image lacks the lower page up to byte 17 or "
+                                "page 11h up to byte 201" } } );
 }
 
 TEST_F( CmisToolTest, MonitorsOfLanesThatThereAre ) {
-   std::string const out =
-      run( "show -", labelled( dr4().value( "rxPower3", 0.05 ).value( "txBias1", 12 ) ) ).out;
-   expectLines( squeezed( out ),
+   std::string const out = shown( "show", dr4().value( "rxPower3", 0.05 ).value( "txBias1", 12 ) );
+   expectLines( out,
                 { // The system takes the warnings from those of the temperature.
                   " Supply voltage 3.2870 V 2.9700 0.0000 1.7920 3.6300\n",
                   // What is stored counts twice, the limits too.
@@ -98,58 +70,44 @@ TEST_F( CmisToolTest, MonitorsOfLanesThatThereAre ) {
 }
 
 TEST_F( CmisToolTest, JsonHasALaneEach ) {
-   file( "dr4", labelled( dr4().raw( "rxLos", 0x02 ).raw( "laneTxDisable", 0x80 ) ) );
-   file( "cable", labelled( cable() ) );
+   file( "dr4", dr4().raw( "rxLos", 0x02 ).raw( "laneTxDisable", 0x80 ) );
+   file( "cable", cable() );
    expectJson( Json::parse( run( "show --json dr4 cable" ).out ), R"( { "modules": [
-      { "family": "qsfpDd", "moduleState": "moduleReady",
+      { "family": "qsfpDd",
         "laneFlags": { "1": { "rxLos": true }, "2": { "rxLos": false } },
         "laneControls": { "7": { "laneTxDisable": true } },
         "dataPathStates": { "7": "dataPathActivated" },
-        "activeApplications": [ 1, 1, 1, 1, 1, 1, 1, 1 ],
         "applications": { "1": {
            "selectCode": 2, "hostInterface": 13, "hostInterfaceName": "100GAUI-2 C2M",
-           "hostLaneCount": 2, "hostLaneAssignment": 85, "mediaInterface": 20,
-           "mediaInterfaceName": "100GBASE-DR", "mediaLaneCount": 1, "mediaLaneAssignment": 0,
-           "mediaType": "xcvr100GBaseDr" } } },
+           "hostLaneAssignment": 85, "mediaLaneCount": 1, "mediaType": "xcvr100GBaseDr" } } },
       { "laneFlags": null, "activeApplications": null,
         "applications": { "0": { "mediaLaneAssignment": null } } } ] } )" );
 }
 
 TEST_F( CmisToolTest, HexdumpAndExplain ) {
    std::string const whole = labelled( dr4() );
-   expectLines( squeezed( run( "hexdump -", whole + "\n[11h.1]\n44\n" ).out ),
+   expectLines( shown( "hexdump", whole + "\n[11h.1]\n44\n" ),
                 { " moduleState ready, interrupt not asserted\n",
-                  " powerClass 0xa0 (power class 6)\n",
                   "Page 11h, 128 bytes, lane status, lanes count from 0\n",
                   "\n154 9a 38 b9 txPower0 1.4521 mW / 1.62 dBm\n", " (voltageHighWarn) ",
                   "Page 11h.1, 1 byte, lane status" } );
-   EXPECT_THAT( run( "hexdump -", labelled( dr4().bit( "memoryAndSpeed", "flat memory" ) ) ).out,
+   EXPECT_THAT( run( "hexdump -", dr4().bit( "memoryAndSpeed", "flat memory" ) ).out,
                 HasSubstr( "Page 02h, 128 bytes, thresholds, which the module says it lacks" ) );
-   std::string const copper = run( "explain -", labelled( cable() ) ).out;
+   std::string const copper = run( "explain -", cable() ).out;
    EXPECT_THAT( copper, ContainsRegex( "xcvr400GBaseCr8: rule 3 of 6 matches: passive copper" ) );
    EXPECT_EQ( fact( copper, "Byte 86, host interface" ), "0x1d (400GBASE-CR8)" );
-   EXPECT_THAT( run( "explain -", labelled( dr4().raw( "moduleType", 0x40 ) ) ).out,
-                ContainsRegex( "xcvrUnknown: rule 6 of 6 matches" ) );
 }
 
 TEST_F( CmisToolTest, Findings ) {
    expectFindings( {
       // Of the voltage the module's own warnings count, and a lane that is not there has no alarm.
-      { labelled( dr4() ), nullptr },
-      { labelled( dr4().value( "rxPower2", 5 ) ),
-        "value-alarm: Rx power, lane 3 is 5.0000 mW / 6.99" },
-      { labelled( dr4().value( "voltageLowWarnUnused", 3.55 ) ),
+      { dr4(), nullptr },
+      { dr4().value( "voltageLowWarnUnused", 3.55 ),
         "threshold-order: The limits of Supply voltage are" },
-      { labelled( dr4().missing( "01h" ) ), "page-missing: .* has page 01h .advertisement., but" },
-      { labelled( dr4().raw( "identifier", 0x1e ) ),
-        "identifier-copy: Byte 0 has the identifier 1eh" },
-      { labelled( dr4().raw( "moduleType", 0 ) ),
-        "media-type: The identifier 18h .QSFP-DD. is not" },
-      { labelled( dr4().raw( "moduleState", 0x0a ).raw( "faultCause", 2 ) ),
+      { dr4().missing( "01h" ), "page-missing: .* has page 01h .advertisement., but" },
+      { dr4().raw( "moduleState", 0x0a ).raw( "faultCause", 2 ),
         "module-fault: .* cause 0x02 .data memory corrupted." },
    } );
-   EXPECT_THAT( run( "check -", labelled( dr4().missing( "11h" ) ) ).out,
-                ContainsRegex( "dom-missing: .* or page 11h up to byte 201" ) );
 }
 
 TEST_F( CmisToolTest, ControlSet ) {
@@ -157,44 +115,38 @@ TEST_F( CmisToolTest, ControlSet ) {
    set[2] = 0x1f; // lane 3: application 1, data path 7, explicit
    set[11] = 0x21;
    file( "set", set );
-   EXPECT_THAT( squeezed( run( "control-set set" ).out ),
+   EXPECT_THAT( shown( "control-set", set ),
                 ContainsRegex( "^ Lane Application .*\n 1 0 0 0 0 1 0 0 0\n 2 0 0 0 0 2 0 0 0\n"
                                " 3 1 7 1 0 0 0 0 0\n" ) );
-   ToolRun const changed = run( "control-set set --lane 3 --application 2 --tx-eq 5" );
+   std::string const change =
+      " --lane 3,8 --application 2 --data-path 0 --explicit 1 --tx-adaptive 1 "
+      "--tx-eq 5 --rx-pre 1 --rx-post 2 --rx-amplitude 3";
+   ToolRun const changed = run( "control-set set" + change );
    EXPECT_EQ( changed.exitCode, 0 ) << changed.err;
-   EXPECT_THAT( changed.out, HasSubstr( "\n\n   Byte  2 (page 11h: 208)  1f -> 2f\n"
-                                        "   Byte 12 (page 11h: 218)  00 -> 05\n"
-                                        "   Apply mask  0x04\n"
-                                        "   Image       00 00 2f 00 " ) );
+   EXPECT_THAT( changed.out, HasSubstr( "\n\n   Byte  2 (page 11h: 208)  1f -> 21\n" ) );
+   EXPECT_THAT( changed.out,
+                HasSubstr( "\n   Apply mask  0x84\n   Image       00 00 21 00 00 00 00 "
+                           "21 84 00 00 21 05 00 50 00 00 00 01 00 10 00 02 00 20 00 "
+                           "03 00 30\n" ) );
    // The image that it prints is one that it reads; what is already so is not applied.
    std::string const image = changed.out.substr( changed.out.find( "Image" ) + 5 );
-   ToolRun const again = run( "control-set - --lane 3 --application 2 --tx-eq 5", image );
-   EXPECT_THAT( again.out, HasSubstr( "No byte differs\n   Apply mask  0x00\n" ) );
-   EXPECT_THAT( run( "control-set set --lane 1,8 --rx-pre 1 --rx-post 2 --rx-amplitude 3 "
-                     "--tx-adaptive 1 --explicit 1 --data-path 0" )
-                   .out,
-                ContainsRegex( "Byte 17 [^\n]*01\n *Byte 20 [^\n]*10\n *Byte 21 [^\n]*02\n *Byte "
-                               "24 [^\n]*20\n *Byte 25 [^\n]*03\n *Byte 28 [^\n]*30\n *Apply mask "
-                               " 0x81" ) );
+   EXPECT_THAT( run( "control-set -" + change, image ).out,
+                HasSubstr( "No byte differs\n   Apply mask  0x00\n" ) );
 }
 
 TEST_F( CmisToolTest, ControlSetForPrograms ) {
    file( "set", std::string( 29, '\0' ) );
    std::string const change = "control-set --json set --lane 2 --application 3 --rx-post 4 ";
-   ToolRun const run = this->run( change + "--output set" );
-   expectJson( Json::parse( run.out ), R"( {
-      "schema": 1, "applyMask": 2, "image": "0030000000000000000000000000000000000000004000000000000000",
+   expectJson( Json::parse( run( change + "--output set" ).out ), R"( {
+      "applyMask": 2, "image": "0030000000000000000000000000000000000000004000000000000000",
       "lanes": { "0": { "application": 0 },
                  "1": { "application": 3, "rxOutputPostEmphasis": 4, "rxOutputPreEmphasis": 0 } },
       "changes": [ { "address": 207, "before": 0, "after": 48 },
                    { "address": 227, "before": 0, "after": 64 } ] } )" );
    // What it wrote has the changes.
-   expectJson( Json::parse( this->run( change ).out ), R"( { "applyMask": 0 } )" );
-   EXPECT_EQ( contentOf( path( "set" ) ).size(), 29u );
-   ToolRun const unwritten = this->run( change + "--output /dev/full" );
-   EXPECT_EQ( unwritten.exitCode, 3 );
-   EXPECT_THAT( unwritten.err, HasSubstr( "xcvr: /dev/full: cannot be written (No space left" ) );
-   EXPECT_THAT( this->run( change + "--output ." ).err, HasSubstr( "(Is a directory)" ) );
+   EXPECT_EQ( contentOf( path( "set" ) ).substr( 0, 2 ), std::string( "\0\x30", 2 ) );
+   EXPECT_THAT( run( change + "--output /dev/full" ).err,
+                HasSubstr( "xcvr: /dev/full: cannot be written (No space left" ) );
 }
 
 TEST_F( CmisToolTest, ControlSetRefusesToAlterOtherLanes ) {
@@ -203,26 +155,20 @@ TEST_F( CmisToolTest, ControlSetRefusesToAlterOtherLanes ) {
    file( "set", set );
    ToolRun const refused = run( "control-set set --lane 3 --tx-eq 0" );
    EXPECT_EQ( refused.exitCode, 1 );
-   EXPECT_THAT( refused.out, IsEmpty() );
    EXPECT_THAT( refused.err, HasSubstr( "also change settings on lanes 4/5/6/7/8" ) );
-   ToolRun const forced = run( "control-set set --lane 3 --tx-eq 0 --force" );
-   EXPECT_EQ( forced.exitCode, 0 );
-   EXPECT_THAT( forced.out, HasSubstr( "Byte 12 (page 11h: 218)  00 -> f0\n" ) );
+   EXPECT_THAT( run( "control-set set --lane 3 --tx-eq 0 --force" ).out,
+                HasSubstr( "Byte 12 (page 11h: 218)  00 -> f0\n" ) );
    // A change of another register alters no other lane.
    EXPECT_EQ( run( "control-set set --lane 3 --rx-pre 9" ).exitCode, 0 );
 
    file( "short", set.substr( 0, 28 ) );
-   std::pair<char const *, int> const wrong[] = { { "short", 3 },
-                                                  { "set --lane 9 --tx-eq 1", 2 },
-                                                  { "set --lane 0 --tx-eq 1", 2 },
-                                                  { "set --lane 1 --tx-eq 16", 2 },
-                                                  { "set --lane 1 --data-path 8", 2 },
-                                                  { "set --tx-eq 1", 2 } };
-   for ( auto const & [arguments, exitCode] : wrong ) {
-      ToolRun const run = this->run( std::string( "control-set " ) + arguments );
-      EXPECT_EQ( run.exitCode, exitCode ) << arguments;
-      EXPECT_THAT( run.out, IsEmpty() );
-      EXPECT_THAT( run.err, Not( IsEmpty() ) );
+   for ( auto const & [arguments, exitCode] : { std::pair( "short", 3 ),
+                                                { "set --lane 9 --tx-eq 1", 2 },
+                                                { "set --lane 0 --tx-eq 1", 2 },
+                                                { "set --lane 1 --tx-eq 16", 2 },
+                                                { "set --lane 1 --data-path 8", 2 },
+                                                { "set --tx-eq 1", 2 } } ) {
+      EXPECT_EQ( run( std::string( "control-set " ) + arguments ).exitCode, exitCode ) << arguments;
    }
 }
 

@@ -2,46 +2,36 @@
 #include "tests/support/SfpImageBuilder.h"
 #include "tests/tool/ToolRun.h"
 
-#include <iterator>
+#include <fmt/format.h>
 
 namespace XcvrTest {
 namespace {
 
-/// Modules with nothing wrong.
-SfpImageBuilder sr() {
-   return example<SfpImageBuilder>( "10gbase-sr" );
-}
-SfpImageBuilder tunable() {
-   return example<SfpImageBuilder>( "dwdm-tunable" );
-}
-SfpImageBuilder cable() {
-   return example<SfpImageBuilder>( "10gbase-cr" ).a2hMissing();
-}
+struct SfpToolTest : ToolTest {
+   /// Modules with nothing wrong.
+   static SfpImageBuilder sr() { return example<SfpImageBuilder>( "10gbase-sr" ); }
+   static SfpImageBuilder tunable() { return example<SfpImageBuilder>( "dwdm-tunable" ); }
+   static SfpImageBuilder cable() { return example<SfpImageBuilder>( "10gbase-cr" ); }
 
-std::string binary( SfpImageBuilder const & image, std::size_t size = 512 ) {
-   return ( image.a0h() + image.a2h() ).substr( 0, size );
-}
-
-using SfpToolTest = ToolTest;
+   static std::string binary( SfpImageBuilder const & image, std::size_t size = 512 ) {
+      return ( image.a0h() + image.a2h() ).substr( 0, size );
+   }
+};
 
 TEST_F( SfpToolTest, ShowFacts ) {
-   expectFacts( binary( cable().text( "vendorName", "" ).raw( "options", 0 ) ),
+   expectFacts( cable().text( "vendorName", "" ).raw( "options", 0 ),
                 { { "Passive cable compliance", "0x0100" },
                   { "Length (cable)", "3 m" },
                   { "Wavelength", untold },
                   { "Vendor name", "(blank)" },
                   { "Options", "none" },
-                  { "Status bits", untold },
                   { "Monitors", untold },
                   { "Checksum, diagnostics", untold } } );
-   expectFacts( binary( cable().bit( "compliance", "active cable" ).value( "lengthOm3", 50 ) ),
-                { { "Length (OM4)", untold } } );
-   expectFacts( binary( tunable() ), { { "Capabilities", "1 channel, tunable wavelength" },
-                                       { "Tuning range", "191300 to 196100 GHz" },
-                                       { "Grid spacings", "100 GHz, 50 GHz" },
-                                       { "Tuned channel", "37" },
-                                       { "Wavelength", "1552.52 nm" },
-                                       { "Length (SMF, in 100 m)", "more than 25400 m" } } );
+   expectFacts( tunable(), { { "Capabilities", "1 channel, tunable wavelength" },
+                             { "Tuning range", "191300 to 196100 GHz" },
+                             { "Grid spacings", "100 GHz, 50 GHz" },
+                             { "Wavelength", "1552.52 nm" },
+                             { "Length (SMF, in 100 m)", "more than 25400 m" } } );
    struct {
       SfpImageBuilder image;
       char const * label;
@@ -54,44 +44,39 @@ TEST_F( SfpToolTest, ShowFacts ) {
       { sr().text( "dateCode", "241107X3" ), "Lot code", "X3" },
       // Dates that are none have no lot code behind them.
       { sr().text( "dateCode", "241301X3" ), "Lot code", untold },
-      { sr().text( "dateCode", "240229" ), "Date code", "2024-02-29" },
       { sr().text( "dateCode", "250229" ), "Date code", "250229" },
-      { sr().text( "dateCode", "610101" ), "Date code", "610101" },
       // Bytes that are no text; zeros behind a text are padding as well.
       { sr().text( "vendorPn", "A\x1b[2J\xc3\xa9\x7f" ), "Vendor part number", "A_[2J___" },
       { sr().text( "vendorSn", { "SN1\0\0", 5 } ), "Vendor serial number", "SN1" },
-      { sr().raw( "bitrateNominal", 0 ), "Bit rate", "unspecified" },
       { sr().raw( "bitrateMin", 3 ), "Bit rate, minimum", "9991 MBd" },
       // No rate falls by more than all of it.
       { sr().raw( "bitrateMin", 101 ), "Bit rate, minimum", untold },
       // A rate beyond the nominal byte: 250 MBd steps, and one tolerance both ways.
-      { sr().raw( "bitrateNominal", 255 ).raw( "bitrateMax", 103 ), "Bit rate", "25750 MBd" },
-      { sr().raw( "bitrateNominal", 255 ).raw( "bitrateMax", 103 ).raw( "bitrateMin", 2 ),
-        "Bit rate, maximum", "26265 MBd" },
+      { sr().raw( "bitrateNominal", 255, "bitrateMax", 103 ), "Bit rate", "25750 MBd" },
+      { sr().raw( "bitrateNominal", 255, "bitrateMax", 103, "bitrateMin", 2 ), "Bit rate, maximum",
+        "26265 MBd" },
       { SfpImageBuilder().bit( "diagsMonitoringType", "digital diagnostics" ), "Monitors",
         "not calibrated" },
       { sr().a2hMissing(), "Monitors", "advertised, but the image lacks page a2h up to byte 117" },
       // A code without a name, and bits without one.
       { sr().raw( "connector", 0x7f ), "Connector", "0x7f" },
       { sr().raw( "options", 0x8001 ), "Options", "bit 15, bit 0" },
-      { sr().checksumBroken( "storedCcBase" ), "Checksum, base",
-        "page a0h, stored 0x64, computed 0x63, BAD" },
    };
    for ( auto const & [image, label, text] : cases ) {
-      expectFacts( binary( image ), { { label, text } } );
+      expectFacts( image, { { label, text } } );
    }
    // The image ends in front of the stored sum.
    expectFacts( binary( sr(), 300 ),
                 { { "Checksum, diagnostics", "page a2h, the stored one cut off, "
                                              "computed 0x35, BAD" } } );
    // There is no negative zero.
-   EXPECT_THAT( squeezed( run( "show -", binary( sr().raw( "domTemperature", 0xffff ) ) ).out ),
+   EXPECT_THAT( shown( "show", sr().raw( "domTemperature", 0xffff ) ),
                 HasSubstr( " Temperature 0.00 °C -5.00 " ) );
 }
 
 TEST_F( SfpToolTest, Json ) {
-   file( "sr", binary( sr().text( "vendorSn", "\xb5\x01\"" ).raw( "bitrateMin", 101 ) ) );
-   file( "cable", binary( cable().text( "dateCode", "" ).checksumBroken( "storedCcExt" ) ) );
+   file( "sr", sr().text( "vendorSn", "\xb5\x01\"" ).raw( "bitrateMin", 101 ) );
+   file( "cable", cable().text( "dateCode", "" ).checksumBroken( "storedCcExt" ) );
    ToolRun const run = this->run( "show --json sr cable" );
    EXPECT_THAT( run.out, Not( ContainsRegex( "[^\n -~]" ) ) ) << "ASCII only";
    expectJson( Json::parse( run.out ), R"( {
@@ -115,24 +100,17 @@ TEST_F( SfpToolTest, JsonOfMonitors ) {
    SfpImageBuilder const dark = sr().value( "domRxPower", 0 ).value( "domRxPowerLowAlarm", 0 );
    // Where the image ends before a block is complete, nothing is made of the part. No light, and what
    // is not monitored, is null; nobody knows when the image was read.
-   struct {
-      std::size_t size;
-      char const * module;
-   } const cases[] = {
-      { 256 + 95, R"( { "domThresholdValid": false, "domThreshold": { "tempLowWarn": null },
-                        "domInfo": [ { "temperature": null } ], "statusBits": null } )" },
-      { 256 + 96, R"( { "domThresholdValid": true, "domThreshold": { "tempLowWarn": 0.0 },
-                        "domInfo": [ { "temperature": null } ], "statusBits": null } )" },
+   std::pair<std::size_t, char const *> const cases[] = {
+      { 256 + 95, R"( { "domThresholdValid": false, "domThreshold": { "tempLowWarn": null } } )" },
+      { 256 + 96, R"( { "domThresholdValid": true, "domThreshold": { "tempLowWarn": 0.0 } } )" },
       { 256 + 117, R"( { "domInfo": [ { "temperature": null } ], "statusBits": null } )" },
       { 256 + 118, R"( { "domThreshold": { "tempLowAlarm": -5.0, "rxPowerLowAlarm": null },
                          "domInfo": [ { "updateTime": null, "txBias": 6.24, "rxPower": null,
-                                        "calibration": "domCalibrationInternal",
                                         "temperature": 36.3984375, "totalRxPower": null } ],
                          "statusBits": { "txFault": false },
                          "domFlags": { "rxPowerLowWarn": false } } )" },
    };
    for ( auto const & [size, module] : cases ) {
-      SCOPED_TRACE( size );
       Json const document = Json::parse( run( "show --json -", binary( dark, size ) ).out );
       expectJson( document["modules"][0], module );
    }
@@ -145,9 +123,7 @@ TEST_F( SfpToolTest, HexdumpOfFields ) {
                   "\n  2 02  07                       connector                  0x07 (LC)\n",
                   "\n 20 14  4e 4f 52 54 48 4c 49 47  vendorName                 \"NORTHLIGHT\"\n"
                   " 28 1c  48 54 20 20 20 20 20 20\n",
-                  "\n118 76  00                       (quorelAttnMinuend)        0.0 dB\n",
                   "\n 96 60  00 ...                   vendorSpecific             32 bytes of 00\n",
-                  "\n128 80  00 ...                                              128 bytes of 00\n",
                   "\nPage a2h, 97 bytes\n" } );
    EXPECT_THAT( out, EndsWith( "\n 96 60  24                       domTemperature"
                                "             cut off\n" ) );
@@ -160,98 +136,78 @@ TEST_F( SfpToolTest, HexdumpOfOverloadedBytes ) {
    std::string const paged =
       binary( tunable().raw( "tuningPageSelect", 1 ) ) + std::string( 128, '\0' ) + tuningPage;
    struct {
-      std::string image;
+      Image image;
       char const * shown;
-      char const * notShown; // null: nothing
+      char const * notShown = "nothing else";
    } const cases[] = {
-      { binary( cable() ), "01 00 +passiveAttenuation +256\n 62 3e  00\n", "laserWavelength" },
-      { binary( cable().bit( "compliance", "active cable" ) ),
-        " passiveAttenuation +256\n 60 3c  01 00 +\\(activeAttenuation\\) +256\n", nullptr },
-      { binary( sr().raw( "bitrateNominal", 255 ).raw( "bitrateMax", 103 ) ),
+      { cable(), "01 00 +passiveAttenuation +256\n 62 3e  00\n", "laserWavelength" },
+      { cable().bit( "compliance", "active cable" ),
+        " passiveAttenuation +256\n 60 3c  01 00 +\\(activeAttenuation\\) +256\n" },
+      { sr().raw( "bitrateNominal", 255 ).raw( "bitrateMax", 103 ),
         "0xff \\(see bitrateHigh\\)\n.* 67 +bitrateHigh +25750 MBd\n.*bitrateHighTolerance +0 %\n",
         "bitrateM" },
-      { binary( tunable() ), "\n144 90  00 25 +tuningChannel +37\n", nullptr },
-      { binary( tunable() ), "\n 13 0d  00 50 +\\(dwdmLength\\) +80 km\n", nullptr },
+      { tunable(), "\n144 90  00 25 +tuningChannel +37\n" },
       // The tuning page as a page of its own, while A2h shows another (linear: A0h, A2h, 01h, 02h).
-      { paged, "\nPage 02h, 128 bytes\n[^P]*\n144 90  00 25 +tuningChannel +37\n", nullptr },
+      { paged, "\nPage 02h, 128 bytes\n[^P]*\n144 90  00 25 +tuningChannel +37\n" },
       { paged.substr( 0, 640 ), "Page 01h", "tuningChannel" },
-      { binary( sr().raw( "diagsMonitoringType", 0x50 ).value( "domTemperatureSlope", 1.5 ) ),
-        "before calibration\n.*01 80 +domTemperatureSlope +1.500\n", nullptr },
+      { sr().raw( "diagsMonitoringType", 0x50 ).value( "domTemperatureSlope", 1.5 ),
+        "before calibration\n.*01 80 +domTemperatureSlope +1.500\n" },
    };
    for ( auto const & [image, shown, notShown] : cases ) {
       std::string const out = run( "hexdump -", image ).out;
-      EXPECT_THAT( out, ContainsRegex( shown ) );
-      if ( notShown ) {
-         EXPECT_THAT( out, Not( HasSubstr( notShown ) ) );
-      }
+      EXPECT_THAT( out, AllOf( ContainsRegex( shown ), Not( HasSubstr( notShown ) ) ) );
    }
 }
 
 TEST_F( SfpToolTest, ExplainShowsTheRulesUpToTheOneThatMatched ) {
-   std::string const out = run( "explain -", binary( sr() ) ).out;
-   std::size_t const before = sr().contents().mediaTypeDecision().rule;
-   std::string const number = std::to_string( before + 1 );
+   std::string const out = run( "explain -", sr() ).out;
+   std::size_t const rule = sr().contents().mediaTypeDecision().rule;
    EXPECT_THAT( out,
-                ContainsRegex( "^   xcvr10GBaseSr: rule " + number + " of [0-9]+ matches: " ) );
-   EXPECT_THAT( out, ContainsRegex( "\n +" + number + "  [^\n]* yes: xcvr10GBaseSr\n" ) );
-   std::regex const tried( "\n +[0-9]+  [^\n]* no(?=\n)" );
-   EXPECT_EQ( std::distance( std::sregex_iterator( out.begin(), out.end(), tried ), {} ),
-              static_cast<std::ptrdiff_t>( before ) );
+                ContainsRegex( fmt::format( "^   xcvr10GBaseSr: rule {0} of [0-9]+ matches: .*\n"
+                                            " +{0}  [^\n]* yes: xcvr10GBaseSr\n",
+                                            rule + 1 ) ) );
+   EXPECT_EQ( allMatches( out, "\n +([0-9]+)  [^\n]* no(?=\n)" ).size(), rule );
    EXPECT_EQ( fact( out, "Byte 12, bit rate" ), "103 x 100 MBd" );
    EXPECT_EQ( fact( out, "Bytes 13-14, DWDM length" ), untold );
    std::string const dwdm =
-      run( "explain -", binary( cable().raw( "identifier", 11 ).raw( "dwdmLength", 0x0150 ) ) ).out;
+      run( "explain -", cable().raw( "identifier", 11, "dwdmLength", 0x0150 ) ).out;
    EXPECT_EQ( fact( dwdm, "Bytes 13-14, DWDM length" ), "336 km" );
-   EXPECT_EQ( fact( dwdm, "Bytes 60-61, wavelength" ), "256 nm" );
 }
 
 TEST_F( SfpToolTest, Findings ) {
    SfpImageBuilder const uncalibrated = sr().raw( "diagsMonitoringType", 0x40 );
    auto const copper = SfpImageBuilder().bit( "compliance", "1000BASE-T" ).a2hMissing();
    expectFindings( {
-      { binary( sr() ), nullptr },
-      { binary( sr().checksumBroken( "storedCcBase" ) ), "checksum: .* base .* a0h, stored" },
+      { sr().checksumBroken( "storedCcBase" ),
+        "checksum: .* base .* a0h, stored 0x64, computed 0x63. " },
       { binary( sr(), 256 + 117 ), "dom-missing: .* lacks page a2h up to byte 117" },
-      { binary( sr(), 256 + 118 ), nullptr },
-      { binary( uncalibrated ), "dom-calibration: .*not how they are calibrated" },
-      { binary( sr().value( "domTempHighWarn", 76 ) ),
+      { uncalibrated, "dom-calibration: .*not how they are calibrated" },
+      { sr().value( "domTempHighWarn", 76 ),
         "threshold-order: .* of Temperature .* high warning 76.00, high alarm 75.00 °C" },
-      { binary( sr().value( "domTemperature", 75.5 ) ),
-        "value-alarm: Temperature is 75.50 °C, above its" },
-      { binary( sr().value( "domRxPower", 0 ) ),
+      { sr().value( "domRxPower", 0 ),
         "value-alarm: Rx power is 0.0000 mW / -inf dBm, below its alarm limit of -13.90" },
       // Within the alarm limits, if only just.
-      { binary( sr().value( "domTemperature", 75 ).value( "domBiasCurrent", 2 ) ), nullptr },
+      { sr().value( "domTemperature", 75 ).value( "domBiasCurrent", 2 ), nullptr },
       // Zeros for padding are common; between characters they are not.
-      { binary( sr().text( "vendorSn", { "SN1\0\0", 5 } ) ), nullptr },
-      { binary( sr().text( "vendorRev", { "A\0B", 3 } ) ),
-        "text: .* vendorRev has byte 00h, .* 2" },
-      { binary( sr().raw( "identifier", 0x0b ) ), "media-type: .* 0bh .DWDM-SFP .* no rule" },
-      { binary( sr().raw( "connector", 0x22 ) ),
-        "connector: .*RJ45.*, but the media type is 10GBASE-SR" },
-      { binary( SfpImageBuilder( copper ).raw( "connector", 7 ) ),
+      { sr().text( "vendorSn", { "SN1\0\0", 5 } ), nullptr },
+      { sr().text( "vendorRev", { "A\0B", 3 } ), "text: .* vendorRev has byte 00h, .* 2" },
+      { sr().raw( "connector", 0x22 ), "connector: .*RJ45.*, but the media type is 10GBASE-SR" },
+      { SfpImageBuilder( copper ).raw( "connector", 7 ),
         "connector: .*LC.*, but the media type is 1000BASE-T" },
       // Of a type that is not known nobody knows the connector either.
-      { binary( SfpImageBuilder().raw( "connector", 7 ) ), "media-type: .*03h" },
+      { SfpImageBuilder().raw( "connector", 7 ), "media-type: .*03h" },
+      // Limits that are not set leave nothing to be outside of.
+      { sr().raw( "domTempLowAlarm", 0, "domTempLowWarn", 0, "domTempHighWarn", 0,
+                  "domTempHighAlarm", 0 ),
+        nullptr },
    } );
-   // Limits that are not set leave nothing to be outside of.
-   SfpImageBuilder unset = sr();
-   for ( char const * limit : { "LowAlarm", "LowWarn", "HighWarn", "HighAlarm" } ) {
-      unset.raw( std::string( "domTemp" ) + limit, 0 );
-   }
-   expectFindings( { { binary( unset ), nullptr } } );
-   EXPECT_THAT( run( "check --family sfp -", binary( sr().raw( "identifier", 0x11 ) ) ).out,
+   EXPECT_THAT( run( "check --family sfp -", sr().raw( "identifier", 0x11 ) ).out,
                 ContainsRegex( "identifier: .*11h is not one of .* sfp" ) );
-   // Both forms say the same.
-   file( "m", binary( uncalibrated, 256 ) );
-   Json const findings = Json::parse( run( "check --json m" ).out )["modules"][0]["findings"];
-   ASSERT_EQ( findings.size(), 2u );
-   std::string lines;
-   for ( Json const & it : findings ) {
-      std::string const id = it["id"], what = it["finding"], advice = it["advice"];
-      lines += "m: " + id + ": " + what + ' ' + advice + '\n';
-   }
-   EXPECT_EQ( run( "check m" ).out, lines );
+   expectJson( Json::parse( run( "check --json -", uncalibrated ).out ), R"( { "modules": [ {
+      "file": "<stdin>", "family": "sfpPlus", "findings": [ {
+         "id": "dom-calibration",
+         "finding": "The module says that it has monitors, but not how they are calibrated."
+      } ] } ] } )" );
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -35,9 +36,14 @@ inline std::string contentOf( std::filesystem::path const & path ) {
    return content.str();
 }
 
-/// With each run of blanks as one.
-inline std::string squeezed( std::string const & text ) {
-   return std::regex_replace( text, std::regex( " +" ), " " );
+/// What the first group of a pattern is wherever the pattern matches.
+inline std::set<std::string> allMatches( std::string const & text, char const * pattern ) {
+   std::set<std::string> found;
+   std::regex const expression( pattern );
+   for ( std::sregex_iterator at( text.begin(), text.end(), expression ), end; at != end; ++at ) {
+      found.insert( ( *at )[1] );
+   }
+   return found;
 }
 
 inline constexpr char const * untold = "(not told)";
@@ -58,24 +64,19 @@ struct ExpectedFact {
    char const * text;
 };
 
-/// An image, and how the one line begins, behind the file's name, that `check` has to say of it; null
-/// for one with nothing wrong.
-struct CheckedImage {
-   std::string image;
-   char const * finding;
-};
-
 inline XcvrTool::ModuleImage exampleImage( std::string const & name ) {
    return XcvrTool::readImage( XCVR_SOURCE_DIR "/examples/modules/" + name + ".txt",
                                XcvrTool::anyFamily );
 }
 
-/// A builder that begins with an example module, all pages of which it has.
+/// A builder that begins with the pages of an example module.
 template <typename Builder>
 Builder example( std::string const & name ) {
    Builder builder;
-   for ( auto const & [label, bytes] : exampleImage( name ).pages ) {
-      builder.pageIs( label, bytes );
+   XcvrTool::ModuleImage const image = exampleImage( name );
+   for ( std::string_view const label : builder.pageLabels() ) {
+      std::string const * page = image.page( label );
+      page ? builder.pageIs( label, *page ) : builder.missing( label );
    }
    return builder;
 }
@@ -91,6 +92,28 @@ std::string labelled( Builder const & built ) {
    }
    return labelledForm( result );
 }
+
+/// What a run reads: bytes, or a module's labelled image.
+struct Image {
+   template <typename From>
+   Image( From const & from ) {
+      if constexpr ( requires { labelledForm( from ); } ) {
+         bytes = labelledForm( from );
+      } else if constexpr ( requires { from.pageLabels(); } ) {
+         bytes = labelled( from );
+      } else {
+         bytes = from;
+      }
+   }
+   std::string bytes;
+};
+
+/// An image, and how the one line begins, behind the file's name, that `check` has to say of it; null
+/// for one with nothing wrong.
+struct CheckedImage {
+   Image image;
+   char const * finding;
+};
 
 /// The values in `expected` are those in the same places of `actual`; in an object, elements of an
 /// array have their index for a name.
@@ -116,14 +139,14 @@ class ToolTest : public ::testing::Test {
    ~ToolTest() override { std::filesystem::remove_all( folder_ ); }
 
    /// Writes a file and gives its name, which is relative to the folder.
-   std::string file( std::string const & name, std::string_view content ) const {
-      std::ofstream( folder_ / name, std::ios::binary ) << content;
+   std::string file( std::string const & name, Image const & content ) const {
+      std::ofstream( folder_ / name, std::ios::binary ) << content.bytes;
       return name;
    }
    std::string path( std::string const & name ) const { return ( folder_ / name ).string(); }
 
    /// Runs a shell command in which `xcvr` is the program; a run of 20 s has failed.
-   [[nodiscard]] ToolRun shell( std::string const & command, std::string_view input = {} ) const {
+   [[nodiscard]] ToolRun shell( std::string const & command, Image const & input = "" ) const {
       file( "stdin", input );
       file( "command", "xcvr() { timeout 20 '" XCVR_TOOL_PATH "' \"$@\"; }\n" + command + '\n' );
       std::string const line =
@@ -132,16 +155,20 @@ class ToolTest : public ::testing::Test {
       return { WIFEXITED( status ) ? WEXITSTATUS( status ) : -1, contentOf( folder_ / "stdout" ),
                contentOf( folder_ / "stderr" ) };
    }
-   [[nodiscard]] ToolRun run( std::string const & arguments, std::string_view input = {} ) const {
+   [[nodiscard]] ToolRun run( std::string const & arguments, Image const & input = "" ) const {
       return shell( "xcvr " + arguments, input );
    }
 
-   void expectFacts( std::string const & image, std::vector<ExpectedFact> const & facts ) const {
+   void expectFacts( Image const & image, std::vector<ExpectedFact> const & facts ) const {
       ToolRun const run = this->run( "show -", image );
       EXPECT_EQ( run.exitCode, 0 ) << run.err;
       for ( auto const & [label, text] : facts ) {
          EXPECT_EQ( fact( run.out, label ), text ) << label;
       }
+   }
+   /// What a command prints of an image, with each run of blanks as one.
+   [[nodiscard]] std::string shown( std::string const & command, Image const & image ) const {
+      return std::regex_replace( run( command + " -", image ).out, std::regex( " +" ), " " );
    }
    static void expectLines( std::string const & out, std::vector<char const *> const & lines ) {
       for ( char const * line : lines ) {
