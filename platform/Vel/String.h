@@ -70,11 +70,16 @@ class VEL_API String {
    [[nodiscard]] bool empty() const { return inlineSize() == 0; }
    [[nodiscard]] char const * data() const { return shared() ? block()->bytes() : raw_; }
    [[nodiscard]] std::string_view view() const {
+      char const * bytes = raw_;
+      std::size_t count = inlineSize();
       // Pages are what is viewed all the time, and they lie in blocks.
       if ( shared() ) [[likely]] {
-         return { block()->bytes(), block()->size };
+         bytes = block()->bytes();
+         count = block()->size;
       }
-      return { raw_, inlineSize() };
+      // Given other types than these two, g++ asks whether they are iterators, which costs every
+      // including file 20 ms.
+      return { bytes, count };
    }
    operator std::string_view() const { return view(); }
    [[nodiscard]] char const * begin() const { return data(); }
