@@ -17,7 +17,7 @@ struct AttrTravel {
    bool owned; // it holds children
    bool keyed; // it is a collection, or a single child
 
-   /// Of what has no keys: appends a whole record, and takes the body of one.
+   /// Appends a whole record, of a collection with all its entries; null for a single child.
    void ( *write )( Entity const & entity, uint16_t id, NboAttrLog & log );
    /// Takes the body of a record and applies it; throws, with nothing applied, when it is corrupt.
    void ( *apply )( Entity & entity, Internal::LogCursor body, FlowIn & flow );
@@ -188,7 +188,7 @@ struct Travel {
          }
       }
    }
-   /// All that an image says of what owns nothing.
+   /// All that an image says of it.
    static void writeWhole( Entity const & entity, uint16_t id, NboAttrLog & log ) {
       if constexpr ( single ) {
          write( entity, id, log );
@@ -419,10 +419,12 @@ struct Travel {
       AttrTravel ops{};
       ops.owned = owning( kind );
       ops.keyed = !single || kind == AttrKind::child;
+      if constexpr ( kind != AttrKind::child ) {
+         ops.write = writeWhole;
+      }
       if constexpr ( kind == AttrKind::child ) {
          ops.apply = applyChild;
       } else if constexpr ( single ) {
-         ops.write = write;
          ops.apply = applySingle;
       } else {
          ops.apply = applyEntries;

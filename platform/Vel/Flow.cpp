@@ -90,12 +90,27 @@ NboAttrLogSa::~NboAttrLogSa() {
    }
 }
 
+/// Visits what travels, that of base types first, with its number.
+template <typename Visit>
+void NboAttrLogSa::eachRow( EntityModel const & model, Visit const & visit ) {
+   if ( !model.base ) {
+      return;
+   }
+   eachRow( *model.base, visit );
+   for ( uint16_t index = 0; index < model.count; ++index ) {
+      Row const at = rowOf( model, index );
+      if ( at.info->travel ) {
+         visit( static_cast<uint16_t>( model.first + index ), at );
+      }
+   }
+}
+
 /// Its image is due, and then those of its children: a child comes after its parent.
 void NboAttrLogSa::start() {
-   for ( uint16_t attribute = Entity::velAttrEnd; attribute < attributeEnd(); ++attribute ) {
-      AttrTravel const * travel = row( attribute ).info->travel;
-      owning_ = owning_ || ( travel && travel->owned );
-   }
+   eachRow( model_, [&]( uint16_t, Row const & at ) {
+      owning_ = owning_ || at.travel().owned;
+      pointing_ = pointing_ || at.travel().target;
+   } );
    imageDue();
    if ( !flow_.nameless_.empty() ) {
       flow_.nameIs( *entity() );
@@ -103,14 +118,13 @@ void NboAttrLogSa::start() {
    if ( !owning_ ) {
       return;
    }
-   for ( uint16_t attribute = Entity::velAttrEnd; attribute < attributeEnd(); ++attribute ) {
-      Row const at = row( attribute );
-      if ( at.info->travel && at.travel().owned ) {
+   eachRow( model_, [&]( uint16_t, Row const & at ) {
+      if ( at.travel().owned ) {
          for ( String const & key : at.travel().keys( *entity() ) ) {
             childIs( at, key );
          }
       }
-   }
+   } );
 }
 
 void NboAttrLogSa::imageDue() {
@@ -175,17 +189,16 @@ NboAttrLogSa::Root & NboAttrLogSa::root() const {
    return *at->root_;
 }
 
-uint16_t NboAttrLogSa::attributeEnd() const {
-   return static_cast<uint16_t>( model_.first + model_.count );
-}
-
 NboAttrLogSa::Row NboAttrLogSa::row( uint16_t attribute ) const {
    EntityModel const * model = &model_;
    while ( attribute < model->first ) {
       model = model->base;
    }
-   auto const index = static_cast<uint16_t>( attribute - model->first );
-   return { static_cast<uint16_t>( model->level << 8 | index ), &model->attributes[index] };
+   return rowOf( *model, static_cast<uint16_t>( attribute - model->first ) );
+}
+
+NboAttrLogSa::Row NboAttrLogSa::rowOf( EntityModel const & model, uint16_t index ) {
+   return { static_cast<uint16_t>( model.level << 8 | index ), &model.attributes[index] };
 }
 
 NboAttrLogSa::Collections & NboAttrLogSa::collections() {
@@ -277,13 +290,15 @@ void NboAttrLogSa::markKey( uint16_t attribute, String const & key ) {
    }
 }
 
+/// The root may have been asked for some of its children only.
+bool NboAttrLogSa::isFiltered( Row const & at ) const {
+   return !parent_ && !root_->only.empty() && at.travel().owned &&
+          at.info->keyTypeName == typeName<Name>();
+}
+
 bool NboAttrLogSa::passes( Row const & at, String const & key ) const {
-   if ( parent_ || root_->only.empty() || !at.travel().owned ||
-        at.info->keyTypeName != typeName<Name>() ) {
-      return true;
-   }
-   Name const name = Internal::keyOfBytes<Name>( key );
-   return std::binary_search( root_->only.begin(), root_->only.end(), name );
+   return !isFiltered( at ) || std::binary_search( root_->only.begin(), root_->only.end(),
+                                                   Internal::keyOfBytes<Name>( key ) );
 }
 
 /// Sees to the adaptor of the child of that key; says whether the one that was there is none any more.
@@ -368,17 +383,11 @@ void NboAttrLogSa::writeStructure( NboAttrLog & log ) {
    if ( !from ) {
       return;
    }
-   for ( uint16_t attribute = Entity::velAttrEnd; attribute < attributeEnd(); ++attribute ) {
-      Row const at = row( attribute );
-      if ( !at.info->travel || !at.travel().owned ) {
-         continue;
+   eachRow( model_, [&]( uint16_t attribute, Row const & at ) {
+      if ( at.travel().owned ) {
+         all ? writeChildren( *from, at, log ) : writeKeys( *from, at, takeKeys( attribute ), log );
       }
-      if ( all ) {
-         writeChildren( *from, at, log );
-      } else {
-         writeKeys( *from, at, takeKeys( attribute ), log );
-      }
-   }
+   } );
 }
 
 void NboAttrLogSa::writeValues( NboAttrLog & log ) {
@@ -390,13 +399,14 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
    }
    if ( all ) {
       writeImage( model_, *from, log );
-      for ( uint16_t attribute = Entity::velAttrEnd; attribute < attributeEnd(); ++attribute ) {
-         Row const at = row( attribute );
-         if ( at.info->travel && !at.travel().owned && at.travel().target ) {
-            for ( String const & key : at.travel().keys( *from ) ) {
-               keepNameless( *from, at, attribute, key );
+      if ( pointing_ ) {
+         eachRow( model_, [&]( uint16_t attribute, Row const & at ) {
+            if ( at.travel().target ) {
+               for ( String const & key : at.travel().keys( *from ) ) {
+                  keepNameless( *from, at, attribute, key );
+               }
             }
-         }
+         } );
       }
       return;
    }
@@ -420,12 +430,18 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
 void NboAttrLogSa::writeChildren( Entity const & from, Row const & at, NboAttrLog & log ) const {
    using Internal::EntryOp;
    AttrTravel const & travel = at.travel();
+   if ( travel.write && !isFiltered( at ) ) {
+      travel.write( from, at.id, log );
+      return;
+   }
    std::size_t const begin = Internal::beginRecord( log, at.id );
    bool const childGone = at.info->kind == AttrKind::child && !travel.child( from, String() );
    log.write( static_cast<uint8_t>( childGone ? EntryOp::gone : EntryOp::all ) );
-   for ( String const & key : travel.keys( from ) ) {
-      if ( passes( at, key ) ) {
-         travel.writeEntry( from, key, log );
+   if ( at.info->kind != AttrKind::child ) {
+      for ( String const & key : travel.keys( from ) ) {
+         if ( passes( at, key ) ) {
+            travel.writeEntry( from, key, log );
+         }
       }
    }
    Internal::endRecord( log, begin );

@@ -175,9 +175,12 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    void imageInsteadOfMarks();
    void queueStructure();
    void imagesInsteadOfKeys();
-   [[nodiscard]] uint16_t attributeEnd() const;
+   template <typename Visit>
+   static void eachRow( EntityModel const & model, Visit const & visit );
    [[nodiscard]] Row row( uint16_t attribute ) const;
+   [[nodiscard]] static Row rowOf( EntityModel const & model, uint16_t index );
    [[nodiscard]] Root & root() const;
+   [[nodiscard]] bool isFiltered( Row const & row ) const;
    [[nodiscard]] bool passes( Row const & row, String const & key ) const;
    bool childIs( Row const & row, String const & key );
    [[nodiscard]] Collections & collections();
@@ -201,7 +204,8 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    String step_; // that leads from the parent's entity to this one, as in the log
    Internal::SaQueue::Link structureLink_;
    Internal::SaQueue::Link valuesLink_;
-   bool owning_ = false; // the type can have children
+   bool owning_ = false;   // the type can have children
+   bool pointing_ = false; // or pointers
    bool structureDue_ = false;
    bool imageDue_ = false;
    bool imageCounted_ = false;  // among those that `complete` waits for
