@@ -401,9 +401,7 @@ Vel::Ptr<DomThresholdOverride const> Cfp2NewStatus::domThresholdOverride() const
 
 DomThreshold Cfp2NewStatus::domThresholdInForce() const {
    VEL_TRACE_SCOPE( trace );
-   Vel::Ptr<DomThresholdOverride const> const row =
-      domThresholdOverridden() ? domThresholdOverride() : nullptr;
-   return row ? withOverride( domThreshold(), *row ) : domThreshold();
+   return thresholdInForce( *this );
 }
 
 void Cfp2NewStatus::updateLaneStatus() {
@@ -533,13 +531,10 @@ bool Cfp2NewStatus::isFreqTuningPending() {
    if ( !capabilities().tunableWavelength() ) {
       return false;
    }
-   Vel::Ptr<TuningConfig const> const config =
-      xgc() ? xgc()->tuningConfig( name() ) : Vel::Ptr<TuningConfig>();
-   updateItuTuningConfig( config );
+   Vel::Ptr<TuningConfig const> const config = resolveConfiguredTuning( *this, xgc() );
    updateCfpxTuneConfig();
    CfpxTuneStatus const status = cfpxTuneStatus();
-   resolvedTuningStatusIs( resolvedTuning( config.get(), ituTuningConfig(), status.txFrequency(),
-                                           tuningCapabilities().gridSpacingCapabilities() ) );
+   resolvedTuningStatusIs( resolvedTuning( *this, config.get(), status.txFrequency() ) );
    return status.frequency() != cfpxTuneConfig().frequency();
 }
 

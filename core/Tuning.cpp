@@ -20,18 +20,27 @@ uint32_t channelOnGrid( uint32_t base, uint32_t grid, uint32_t frequency ) {
              : 0;
 }
 
-ResolvedTuningStatus resolvedTuning( TuningConfig const * config, ItuTuningConfig const & tuning,
-                                     uint32_t operational, GridSpacingCapabilities const & grids ) {
+Vel::Ptr<TuningConfig const> resolveConfiguredTuning( XcvrNewStatus & status, Xgc const * global ) {
+   Vel::Ptr<TuningConfig const> config =
+      global ? global->tuningConfig( status.name() ) : Vel::Ptr<TuningConfig>();
+   status.updateItuTuningConfig( config );
+   return config;
+}
+
+ResolvedTuningStatus resolvedTuning( XcvrNewStatus const & status, TuningConfig const * config,
+                                     uint32_t operational ) {
+   ItuTuningConfig const & tuning = status.ituTuningConfig();
    uint32_t const wanted = wantedFrequency( tuning );
    // The operational channel is counted as the configured one is: from the base of the C band, on
    // the resolved grid. A frequency beside that grid has none.
    uint32_t const channel =
       channelOnGrid( TuningConstants::baseFrequencyCBand, tuning.grid(), operational );
-   return { config ? config->channel() : 0,   config ? config->grid() : 0,
-            config ? config->frequency() : 0, wanted,
-            computeWavelength( wanted ),      channel,
-            channel != 0 ? tuning.grid() : 0, operational,
-            computeWavelength( operational ), grids };
+   return {
+      config ? config->channel() : 0,   config ? config->grid() : 0,
+      config ? config->frequency() : 0, wanted,
+      computeWavelength( wanted ),      channel,
+      channel != 0 ? tuning.grid() : 0, operational,
+      computeWavelength( operational ), status.tuningCapabilities().gridSpacingCapabilities() };
 }
 
 } // namespace Xcvr

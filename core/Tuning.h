@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Xcvr/XcvrConfig.h>
+#include <Xcvr/XcvrDirs.h>
 #include <Xcvr/XcvrTypes.h>
 
 // What the families whose modules can be tuned share.
@@ -13,11 +13,14 @@ namespace Xcvr {
 /// The number of a frequency on a grid that starts at `base`; 0 when it is none of the grid's.
 [[nodiscard]] uint32_t channelOnGrid( uint32_t base, uint32_t grid, uint32_t frequency );
 
+/// The tuning that is configured under the slot's name, null for none, now resolved in its
+/// `ituTuningConfig`.
+[[nodiscard]] Vel::Ptr<TuningConfig const> resolveConfiguredTuning( XcvrNewStatus & status,
+                                                                    Xgc const * global );
+
 /// The tuning of a slot: as configured (null for not at all), as resolved, and as the module runs,
 /// at the frequency `operational`; 0 for none.
-[[nodiscard]] ResolvedTuningStatus resolvedTuning( TuningConfig const * config,
-                                                   ItuTuningConfig const & tuning,
-                                                   uint32_t operational,
-                                                   GridSpacingCapabilities const & grids );
+[[nodiscard]] ResolvedTuningStatus
+resolvedTuning( XcvrNewStatus const & status, TuningConfig const * config, uint32_t operational );
 
 } // namespace Xcvr

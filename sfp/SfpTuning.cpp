@@ -99,18 +99,13 @@ bool SfpNewStatus::isFreqTuningPending() {
    if ( !capabilities().tunableWavelength() ) {
       return false;
    }
-   Vel::Ptr<TuningConfig const> const config =
-      xgc() ? xgc()->tuningConfig( name() ) : Vel::Ptr<TuningConfig>();
-   updateItuTuningConfig( config );
+   Vel::Ptr<TuningConfig const> const config = resolveConfiguredTuning( *this, xgc() );
    updateHwTuningConfig();
-
-   ItuTuningConfig const & tuning = ituTuningConfig();
    TuningRegisters const registers = tuningRegisters( *this );
    uint32_t const operational = registers.frequency();
-   resolvedTuningStatusIs( resolvedTuning( config.get(), tuning, operational,
-                                           tuningCapabilities().gridSpacingCapabilities() ) );
+   resolvedTuningStatusIs( resolvedTuning( *this, config.get(), operational ) );
    return registers.channel != hwTuningConfig().hwChannel() ||
-          operational != wantedFrequency( tuning );
+          operational != wantedFrequency( ituTuningConfig() );
 }
 
 } // namespace Xcvr

@@ -248,9 +248,9 @@ TEST( Cfp2StatusTest, TheTuningInTheRegisters ) {
                                   GridSpacingCapabilities( true, true, false, false, false, true ),
                                   6000 ) );
    image.raw( "txChannel", 7u << 13 | 3 ).raw( "txFineTuneFreq", 0xffff ); // a grid that is none
-   image.value( "txPowerConfig", -2 ).value( "maxRxAttenuation", 20 );
+   image.value( "txPowerConfig", -2 ).value( "maxRxAttenuation", 655.35 );
    EXPECT_EQ( inserted( image )->cfpxTuneStatus(),
-              CfpxTuneStatus( HwTuningConfig( 3, 0, -1 ), 0, -2, 0, 20 ) );
+              CfpxTuneStatus( HwTuningConfig( 3, 0, -1 ), 0, -2, 0, 655.35 ) );
 }
 
 TEST( Cfp2StatusTest, TheLineInUnitsBesideItsRegisters ) {

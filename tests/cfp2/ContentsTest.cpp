@@ -240,6 +240,9 @@ std::vector<FieldCase> const fieldCases = listOf(
    GIVES( c.txPowerSupported(), cfp2, 0x8070, 0x04, 1 ),
    GIVES( c.rxPowerSupported(), cfp2, 0x8070, 0x08, 1 ),
    GIVES( c.rxPowerSupported(), cfp2, 0x8070, 0xF7, 0 ),
+   GIVES( c.decodeDomVoltage( c.voltage() ), cfp2, 0xA030, 10000, 1 ),
+   GIVES( c.decodeDomVoltage( c.voltage() ), cfpx, 0xB030, 10000, 10 ),
+   GIVES( c.decodeDomVoltage( c.voltage() ), dco, 0xB030, 10000, 10 ),
    GIVES( c.minFrequency(), dco, 0x818B, 191, 191000 ),
    GIVES( c.minFrequency(), dco, 0x818D, 139, 6 ),
    GIVES( c.maxFrequency(), dco, 0x818F, 196, 196000 ),
@@ -342,15 +345,6 @@ TEST( CfpContents, LinearDriversByMaker ) {
    EXPECT_EQ( maker( 1, "\xE1\x43\xC1\xC3IA", "" ), "acacia" ); // seven bits of each
    EXPECT_EQ( maker( 1, "Oclar", "" ), "" );
    EXPECT_EQ( maker( 0, "Oclaro", "AP123" ), "" );
-}
-
-TEST( CfpContents, DecodersScale ) {
-   for ( auto const & [module, raw] :
-         { std::pair( cfp2, 33000 ), { cfpx, 3300 }, { dco, 3300 } } ) {
-      auto const contents = CfpImageBuilder( module ).contents();
-      EXPECT_DOUBLE_EQ( contents->decodeDomVoltage( static_cast<uint16_t>( raw ) ), 3.3 );
-   }
-   EXPECT_DOUBLE_EQ( Contents::decodeAttenuation( 65535 ), 655.35 );
 }
 
 TEST( CfpChecksums, GuardEveryByteOfTheirRange ) {

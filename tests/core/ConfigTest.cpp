@@ -1,6 +1,6 @@
 #include <Xcvr/Xcvr.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <limits>
 
@@ -18,16 +18,4 @@ TEST( ConfigTest, NewSettingsHaveTheirDefaults ) {
    XcvrConfig const config( "Ethernet1", 12.5 );
    EXPECT_EQ( config.initTime(), 12.5 );
    EXPECT_GT( XcvrConfig( "Ethernet2" ).initTime(), 1.6e9 ); // now
-}
-
-TEST( ConfigTest, ThresholdRowsKeepTheOrderOfTheBytesOfTheirNames ) {
-   Vel::Ptr<Xgc> const xgc = xgcFactory( "xgc" );
-   std::vector<Vel::Name> names;
-   for ( char const * row : { "20", "100", "a", "3" } ) {
-      xgc->domThresholdOverrideDataIs( row );
-   }
-   for ( auto const & [key, row] : xgc->domThresholdOverrideDataMap() ) {
-      names.push_back( row->name() );
-   }
-   EXPECT_THAT( names, testing::ElementsAre( "100", "20", "3", "a" ) );
 }

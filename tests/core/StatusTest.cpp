@@ -54,11 +54,9 @@ TEST( StatusTest, WhatAFamilyDoesNotSupplyIsNeutralAndTraced ) {
    EXPECT_EQ( status.enhancedDomSensorCategory(), EnhancedDomSensorCategory() );
    EXPECT_EQ( status.tuningCapabilities(), TuningCapabilities() );
    EXPECT_THAT( capture.takeNotes(), ElementsAre() );
-   try {
-      ADD_FAILURE() << status.isSupportedMediaType( xcvr10GBaseSr );
-   } catch ( Vel::NoImplementationException const & e ) {
-      EXPECT_STREQ( e.what(), "Not implemented in base class" );
-   }
+   EXPECT_THAT(
+      [&] { static_cast<void>( status.isSupportedMediaType( xcvr10GBaseSr ) ); },
+      testing::ThrowsMessage<Vel::NoImplementationException>( "Not implemented in base class" ) );
    EXPECT_EQ( status.detectedMediaTypeString(), "Unknown" );
    traced( "detectedMediaType" );
 }

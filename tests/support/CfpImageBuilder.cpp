@@ -111,18 +111,17 @@ CfpImageBuilder::Registers CfpImageBuilder::summedUp( CfpMsaMisTableId id ) cons
       return {};
    }
    Registers registers = found->second;
-   auto const sum = [this]( CfpMsaMisTableId summed, auto first, auto last ) {
-      int const off = summed == brokenChecksum_ ? 1 : 0;
-      return static_cast<uint16_t>( std::accumulate( first, last, off ) & 0xff );
+   auto const sum = []( auto first, auto last ) {
+      return static_cast<uint16_t>( std::accumulate( first, last, 0 ) & 0xff );
    };
    if ( id == table8180 ) { // holds the checksum of the table in front of it as well
       auto const previous = tables_.find( table8100 );
       if ( previous != tables_.end() ) {
-         registers[0] = sum( table8100, previous->second.begin(), previous->second.end() );
+         registers[0] = sum( previous->second.begin(), previous->second.end() );
       }
-      registers.back() = sum( id, registers.begin() + 1, registers.end() - 1 );
+      registers.back() = sum( registers.begin() + 1, registers.end() - 1 );
    } else if ( id == table8000 || id == table8080 ) {
-      registers.back() = sum( id, registers.begin(), registers.end() - 1 );
+      registers.back() = sum( registers.begin(), registers.end() - 1 );
    }
    return registers;
 }

@@ -13,7 +13,7 @@ namespace XcvrTest {
 /// Builds the register tables of a CFP2, CFPx or CFP2-DCO module from registers and bits named as in
 /// the register table; a name that it lacks, or that the module lacks, throws. A table is there, whole
 /// and of zeros but for blank texts, once something is written to it; the first five identification
-/// tables always are. Checksums come out right unless one is broken on purpose.
+/// tables always are. Checksums come out right.
 class CfpImageBuilder {
  public:
    explicit CfpImageBuilder( Xcvr::CfpMsaMisIdentifier identifier = Xcvr::identifierCfp2 );
@@ -28,10 +28,6 @@ class CfpImageBuilder {
    CfpImageBuilder & at( Xcvr::CfpMsaMisTableId table, uint16_t address, uint16_t number );
    CfpImageBuilder & missing( Xcvr::CfpMsaMisTableId table ) {
       tables_.erase( table );
-      return *this;
-   }
-   CfpImageBuilder & checksumBroken( Xcvr::CfpMsaMisTableId table ) {
-      brokenChecksum_ = table;
       return *this;
    }
 
@@ -54,7 +50,6 @@ class CfpImageBuilder {
 
    std::map<Xcvr::CfpMsaMisTableId, Registers> tables_;
    Xcvr::CfpModules module_;
-   Xcvr::CfpMsaMisTableId brokenChecksum_ = Xcvr::tableInvalid;
 };
 
 } // namespace XcvrTest

@@ -125,8 +125,9 @@ void expectClosestOperatorThresholds( Status & status ) {
    rowIs( "c", "Vendor", "PN-1", "SN-2", 3 ); // another module of the part
    rowIs( "d", "Vend", "", "", 4 );           // another vendor
    EXPECT_EQ( status.domThresholdInForce(), own );
-   rowIs( "e", "Vendor", "", "", 5 );
-   rowIs( "f", "Vendor  ", "", "", 6 ); // padding does not count, and the first of equals stays
+   // Padding does not count; of equals the first counts, by the bytes of their names.
+   rowIs( "9", "Vendor  ", "", "", 6 );
+   rowIs( "10", "Vendor", "", "", 5 );
    EXPECT_EQ( inForce(), 5 );
    rowIs( "g", "Vendor", "PN-1   ", "", 7 );
    EXPECT_EQ( inForce(), 7 );

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <fmt/format.h>
-#include <functional>
 
 namespace XcvrTool {
 namespace {
@@ -12,6 +11,7 @@ namespace {
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
+using ::testing::ThrowsMessage;
 
 /// Module memory that tempts a reader of text: its ASCII column has hex digits, "|", "#", "[a0h]",
 /// "*" and lines of blanks in it, and equal lines follow each other.
@@ -80,10 +80,13 @@ std::string plainHex( std::string const & bytes, char const * prefix, char const
    return text + "\n";
 }
 
-std::string labelled( std::string const & bytes ) {
+ModuleImage sfpImage( std::string const & bytes ) {
    ModuleImage image;
    image.pages = { { "a0h", bytes.substr( 0, 256 ) }, { "a2h", bytes.substr( 256 ) } };
-   return labelledForm( image );
+   return image;
+}
+std::string labelled( std::string const & bytes ) {
+   return labelledForm( sfpImage( bytes ) );
 }
 
 std::string replaced( std::string text, std::string_view what, std::string_view with ) {
@@ -94,8 +97,6 @@ std::string replaced( std::string text, std::string_view what, std::string_view 
 
 TEST( ModuleImage, everyFormHoldsTheSameBytes ) {
    std::string const bytes = memory( 512 );
-   ModuleImage linear;
-   linear.pages = { { "a0h", bytes.substr( 0, 256 ) }, { "a2h", bytes.substr( 256 ) } };
    std::regex const blanksAtLineEnd( " +\n" );
    struct {
       char const * name;
@@ -122,7 +123,7 @@ TEST( ModuleImage, everyFormHoldsTheSameBytes ) {
          ModuleImage const image = parseImage( "f", variant, anyFamily );
          EXPECT_EQ( image.form, form );
          EXPECT_EQ( image.family, XcvrType::sfpPlus );
-         EXPECT_EQ( image.pages, linear.pages );
+         EXPECT_EQ( image.pages, sfpImage( bytes ).pages );
       }
    }
 }
@@ -194,14 +195,8 @@ TEST( ModuleImage, labelledImageKeepsEveryPageAsWritten ) {
    EXPECT_EQ( parseImage( "f", labelledForm( image ), anyFamily ).pages, pages );
 }
 
-/// The message of the refusal; empty if the input is accepted.
-std::string refusal( std::function<ModuleImage()> const & read ) {
-   try {
-      read();
-   } catch ( ImageError const & error ) {
-      return error.what();
-   }
-   return "";
+auto isRefusal( std::string const & file, char const * what ) {
+   return ThrowsMessage<ImageError>( AllOf( StartsWith( file + ": " ), HasSubstr( what ) ) );
 }
 
 TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
@@ -247,9 +242,8 @@ TEST( ModuleImage, refusalsSayWhatIsWrongAndWhere ) {
       { a0h + "[02h]\n" + plainHex( bytes.substr( 0, 129 ), "", "" ), "more than its 128 bytes" },
    };
    for ( auto const & [content, message] : cases )
-      EXPECT_THAT(
-         refusal( [&content = content] { return parseImage( "x.bin", content, anyFamily ); } ),
-         AllOf( StartsWith( "x.bin: " ), HasSubstr( message ) ) )
+      EXPECT_THAT( [&content = content] { parseImage( "x.bin", content, anyFamily ); },
+                   isRefusal( "x.bin", message ) )
          << content.substr( 0, 200 );
 }
 
@@ -287,8 +281,7 @@ TEST_F( ModuleImageFile, whatCannotBeReadIsRefused ) {
       { "/proc/self/mem", "cannot be read (Input/output error)" }, // opens, but fails to read
    };
    for ( auto const & [path, what] : cases )
-      EXPECT_THAT( refusal( [&path = path] { return readImage( path, anyFamily ); } ),
-                   AllOf( StartsWith( path + ": " ), HasSubstr( what ) ) );
+      EXPECT_THAT( [&path = path] { readImage( path, anyFamily ); }, isRefusal( path, what ) );
 }
 
 } // namespace

@@ -177,37 +177,32 @@ Vel::String modelBytes( CfpMsaMisTableId table, std::string_view page ) {
    return Vel::String( words );
 }
 
-class CfpModule : public Module {
+class CfpModule : public ModuleOf<Xcvr::Cfp2NewStatus> {
  public:
-   explicit CfpModule( ModuleImage image );
-
-   [[nodiscard]] Xcvr::XcvrNewStatus const & status() const override { return *status_; }
+   CfpModule( ModuleImage image, FamilyTables const & family );
 
    void form( Report & report ) const override;
-   void origin( Report & report ) const override;
+   void origin( Report & report ) const override {
+      addReading( report, find( "vendorOui" )->field, "Vendor OUI", page( "8000h" ) );
+   }
    void medium( Report & report ) const override;
-   void options( Report & report ) const override;
    void features( Report & report ) const override;
    void condition( Report & report ) const override;
-   [[nodiscard]] std::vector<Checksum> checksums() const override;
 
    [[nodiscard]] Xcvr::MediaTypeDecision mediaTypeDecision() const override {
       return contents().mediaTypeDecision();
-   }
-   [[nodiscard]] std::span<Xcvr::MediaTypeRule const> mediaTypeRules() const override {
-      return Xcvr::cfpMediaTypeRules();
    }
    void ruleInputs( Report & report ) const override;
 
    [[nodiscard]] PageLayout layoutOf( std::string_view label ) const override;
    [[nodiscard]] std::string valueOf( PageView page, MemoryField const & field ) const override;
 
+   [[nodiscard]] std::vector<Checksum> checksums() const override;
    [[nodiscard]] std::uint8_t identifier() const override {
       return static_cast<std::uint8_t>( contents().identifier() );
    }
    [[nodiscard]] bool domAdvertised() const override { return !monitors().empty(); }
    [[nodiscard]] std::string domPlace() const override;
-   [[nodiscard]] std::span<Check const> familyChecks() const override;
 
    /// The registers of the monitors that the module says it has.
    [[nodiscard]] std::vector<Register const *> monitors() const;
@@ -238,15 +233,11 @@ class CfpModule : public Module {
    void tuning( Report & report ) const;
    void line( Report & report ) const;
 
-   Vel::Ptr<Xcvr::Cfp2NewStatus> status_;
    std::vector<Register> registers_; // in the order of tables and addresses
 };
 
-/// Does what an agent does with a slot whose module has these tables.
-CfpModule::CfpModule( ModuleImage image )
-   : Module( std::move( image ) ), status_( Xcvr::cfp2NewStatusFactory( "image" ) ) {
-   constexpr Vel::Seconds readTime = 1; // later than the module came, at 0
-   status_->presenceIs( Xcvr::xcvrPresent );
+CfpModule::CfpModule( ModuleImage image, FamilyTables const & family )
+   : ModuleOf( std::move( image ), family, Xcvr::cfp2NewStatusFactory( "image" ) ) {
    for ( auto const & [label, bytes] : this->image().pages ) {
       if ( CfpMsaMisTableId const table = tableOf( label ); table != Xcvr::tableInvalid ) {
          status_->idEepromContentsIs( static_cast<std::uint8_t>( table ),
@@ -343,10 +334,6 @@ void CfpModule::form( Report & report ) const {
    addCode( report, find( "connector" )->field, "Connector", contents().connector() );
 }
 
-void CfpModule::origin( Report & report ) const {
-   addReading( report, find( "vendorOui" )->field, "Vendor OUI", page( "8000h" ) );
-}
-
 /// A number in the unit of its register; text leaves out 0, which is unspecified.
 void CfpModule::addQuantity( Report & report, std::string_view name, char const * label,
                              int decimals, char const * behind ) const {
@@ -375,6 +362,9 @@ void CfpModule::medium( Report & report ) const {
    addQuantity( report, "smfFiberLengthMax", "Length (SMF)", 0 );
    addQuantity( report, "mmfFiberLengthMax", "Length (MMF)", 0 );
    wavelength( report );
+   report.push_back( { .label = "Monitors advertised",
+                       .text = joined( trueOnes( status_->domCapabilities() ) ) } );
+   analogue( report );
 }
 
 void CfpModule::wavelength( Report & report ) const {
@@ -387,12 +377,6 @@ void CfpModule::wavelength( Report & report ) const {
                        .text = shortest == longest
                                   ? fmt::format( "{:.3f} nm", shortest )
                                   : fmt::format( "{:.3f} to {:.3f} nm", shortest, longest ) } );
-}
-
-void CfpModule::options( Report & report ) const {
-   report.push_back( { .label = "Monitors advertised",
-                       .text = joined( trueOnes( status_->domCapabilities() ) ) } );
-   analogue( report );
 }
 
 /// The circuits of a CFPx, which the host's signal processor has to know.
@@ -703,7 +687,7 @@ std::string CfpModule::valueOf( PageView bytes, MemoryField const & field ) cons
    return fieldText( bytes, field );
 }
 
-// What can be wrong in a CFP only. The checks are asked of CFP modules, see familyChecks().
+// What can be wrong in a CFP only. The checks are asked of CFP modules.
 
 using Sentences = std::vector<std::string>;
 
@@ -751,14 +735,11 @@ constexpr Check cfpChecks[] = {
    { "page-missing", ofMissingTables, "Read all register tables of the module, whole." },
 };
 
-std::span<Check const> CfpModule::familyChecks() const {
-   return cfpChecks;
-}
-
 } // namespace
 
 std::unique_ptr<Module> cfpModule( ModuleImage image ) {
-   return std::make_unique<CfpModule>( std::move( image ) );
+   return std::make_unique<CfpModule>( std::move( image ),
+                                       FamilyTables{ Xcvr::cfpMediaTypeRules(), cfpChecks } );
 }
 
 } // namespace XcvrTool

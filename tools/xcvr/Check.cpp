@@ -136,7 +136,7 @@ struct Finding {
 std::vector<Finding> findingsOf( Module const & module ) {
    std::vector<Finding> findings;
    for ( std::span<Check const> const some :
-         { std::span<Check const>( checks ), module.familyChecks() } ) {
+         { std::span<Check const>( checks ), module.family().checks } ) {
       for ( Check const & check : some ) {
          for ( std::string & what : check.find( module ) ) {
             findings.push_back( { &check, std::move( what ) } );

@@ -54,29 +54,25 @@ constexpr Page pages[] = {
    { Xcvr::CmisTable::p11h, "lane status", OsfpBank::bank0, OsfpPage::upperPage11, false },
 };
 
-class CmisModule : public Module {
+class CmisModule : public ModuleOf<Xcvr::CmisStatus> {
  public:
-   explicit CmisModule( ModuleImage image );
-
-   [[nodiscard]] Xcvr::XcvrNewStatus const & status() const override { return *status_; }
+   CmisModule( ModuleImage image, FamilyTables const & family, Vel::Ptr<Xcvr::CmisStatus> status );
 
    void form( Report & report ) const override;
    void origin( Report & report ) const override;
    void medium( Report & report ) const override;
-   void options( Report & report ) const override;
    void features( Report & report ) const override;
    void condition( Report & report ) const override;
-   [[nodiscard]] std::vector<Checksum> checksums() const override;
 
    [[nodiscard]] std::uint32_t missingLanes() const override;
    [[nodiscard]] Xcvr::DomThreshold ownThreshold() const override;
 
    [[nodiscard]] Xcvr::MediaTypeDecision mediaTypeDecision() const override;
-   [[nodiscard]] std::span<Xcvr::MediaTypeRule const> mediaTypeRules() const override;
    void ruleInputs( Report & report ) const override;
 
    [[nodiscard]] PageLayout layoutOf( std::string_view page ) const override;
 
+   [[nodiscard]] std::vector<Checksum> checksums() const override;
    [[nodiscard]] bool isIdentified() const override {
       return raw_->has( row( "moduleType" ) ) && raw_->has( row( "application1" ) );
    }
@@ -85,12 +81,10 @@ class CmisModule : public Module {
       return status_->domCapabilities() != Xcvr::DomCapabilities();
    }
    [[nodiscard]] std::string domPlace() const override;
-   [[nodiscard]] std::span<Check const> familyChecks() const override;
 
    /// The module has the page, for all that the image says.
    [[nodiscard]] bool hasPage( Page const & page ) const;
    [[nodiscard]] PageView view( std::string_view label ) const { return page( label ); }
-   [[nodiscard]] Xcvr::CmisStatus const & cmis() const { return *status_; }
 
  private:
    /// The field can be read, and means something in this module.
@@ -102,6 +96,7 @@ class CmisModule : public Module {
                     char const * label ) const;
    void applications( Report & report ) const;
    void lengths( Report & report ) const;
+   void options( Report & report ) const;
    void moduleFlags( Report & report ) const;
    void laneFlags( Report & report ) const;
    void laneControls( Report & report ) const;
@@ -109,24 +104,14 @@ class CmisModule : public Module {
    void tuning( Report & report ) const;
    void moduleMonitors( Report & report ) const;
 
-   Vel::Ptr<Xcvr::CmisStatus> status_;
    Vel::Ptr<Xcvr::OsfpRawEepromContents> raw_;
    Vel::Ptr<Decoded> decoded_;
 };
 
-Vel::Ptr<Xcvr::CmisStatus> statusOf( XcvrType family ) {
-   if ( family == XcvrType::osfp ) {
-      return Xcvr::osfpStatusFactory( "image" );
-   }
-   return Xcvr::qsfpDdStatusFactory( "image" );
-}
-
-/// Does what an agent does with a slot whose module has this memory.
-CmisModule::CmisModule( ModuleImage image )
-   : Module( std::move( image ) ), status_( statusOf( this->image().family ) ),
+CmisModule::CmisModule( ModuleImage image, FamilyTables const & family,
+                        Vel::Ptr<Xcvr::CmisStatus> status )
+   : ModuleOf( std::move( image ), family, std::move( status ) ),
      raw_( status_->rawEepromContents() ), decoded_( status_->decodedEepromContents() ) {
-   constexpr Vel::Seconds readTime = 1; // later than the module came, at 0
-   status_->presenceIs( Xcvr::xcvrPresent );
    for ( Page const & known : pages ) {
       if ( std::string_view const bytes = page( known.label ); !bytes.empty() ) {
          raw_->memoryIs( Xcvr::OsfpBankAndPage( known.bank, known.page ), Vel::String( bytes ) );
@@ -276,6 +261,24 @@ void CmisModule::lengths( Report & report ) const {
    }
 }
 
+void CmisModule::options( Report & report ) const {
+   static constexpr std::pair<MemoryField const &, char const *> advertised[] = {
+      { row( "implControlsAdvertisement" ), "Controls" },
+      { row( "implFlagsAdvertisement" ), "Flags" },
+      { row( "implMonitorsAdvertisement" ), "Monitors of" },
+      { row( "implSignalIntegrityControl" ), "Signal integrity" },
+      { row( "rxAmplitudeAndMaxTxEq" ), "Signal codes" },
+      { row( "moduleCharacteristics" ), "Characteristics" },
+      { row( "receiverCharacteristics" ), "Receiver" },
+      { row( "supportedPages" ), "Optional pages" },
+   };
+   for ( auto const & [field, label] : advertised ) {
+      if ( isThere( field ) ) {
+         addBits( report, field, label, view( field.page ) );
+      }
+   }
+}
+
 void CmisModule::medium( Report & report ) const {
    if ( isIdentified() ) {
       applications( report );
@@ -299,24 +302,7 @@ void CmisModule::medium( Report & report ) const {
       addField( report, row( "wavelength" ), "Wavelength" );
       addField( report, row( "wavelengthTolerance" ), "Wavelength tolerance" );
    }
-}
-
-void CmisModule::options( Report & report ) const {
-   static constexpr std::pair<MemoryField const &, char const *> advertised[] = {
-      { row( "implControlsAdvertisement" ), "Controls" },
-      { row( "implFlagsAdvertisement" ), "Flags" },
-      { row( "implMonitorsAdvertisement" ), "Monitors of" },
-      { row( "implSignalIntegrityControl" ), "Signal integrity" },
-      { row( "rxAmplitudeAndMaxTxEq" ), "Signal codes" },
-      { row( "moduleCharacteristics" ), "Characteristics" },
-      { row( "receiverCharacteristics" ), "Receiver" },
-      { row( "supportedPages" ), "Optional pages" },
-   };
-   for ( auto const & [field, label] : advertised ) {
-      if ( isThere( field ) ) {
-         addBits( report, field, label, view( field.page ) );
-      }
-   }
+   options( report );
 }
 
 /// Of two numbers, the second in the byte behind the first.
@@ -644,10 +630,6 @@ constexpr Xcvr::MediaTypeRule rules[] = {
    { "any other module type", Xcvr::xcvrUnknown },
 };
 
-std::span<Xcvr::MediaTypeRule const> CmisModule::mediaTypeRules() const {
-   return rules;
-}
-
 Xcvr::MediaTypeDecision CmisModule::mediaTypeDecision() const {
    auto const type = static_cast<std::size_t>( decoded_->moduleType() );
    std::size_t const last = std::size( rules ) - 1;
@@ -699,7 +681,7 @@ std::string CmisModule::domPlace() const {
                        Xcvr::CmisTable::pageSize + laneLiveEnd - 1 );
 }
 
-// What can be wrong in these modules only. The checks are asked of them, see familyChecks().
+// What can be wrong in these modules only. The checks are asked of them.
 
 using Sentences = std::vector<std::string>;
 
@@ -719,7 +701,7 @@ Sentences ofMissingPages( Module const & module ) {
 
 Sentences ofFault( Module const & module ) {
    MemoryField const & field = row( "faultCause" );
-   if ( cmis( module ).cmis().moduleState() != Xcvr::moduleFault ) {
+   if ( cmis( module ).status().moduleState() != Xcvr::moduleFault ) {
       return {};
    }
    return { fmt::format( "The module is in its fault state, cause {}",
@@ -732,14 +714,14 @@ constexpr Check cmisChecks[] = {
    { "module-fault", ofFault, "Reset the module; if it stays so, it is one to replace." },
 };
 
-std::span<Check const> CmisModule::familyChecks() const {
-   return cmisChecks;
-}
-
 } // namespace
 
 std::unique_ptr<Module> cmisModule( ModuleImage image ) {
-   return std::make_unique<CmisModule>( std::move( image ) );
+   auto status = image.family == XcvrType::osfp
+                    ? Vel::Ptr<Xcvr::CmisStatus>( Xcvr::osfpStatusFactory( "image" ) )
+                    : Xcvr::qsfpDdStatusFactory( "image" );
+   return std::make_unique<CmisModule>( std::move( image ), FamilyTables{ rules, cmisChecks },
+                                        std::move( status ) );
 }
 
 } // namespace XcvrTool

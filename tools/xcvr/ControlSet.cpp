@@ -16,6 +16,7 @@ namespace XcvrTool {
 namespace {
 
 using Set = Xcvr::OsfpControlSet;
+using Tuning = Xcvr::OsfpTuningParamValue;
 using Lane = Xcvr::OsfpLane;
 
 constexpr std::size_t imageSize = Set::imageSize;
@@ -27,6 +28,18 @@ Vel::U1 bit( unsigned value ) {
 }
 std::uint8_t code( unsigned value ) {
    return static_cast<std::uint8_t>( value );
+}
+
+/// A code of 0 to 15 among the signal tuning of a lane.
+template <auto get, auto set>
+constexpr LaneSetting tuningCode( char const * option, char const * member, char const * label ) {
+   constexpr auto read = []( Set const & from, Lane lane ) {
+      return unsigned{ ( from.tuning( lane ).*get )() };
+   };
+   constexpr auto write = []( Set & to, Lane lane, unsigned value ) {
+      return ( to.*set )( lane, code( value ) );
+   };
+   return { option, member, label, 15, read, write };
 }
 
 } // namespace
@@ -54,34 +67,14 @@ std::array<LaneSetting, laneSettingCount> const laneSettings = { {
      []( Set & set, Lane lane, unsigned value ) {
         return set.txInputAdaptiveEqEnableIs( lane, bit( value ) );
      } },
-   { "tx-eq", "txInputEqualization", "Tx EQ", 15,
-     []( Set const & set, Lane lane ) {
-        return unsigned{ set.tuning( lane ).txInputEqualization() };
-     },
-     []( Set & set, Lane lane, unsigned value ) {
-        return set.txInputEqualizationIs( lane, code( value ) );
-     } },
-   { "rx-pre", "rxOutputPreEmphasis", "Rx pre", 15,
-     []( Set const & set, Lane lane ) {
-        return unsigned{ set.tuning( lane ).rxOutputPreEmphasis() };
-     },
-     []( Set & set, Lane lane, unsigned value ) {
-        return set.rxOutputPreEmphasisIs( lane, code( value ) );
-     } },
-   { "rx-post", "rxOutputPostEmphasis", "Rx post", 15,
-     []( Set const & set, Lane lane ) {
-        return unsigned{ set.tuning( lane ).rxOutputPostEmphasis() };
-     },
-     []( Set & set, Lane lane, unsigned value ) {
-        return set.rxOutputPostEmphasisIs( lane, code( value ) );
-     } },
-   { "rx-amplitude", "rxOutputAmplitude", "Rx amplitude", 15,
-     []( Set const & set, Lane lane ) {
-        return unsigned{ set.tuning( lane ).rxOutputAmplitude() };
-     },
-     []( Set & set, Lane lane, unsigned value ) {
-        return set.rxOutputAmplitudeIs( lane, code( value ) );
-     } },
+   tuningCode<&Tuning::txInputEqualization, &Set::txInputEqualizationIs>(
+      "tx-eq", "txInputEqualization", "Tx EQ" ),
+   tuningCode<&Tuning::rxOutputPreEmphasis, &Set::rxOutputPreEmphasisIs>(
+      "rx-pre", "rxOutputPreEmphasis", "Rx pre" ),
+   tuningCode<&Tuning::rxOutputPostEmphasis, &Set::rxOutputPostEmphasisIs>(
+      "rx-post", "rxOutputPostEmphasis", "Rx post" ),
+   tuningCode<&Tuning::rxOutputAmplitude, &Set::rxOutputAmplitudeIs>(
+      "rx-amplitude", "rxOutputAmplitude", "Rx amplitude" ),
 } };
 
 std::string readControlSet( std::string const & path ) {

@@ -15,7 +15,6 @@ Report kindReport( Module const & module ) {
    module.form( report );
    addProduct( report, module.status() );
    module.medium( report );
-   module.options( report );
    module.ruleInputs( report );
    return report;
 }
@@ -24,7 +23,7 @@ Report kindReport( Module const & module ) {
 
 std::string explainText( Module const & module, Style const & style ) {
    Xcvr::MediaTypeDecision const decision = module.mediaTypeDecision();
-   std::span<Xcvr::MediaTypeRule const> const rules = module.mediaTypeRules();
+   std::span<Xcvr::MediaTypeRule const> const rules = module.family().mediaTypeRules;
    std::string const mediaType( stringValue( decision.mediaType ).view() );
    std::size_t whyWidth = 0;
    for ( Xcvr::MediaTypeRule const & rule : rules ) {

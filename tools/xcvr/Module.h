@@ -14,6 +14,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // A module as the commands see it. They ask the status entity of its slot for all that every family
@@ -51,11 +52,18 @@ struct PageLayout {
    std::string remark = {}; // to the page's heading
 };
 
+/// What is the same for every module of a family.
+struct FamilyTables {
+   std::span<Xcvr::MediaTypeRule const> mediaTypeRules;
+   std::span<Check const> checks; // of what can be wrong in this family only
+};
+
 class Module {
  public:
    virtual ~Module() = default;
 
    [[nodiscard]] ModuleImage const & image() const { return image_; }
+   [[nodiscard]] FamilyTables const & family() const { return family_; }
    /// The status of a slot that holds the module, fed as an agent would: every reading that the image
    /// has was taken after the module came.
    [[nodiscard]] virtual Xcvr::XcvrNewStatus const & status() const = 0;
@@ -64,11 +72,9 @@ class Module {
 
    virtual void form( Report & report ) const = 0;      // identifier, connector
    virtual void origin( Report & report ) const = 0;    // of the maker, beside vendorInfo
-   virtual void medium( Report & report ) const = 0;    // compliance, rate, reach, wavelength
-   virtual void options( Report & report ) const = 0;   // what the module's circuits can do
+   virtual void medium( Report & report ) const = 0;    // compliance, rate, reach, options
    virtual void features( Report & report ) const = 0;  // diagnostics, revision
    virtual void condition( Report & report ) const = 0; // status bits, alarms
-   [[nodiscard]] virtual std::vector<Checksum> checksums() const = 0;
 
    // Monitors
 
@@ -80,7 +86,6 @@ class Module {
    // `explain`
 
    [[nodiscard]] virtual Xcvr::MediaTypeDecision mediaTypeDecision() const = 0;
-   [[nodiscard]] virtual std::span<Xcvr::MediaTypeRule const> mediaTypeRules() const = 0;
    /// Numbers as the rules read them, whatever the facts make of the bytes.
    virtual void ruleInputs( Report & report ) const = 0;
 
@@ -93,6 +98,8 @@ class Module {
 
    // `check`
 
+   /// `show` has them too.
+   [[nodiscard]] virtual std::vector<Checksum> checksums() const = 0;
    /// The image holds what the media type is told from.
    [[nodiscard]] virtual bool isIdentified() const { return true; }
    /// SFF-8024.
@@ -101,17 +108,35 @@ class Module {
    [[nodiscard]] virtual bool domAdvertised() const = 0;
    /// What the image must hold for them: "page a2h up to byte 117".
    [[nodiscard]] virtual std::string domPlace() const = 0;
-   /// What can be wrong in this family only.
-   [[nodiscard]] virtual std::span<Check const> familyChecks() const = 0;
 
  protected:
-   explicit Module( ModuleImage image ) : image_( std::move( image ) ) {}
+   Module( ModuleImage image, FamilyTables const & family )
+      : image_( std::move( image ) ), family_( family ) {}
 
    /// The bytes of a page; none if the image lacks it.
    [[nodiscard]] std::string_view page( std::string_view label ) const;
 
  private:
    ModuleImage image_;
+   FamilyTables family_;
+};
+
+/// A module in a slot of its family's type. The constructors of the families do the rest of what an
+/// agent does with a slot whose module has this memory.
+template <typename Status>
+class ModuleOf : public Module {
+ public:
+   [[nodiscard]] Status const & status() const override { return *status_; }
+
+ protected:
+   static constexpr Vel::Seconds readTime = 1; // later than the module came, at 0
+
+   ModuleOf( ModuleImage image, FamilyTables const & family, Vel::Ptr<Status> status )
+      : Module( std::move( image ), family ), status_( std::move( status ) ) {
+      status_->presenceIs( Xcvr::xcvrPresent );
+   }
+
+   Vel::Ptr<Status> const status_;
 };
 
 /// The names of the families that are decoded, and the one of that name.

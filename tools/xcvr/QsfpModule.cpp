@@ -45,35 +45,28 @@ constexpr PageName pageNames[] = {
 };
 static_assert( std::size( pageNames ) == static_cast<std::size_t>( Xcvr::maxQsfpPages ) );
 
-class QsfpModule : public Module {
+class QsfpModule : public ModuleOf<QsfpNewStatus> {
  public:
-   explicit QsfpModule( ModuleImage image );
-
-   [[nodiscard]] Xcvr::XcvrNewStatus const & status() const override { return *status_; }
+   QsfpModule( ModuleImage image, FamilyTables const & family );
 
    void form( Report & report ) const override;
    void origin( Report & report ) const override;
    void medium( Report & report ) const override;
-   void options( Report & report ) const override;
    void features( Report & report ) const override;
    void condition( Report & report ) const override;
-   [[nodiscard]] std::vector<Checksum> checksums() const override;
 
    [[nodiscard]] Xcvr::MediaTypeDecision mediaTypeDecision() const override {
       return contents().mediaTypeDecision();
-   }
-   [[nodiscard]] std::span<Xcvr::MediaTypeRule const> mediaTypeRules() const override {
-      return Xcvr::sff8436MediaTypeRules();
    }
    void ruleInputs( Report & report ) const override;
 
    [[nodiscard]] PageLayout layoutOf( std::string_view page ) const override;
 
+   [[nodiscard]] std::vector<Checksum> checksums() const override;
    [[nodiscard]] bool isIdentified() const override { return !upper().empty(); }
    [[nodiscard]] std::uint8_t identifier() const override;
    [[nodiscard]] bool domAdvertised() const override { return contents().domSupported(); }
    [[nodiscard]] std::string domPlace() const override;
-   [[nodiscard]] std::span<Check const> familyChecks() const override;
 
    [[nodiscard]] Contents const & contents() const { return status_->sff8436IdEepromContents(); }
    [[nodiscard]] PageView lower() const { return contents().eepromPage00LowerData().view(); }
@@ -86,15 +79,10 @@ class QsfpModule : public Module {
    void flags( Report & report ) const;
    void controls( Report & report ) const;
    void tuning( Report & report ) const;
-
-   Vel::Ptr<QsfpNewStatus> status_;
 };
 
-/// Does what an agent does with a slot whose module has this memory.
-QsfpModule::QsfpModule( ModuleImage image )
-   : Module( std::move( image ) ), status_( Xcvr::qsfpNewStatusFactory( "image" ) ) {
-   constexpr Vel::Seconds readTime = 1; // later than the module came, at 0
-   status_->presenceIs( Xcvr::xcvrPresent );
+QsfpModule::QsfpModule( ModuleImage image, FamilyTables const & family )
+   : ModuleOf( std::move( image ), family, Xcvr::qsfpNewStatusFactory( "image" ) ) {
    for ( std::size_t id = 0; id < std::size( pageNames ); ++id ) {
       status_->idEepromContentsIs( static_cast<std::uint8_t>( id ),
                                    Vel::String( page( pageNames[id].label ) ) );
@@ -161,6 +149,7 @@ void QsfpModule::medium( Report & report ) const {
    lengths( report );
    addBits( report, row( "deviceTech" ), "Transmitter and receiver", upper() );
    wavelength( report );
+   addBits( report, row( "options" ), "Options", upper() );
 }
 
 /// Of one lane. A rate too high for the nominal byte is in another, in units of 250 MBd.
@@ -220,12 +209,6 @@ void QsfpModule::wavelength( Report & report ) const {
       if ( contents().fieldInUse( field ) ) {
          addNumber( report, field.name, label, upper().value( field ), field.unit, decimals );
       }
-   }
-}
-
-void QsfpModule::options( Report & report ) const {
-   if ( isIdentified() ) {
-      addBits( report, row( "options" ), "Options", upper() );
    }
 }
 
@@ -386,7 +369,7 @@ std::string QsfpModule::domPlace() const {
    return fmt::format( "the lower page up to byte {}", liveEnd - 1 );
 }
 
-// What can be wrong in a QSFP only. The checks are asked of QSFP modules, see familyChecks().
+// What can be wrong in a QSFP only. The checks are asked of QSFP modules.
 
 using Sentences = std::vector<std::string>;
 
@@ -410,14 +393,11 @@ constexpr Check qsfpChecks[] = {
    identifierCopyCheck,
 };
 
-std::span<Check const> QsfpModule::familyChecks() const {
-   return qsfpChecks;
-}
-
 } // namespace
 
 std::unique_ptr<Module> qsfpModule( ModuleImage image ) {
-   return std::make_unique<QsfpModule>( std::move( image ) );
+   return std::make_unique<QsfpModule>( std::move( image ),
+                                        FamilyTables{ Xcvr::sff8436MediaTypeRules(), qsfpChecks } );
 }
 
 } // namespace XcvrTool

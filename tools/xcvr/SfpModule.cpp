@@ -46,34 +46,29 @@ std::string drivenA2h( ModuleImage const & image ) {
    return bytes;
 }
 
-class SfpModule : public Module {
+class SfpModule : public ModuleOf<Xcvr::SfpNewStatus> {
  public:
-   explicit SfpModule( ModuleImage image );
-
-   [[nodiscard]] Xcvr::XcvrNewStatus const & status() const override { return *status_; }
+   SfpModule( ModuleImage image, FamilyTables const & family );
 
    void form( Report & report ) const override;
-   void origin( Report & report ) const override;
+   void origin( Report & report ) const override {
+      addReading( report, row( "vendorOui" ), "Vendor OUI", pageA0h() );
+   }
    void medium( Report & report ) const override;
-   void options( Report & report ) const override;
    void features( Report & report ) const override;
    void condition( Report & report ) const override;
-   [[nodiscard]] std::vector<Checksum> checksums() const override;
 
    [[nodiscard]] Xcvr::MediaTypeDecision mediaTypeDecision() const override {
       return contents().mediaTypeDecision();
-   }
-   [[nodiscard]] std::span<Xcvr::MediaTypeRule const> mediaTypeRules() const override {
-      return Xcvr::sff8472MediaTypeRules();
    }
    void ruleInputs( Report & report ) const override;
 
    [[nodiscard]] PageLayout layoutOf( std::string_view page ) const override;
 
+   [[nodiscard]] std::vector<Checksum> checksums() const override;
    [[nodiscard]] std::uint8_t identifier() const override { return contents().identifier(); }
    [[nodiscard]] bool domAdvertised() const override { return contents().domSupported(); }
    [[nodiscard]] std::string domPlace() const override;
-   [[nodiscard]] std::span<Check const> familyChecks() const override;
 
    [[nodiscard]] Contents const & contents() const { return status_->sff8472IdEepromContents(); }
 
@@ -90,16 +85,11 @@ class SfpModule : public Module {
    void bitrate( Report & report ) const;
    void lengths( Report & report ) const;
    void wavelength( Report & report ) const;
-
-   Vel::Ptr<Xcvr::SfpNewStatus> status_;
 };
 
-/// Does what an agent does with a slot whose module has this memory.
-SfpModule::SfpModule( ModuleImage image )
-   : Module( std::move( image ) ), status_( Xcvr::sfpNewStatusFactory( "image" ) ) {
-   constexpr Vel::Seconds readTime = 1; // later than the module came, at 0
+SfpModule::SfpModule( ModuleImage image, FamilyTables const & family )
+   : ModuleOf( std::move( image ), family, Xcvr::sfpNewStatusFactory( "image" ) ) {
    std::string const a2h = drivenA2h( this->image() );
-   status_->presenceIs( Xcvr::xcvrPresent );
    status_->actualIdEepromContentsIs(
       Contents( Vel::String( page( Xcvr::Sff8472Table::a0h ) ), Vel::String( a2h ), readTime ) );
    for ( std::size_t at = 0; at < a2h.size(); ++at ) {
@@ -123,10 +113,6 @@ void SfpModule::form( Report & report ) const {
    addCode( report, row( "connector" ), "Connector", contents().connector() );
 }
 
-void SfpModule::origin( Report & report ) const {
-   addReading( report, row( "vendorOui" ), "Vendor OUI", pageA0h() );
-}
-
 void SfpModule::medium( Report & report ) const {
    addBits( report, row( "compliance" ), "Compliance codes", pageA0h() );
    addCode( report, row( "complianceExtended" ), "Extended compliance",
@@ -135,6 +121,7 @@ void SfpModule::medium( Report & report ) const {
    bitrate( report );
    lengths( report );
    wavelength( report );
+   addBits( report, row( "options" ), "Options", pageA0h() );
 }
 
 /// SFF-8472 gives the limits in percent of the nominal rate. A rate too high for the nominal byte is
@@ -208,10 +195,6 @@ void SfpModule::wavelength( Report & report ) const {
                        .unit = "nm",
                        .label = hundredths > 0 ? "Wavelength" : "",
                        .text = fmt::format( "{:.{}f} nm", hundredths / 100, fraction ? 2 : 0 ) } );
-}
-
-void SfpModule::options( Report & report ) const {
-   addBits( report, row( "options" ), "Options", pageA0h() );
 }
 
 void SfpModule::features( Report & report ) const {
@@ -315,7 +298,7 @@ std::string SfpModule::domPlace() const {
    return fmt::format( "page a2h up to byte {}", liveEnd - 1 );
 }
 
-// What can be wrong in an SFP only. The checks are asked of SFP modules, see familyChecks().
+// What can be wrong in an SFP only. The checks are asked of SFP modules.
 
 using Sentences = std::vector<std::string>;
 
@@ -365,14 +348,11 @@ constexpr Check sfpChecks[] = {
      "One of the two is wrong: see with xcvr explain which bytes gave the media type." },
 };
 
-std::span<Check const> SfpModule::familyChecks() const {
-   return sfpChecks;
-}
-
 } // namespace
 
 std::unique_ptr<Module> sfpModule( ModuleImage image ) {
-   return std::make_unique<SfpModule>( std::move( image ) );
+   return std::make_unique<SfpModule>( std::move( image ),
+                                       FamilyTables{ Xcvr::sff8472MediaTypeRules(), sfpChecks } );
 }
 
 } // namespace XcvrTool

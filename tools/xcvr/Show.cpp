@@ -17,7 +17,6 @@ Report reportOf( Module const & module ) {
    addItem( report, status );
    module.origin( report );
    module.medium( report );
-   module.options( report );
    module.features( report );
    addCapabilities( report, status );
    module.condition( report );
