@@ -19,8 +19,6 @@ struct AttrTravel {
 
    /// Appends a whole record, of a collection with all its entries; null for a single child.
    void ( *write )( Entity const & entity, uint16_t id, NboAttrLog & log );
-   /// Takes the body of a record and applies it; throws, with nothing applied, when it is corrupt.
-   void ( *apply )( Entity & entity, Internal::LogCursor body, FlowIn & flow );
    /// Of a collection: whether an entry is there to travel; appends its key and value, if it is.
    bool ( *has )( Entity const & entity, String const & key );
    void ( *writeEntry )( Entity const & entity, String const & key, NboAttrLog & log );
@@ -413,6 +411,15 @@ struct Travel {
       }
    }
 
+   static constexpr AttrApply apply = [] {
+      if constexpr ( kind == AttrKind::child ) {
+         return applyChild;
+      } else if constexpr ( single ) {
+         return applySingle;
+      } else {
+         return applyEntries;
+      }
+   }();
    static AttrTravel const & row();
 
    static constexpr AttrTravel operations() {
@@ -421,13 +428,6 @@ struct Travel {
       ops.keyed = !single || kind == AttrKind::child;
       if constexpr ( kind != AttrKind::child ) {
          ops.write = writeWhole;
-      }
-      if constexpr ( kind == AttrKind::child ) {
-         ops.apply = applyChild;
-      } else if constexpr ( single ) {
-         ops.apply = applySingle;
-      } else {
-         ops.apply = applyEntries;
       }
       if constexpr ( !single || kind == AttrKind::child ) {
          ops.has = has;

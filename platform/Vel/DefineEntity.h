@@ -72,7 +72,9 @@ struct AttrTableBuilder {
          return String( attrText( Getter{}( static_cast<T const &>( e ) ) ) );
       };
       if constexpr ( kind != AttrKind::derived ) {
-         row.travel = &attrTravel<Travel<T, kind, Key, Type, Getter, Setter, Deleter>>;
+         using Row = Travel<T, kind, Key, Type, Getter, Setter, Deleter>;
+         row.travel = &attrTravel<Row>;
+         applies[count - 1] = Row::apply;
       }
       if constexpr ( owns ) {
          row.child = []( Entity const & e, Name const & childName ) -> Ptr<Entity const> {
@@ -81,6 +83,7 @@ struct AttrTableBuilder {
       }
    }
    std::array<AttrInfo, N> table{};
+   std::array<AttrApply, N> applies{};
    std::size_t count = 0;
 };
 
@@ -88,7 +91,7 @@ template <typename T>
 inline constexpr auto attributeTable = [] {
    AttrTableBuilder<T, T::velOwnAttributes()> builder;
    T::velAttributes( builder );
-   return builder.table;
+   return builder;
 }();
 
 /// A type's factory as the registry keeps it; null for a type without one.
@@ -113,13 +116,14 @@ inline constexpr Ptr<Entity> ( *entityFactory<factory> )( Name ) =
    Vel::EntityModel const & T::velTypeModel() {                                                    \
       static Vel::EntityModel const model{ Vel::typeName<T>(),                                     \
                                            &VelBase::velTypeModel(),                               \
-                                           Vel::Internal::attributeTable<T>.data(),                \
-                                           Vel::Internal::attributeTable<T>.size(),                \
+                                           Vel::Internal::attributeTable<T>.table.data(),          \
+                                           Vel::Internal::attributeTable<T>.count,                 \
                                            Vel::Internal::entityFactory<__VA_ARGS__>,              \
                                            T::velLevel,                                            \
                                            VelBase::velAttrEnd,                                    \
                                            Vel::Internal::newAdaptor<T>,                           \
-                                           Vel::Internal::writeImage<T> };                         \
+                                           Vel::Internal::writeImage<T>,                           \
+                                           Vel::Internal::attributeTable<T>.applies.data() };      \
       return model;                                                                                \
    }                                                                                               \
    static Vel::TypeRegistration const VEL_UNIQUE_( velRegistered )( T::velTypeModel() );

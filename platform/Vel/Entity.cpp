@@ -188,9 +188,11 @@ EntityModel const & Entity::velTypeModel() {
       reflected<&itself>( "entity", "Vel::Entity" ), // that of the empty path
    };
    static_assert( std::size( attributes ) == velAttrEnd );
+   static constexpr AttrApply notCopied[velAttrEnd] = {};
    static constexpr EntityModel model{
-      "Vel::Entity", nullptr, attributes, std::size( attributes ),
-      nullptr,       0,       0,          Internal::newAdaptor<Entity> };
+      "Vel::Entity", nullptr,  attributes, std::size( attributes ),
+      nullptr,       0,        0,          Internal::newAdaptor<Entity>,
+      nullptr,       notCopied };
    return model;
 }
 

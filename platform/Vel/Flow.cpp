@@ -671,12 +671,20 @@ FlowIn::~FlowIn() = default;
 
 namespace {
 
-/// The rows of a type and its bases. Ids of one level come together.
-class Rows {
+/// The attributes of a type and its bases, by their ids in the log. Ids of one level come together.
+class Attributes {
  public:
-   explicit Rows( EntityModel const & type ) : type_( &type ), last_( &type ) {}
-   /// That of an attribute, which another version of the type may lack.
-   [[nodiscard]] AttrInfo const * row( uint16_t id ) {
+   explicit Attributes( EntityModel const & type ) : type_( &type ), last_( &type ) {}
+   /// Null for one that is not copied, or that another version of the type has.
+   [[nodiscard]] AttrApply apply( uint16_t id ) {
+      return has( id ) ? last_->applies[id & 0xff] : nullptr;
+   }
+   [[nodiscard]] AttrTravel const * travel( uint16_t id ) {
+      return has( id ) ? last_->attributes[id & 0xff].travel : nullptr;
+   }
+
+ private:
+   bool has( uint16_t id ) {
       uint16_t const level = id >> 8;
       if ( last_->level != level ) {
          last_ = type_;
@@ -684,11 +692,8 @@ class Rows {
             last_ = last_->base;
          }
       }
-      std::size_t const index = id & 0xff;
-      return last_->level == level && index < last_->count ? &last_->attributes[index] : nullptr;
+      return last_->level == level && ( id & 0xffu ) < last_->count;
    }
-
- private:
    EntityModel const * type_;
    EntityModel const * last_;
 };
@@ -700,8 +705,8 @@ Entity * entityAt( Entity & replica, Internal::LogCursor body ) {
       if ( steps == deepest ) {
          return nullptr; // what is deeper has no copy here
       }
-      AttrInfo const * row = Rows( at->velModel() ).row( body.next<uint16_t>() );
-      at = row && row->travel && row->travel->childAt ? row->travel->childAt( *at, body ) : nullptr;
+      AttrTravel const * const row = Attributes( at->velModel() ).travel( body.next<uint16_t>() );
+      at = row && row->childAt ? row->childAt( *at, body ) : nullptr;
    }
    return at;
 }
@@ -734,7 +739,7 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
    Ptr<Entity> child; // held while records are applied to it
    Entity * subject = &replica;
    made_.clear();
-   Rows rows( replica.velModel() );
+   Attributes attributes( replica.velModel() );
    while ( in.spare != 0 ) {
       auto const id = in.next<uint16_t>();
       std::size_t const size = in.next<uint32_t>();
@@ -743,11 +748,10 @@ void FlowIn::apply( Entity & replica, NboAttrLog & log ) {
       if ( id == pathRecord ) {
          subject = entityAt( replica, { in.begin, body, size } );
          child = subject == &replica ? nullptr : Ptr<Entity>( subject );
-         rows = Rows( subject ? subject->velModel() : replica.velModel() );
+         attributes = Attributes( subject ? subject->velModel() : replica.velModel() );
       } else if ( subject ) {
-         AttrInfo const * row = rows.row( id );
-         if ( row && row->travel ) {
-            row->travel->apply( *subject, { in.begin, body, size }, *this );
+         if ( AttrApply const applyRecord = attributes.apply( id ) ) {
+            applyRecord( *subject, { in.begin, body, size }, *this );
          }
       }
       log.positionIs( static_cast<std::size_t>( in.at - in.begin ) );

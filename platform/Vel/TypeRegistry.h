@@ -10,10 +10,14 @@
 namespace Vel {
 
 class Entity;
+class FlowIn;
 class FlowOut;
 class NboAttrLog;
 class NboAttrLogSa;
 struct AttrTravel;
+namespace Internal {
+struct LogCursor;
+}
 
 /// A field of a value type.
 struct FieldModel {
@@ -62,6 +66,10 @@ struct AttrInfo {
    AttrTravel const * travel = nullptr;
 };
 
+/// Takes the body of an attribute's record and applies it; throws, with nothing applied, when it is
+/// corrupt.
+using AttrApply = void ( * )( Entity & entity, Internal::LogCursor body, FlowIn & flow );
+
 /// What the framework knows of an entity type.
 struct EntityModel {
    std::string_view typeName;
@@ -75,6 +83,8 @@ struct EntityModel {
    Ptr<NboAttrLogSa> ( *adaptor )( Entity const & entity, FlowOut & flow ) = nullptr;
    /// Writes what an image says of the type's own attributes, but for children.
    void ( *writeImage )( Entity const & entity, NboAttrLog & log ) = nullptr;
+   /// One for each attribute, null for those that are not copied; dense, as an image needs most of them.
+   AttrApply const * applies = nullptr;
 
    [[nodiscard]] AttrInfo const * begin() const { return attributes; }
    [[nodiscard]] AttrInfo const * end() const { return attributes + count; }
