@@ -75,6 +75,9 @@ struct AttrTableBuilder {
          using Row = Travel<T, kind, Key, Type, Getter, Setter, Deleter>;
          row.travel = &attrTravel<Row>;
          applies[count - 1] = Row::apply;
+         if constexpr ( owns || Row::pointing ) {
+            links[linkCount++] = static_cast<uint8_t>( count - 1 );
+         }
       }
       if constexpr ( owns ) {
          row.child = []( Entity const & e, Name const & childName ) -> Ptr<Entity const> {
@@ -84,7 +87,9 @@ struct AttrTableBuilder {
    }
    std::array<AttrInfo, N> table{};
    std::array<AttrApply, N> applies{};
+   std::array<uint8_t, N> links{};
    std::size_t count = 0;
+   std::size_t linkCount = 0;
 };
 
 template <typename T>
@@ -123,7 +128,9 @@ inline constexpr Ptr<Entity> ( *entityFactory<factory> )( Name ) =
                                            VelBase::velAttrEnd,                                    \
                                            Vel::Internal::newAdaptor<T>,                           \
                                            Vel::Internal::writeImage<T>,                           \
-                                           Vel::Internal::attributeTable<T>.applies.data() };      \
+                                           Vel::Internal::attributeTable<T>.applies.data(),        \
+                                           Vel::Internal::attributeTable<T>.links.data(),          \
+                                           Vel::Internal::attributeTable<T>.linkCount };           \
       return model;                                                                                \
    }                                                                                               \
    static Vel::TypeRegistration const VEL_UNIQUE_( velRegistered )( T::velTypeModel() );

@@ -90,27 +90,21 @@ NboAttrLogSa::~NboAttrLogSa() {
    }
 }
 
-/// Visits what travels, that of base types first, with its number.
+/// Visits the attributes that own or point to entities, those of base types first, with their numbers.
 template <typename Visit>
-void NboAttrLogSa::eachRow( EntityModel const & model, Visit const & visit ) {
-   if ( !model.base ) {
-      return;
+void NboAttrLogSa::eachLink( EntityModel const & model, Visit const & visit ) {
+   if ( model.base ) {
+      eachLink( *model.base, visit );
    }
-   eachRow( *model.base, visit );
-   for ( uint16_t index = 0; index < model.count; ++index ) {
-      Row const at = rowOf( model, index );
-      if ( at.info->travel ) {
-         visit( static_cast<uint16_t>( model.first + index ), at );
-      }
+   for ( std::size_t i = 0; i < model.linkCount; ++i ) {
+      uint8_t const index = model.links[i];
+      visit( static_cast<uint16_t>( model.first + index ), rowOf( model, index ) );
    }
 }
 
 /// Its image is due, and then those of its children: a child comes after its parent.
 void NboAttrLogSa::start() {
-   eachRow( model_, [&]( uint16_t, Row const & at ) {
-      owning_ = owning_ || at.travel().owned;
-      pointing_ = pointing_ || at.travel().target;
-   } );
+   eachLink( model_, [&]( uint16_t, Row const & at ) { owning_ = owning_ || at.travel().owned; } );
    imageDue();
    if ( !flow_.nameless_.empty() ) {
       flow_.nameIs( *entity() );
@@ -118,7 +112,7 @@ void NboAttrLogSa::start() {
    if ( !owning_ ) {
       return;
    }
-   eachRow( model_, [&]( uint16_t, Row const & at ) {
+   eachLink( model_, [&]( uint16_t, Row const & at ) {
       if ( at.travel().owned ) {
          for ( String const & key : at.travel().keys( *entity() ) ) {
             childIs( at, key );
@@ -383,7 +377,7 @@ void NboAttrLogSa::writeStructure( NboAttrLog & log ) {
    if ( !from ) {
       return;
    }
-   eachRow( model_, [&]( uint16_t attribute, Row const & at ) {
+   eachLink( model_, [&]( uint16_t attribute, Row const & at ) {
       if ( at.travel().owned ) {
          all ? writeChildren( *from, at, log ) : writeKeys( *from, at, takeKeys( attribute ), log );
       }
@@ -399,15 +393,13 @@ void NboAttrLogSa::writeValues( NboAttrLog & log ) {
    }
    if ( all ) {
       writeImage( model_, *from, log );
-      if ( pointing_ ) {
-         eachRow( model_, [&]( uint16_t attribute, Row const & at ) {
-            if ( at.travel().target ) {
-               for ( String const & key : at.travel().keys( *from ) ) {
-                  keepNameless( *from, at, attribute, key );
-               }
+      eachLink( model_, [&]( uint16_t attribute, Row const & at ) {
+         if ( at.travel().target ) {
+            for ( String const & key : at.travel().keys( *from ) ) {
+               keepNameless( *from, at, attribute, key );
             }
-         } );
-      }
+         }
+      } );
       return;
    }
    for ( uint8_t attribute = order_[0].next; attribute != 0; ) {

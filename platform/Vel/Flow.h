@@ -176,7 +176,7 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    void queueStructure();
    void imagesInsteadOfKeys();
    template <typename Visit>
-   static void eachRow( EntityModel const & model, Visit const & visit );
+   static void eachLink( EntityModel const & model, Visit const & visit );
    [[nodiscard]] Row row( uint16_t attribute ) const;
    [[nodiscard]] static Row rowOf( EntityModel const & model, uint16_t index );
    [[nodiscard]] Root & root() const;
@@ -204,8 +204,7 @@ class VEL_API NboAttrLogSa : public PtrInterface {
    String step_; // that leads from the parent's entity to this one, as in the log
    Internal::SaQueue::Link structureLink_;
    Internal::SaQueue::Link valuesLink_;
-   bool owning_ = false;   // the type can have children
-   bool pointing_ = false; // or pointers
+   bool owning_ = false; // the type can have children
    bool structureDue_ = false;
    bool imageDue_ = false;
    bool imageCounted_ = false;  // among those that `complete` waits for

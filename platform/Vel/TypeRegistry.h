@@ -85,6 +85,9 @@ struct EntityModel {
    void ( *writeImage )( Entity const & entity, NboAttrLog & log ) = nullptr;
    /// One for each attribute, null for those that are not copied; dense, as an image needs most of them.
    AttrApply const * applies = nullptr;
+   /// The indices of those that own or point to entities.
+   uint8_t const * links = nullptr;
+   std::size_t linkCount = 0;
 
    [[nodiscard]] AttrInfo const * begin() const { return attributes; }
    [[nodiscard]] AttrInfo const * end() const { return attributes + count; }
