@@ -51,6 +51,7 @@ class PagedContents {
    struct TextsInPlace {
       PageView page;
       MemoryField const * fields[5];
+      static_assert( sizeof( VendorInfo ) == 5 * sizeof( Vel::String ) );
       std::size_t next = 0;
 
       template <typename>

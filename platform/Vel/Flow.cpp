@@ -811,6 +811,9 @@ void FlowIn::forgetAll( Entity const & entity, AttrTravel const & row ) {
    }
 }
 
+/// They are for people to read, so that no peer needs more of one collection.
+constexpr std::size_t mostUnmade = 1024;
+
 void FlowIn::unmadeIs( Entity & entity, AttrTravel const & row, Name const & key,
                        Name const & typeName ) {
    if ( !names_ ) {
@@ -825,7 +828,9 @@ void FlowIn::unmadeIs( Entity & entity, AttrTravel const & row, Name const & key
       unmade.types.clear();
       unmade.holder.targetIs( &entity );
    }
-   unmade.types[key] = typeName;
+   if ( unmade.types.size() < mostUnmade || unmade.types.contains( key ) ) {
+      unmade.types[key] = typeName;
+   }
 }
 
 std::map<Name, Name> FlowIn::unmade( Entity const & replica ) const {
@@ -834,15 +839,19 @@ std::map<Name, Name> FlowIn::unmade( Entity const & replica ) const {
       return all;
    }
    for ( auto const & entry : names_->unmade ) {
-      Name path;
-      Entity const * at = entry.second.holder.get();
-      for ( ; at && at != &replica; at = at->parent() ) {
-         path = at->name() + "/" + path;
+      Entity const * const holder = entry.second.holder.get();
+      Entity const * at = holder;
+      while ( at && at != &replica ) {
+         at = at->parent();
       }
+      if ( !at ) {
+         continue; // not in the replica any more
+      }
+      Name const below = holder == &replica
+                            ? Name()
+                            : holder->fullName().substr( replica.fullName().size() + 1 ) + "/";
       for ( auto const & [key, typeName] : entry.second.types ) {
-         if ( at ) { // is still in the replica
-            all[path + key] = typeName;
-         }
+         all[below + key] = typeName;
       }
    }
    return all;

@@ -229,7 +229,8 @@ class VEL_API FlowIn {
 
    /// Where names count from: the root of a tree in which the replica has, or is to have, that path. What
    /// they lead to below it is looked for in the replica, wherever it is. Without this, names count from
-   /// the top of the tree that the replica is in. Forgets all names; `clear` does just that.
+   /// the top of the tree that the replica is in. Forgets all names, and what could not be made; `clear` does
+   /// just that.
    void placeIs( Entity & root, Entity & replica, Name path );
    void clear();
 
@@ -243,7 +244,7 @@ class VEL_API FlowIn {
    /// How many names lead to nothing that fits.
    [[nodiscard]] std::size_t unresolved() const;
    /// What the sender has in directories and the replica lacks, since no entity of the type can be made
-   /// here, or fits there: the names of types, by path from the replica.
+   /// here, or fits there: the names of types, by path from the replica; of each directory the first 1,024.
    [[nodiscard]] std::map<Name, Name> unmade( Entity const & replica ) const;
 
    // For the attributes' rows.
