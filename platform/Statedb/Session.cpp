@@ -305,22 +305,25 @@ void Session::ownMountIs( Vel::Ptr<Mount> const & mount ) {
    mountsDue_.insert( number );
 }
 
+Session::MountedByNumber::const_iterator Session::ownMount( Vel::Ptr<Mount> const & mount ) const {
+   return std::ranges::find_if( mounted_,
+                                [&]( auto const & entry ) { return entry.second->has( mount ); } );
+}
+
 void Session::ownMountDel( Vel::Ptr<Mount> const & mount ) {
-   auto const found = std::ranges::find_if(
-      mounted_, [&]( auto const & entry ) { return entry.second->has( mount ); } );
+   auto const found = ownMount( mount );
    if ( found != mounted_.end() && !found->second->mountDel( mount ) ) {
       if ( mountsDue_.erase( found->first ) == 0 ) { // the peer has heard of it
          unmountsDue_.insert( found->first );
       }
-      auto const ended = std::move( found->second );
+      auto const ended = found->second;
       mounted_.erase( found );
       ended->close();
    }
 }
 
 std::map<Vel::Name, Vel::Name> Session::unmade( Vel::Ptr<Mount> const & mount ) const {
-   auto const found = std::ranges::find_if(
-      mounted_, [&]( auto const & entry ) { return entry.second->has( mount ); } );
+   auto const found = ownMount( mount );
    return found != mounted_.end() ? found->second->unmade() : std::map<Vel::Name, Vel::Name>();
 }
 

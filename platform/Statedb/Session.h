@@ -75,12 +75,15 @@ class VEL_API Session {
    void takeMount( Vel::NboAttrLog & body );
    void takeState( Vel::NboAttrLog & body );
    void takeLog( Message kind, uint32_t number, std::string_view log );
+   using MountedByNumber = std::map<uint32_t, std::shared_ptr<Mounted>>;
+
    void makeFrame();
    void writeDue();
    void resolve( Vel::Name const & path );
    [[nodiscard]] std::size_t longestMessage( std::string_view kind ) const;
    [[nodiscard]] std::shared_ptr<Mounted> mountedOf( uint32_t number ) const;
    [[nodiscard]] std::shared_ptr<Serving> servingOf( uint32_t number ) const;
+   [[nodiscard]] MountedByNumber::const_iterator ownMount( Vel::Ptr<Mount> const & mount ) const;
    void ownMountIs( Vel::Ptr<Mount> const & mount );
    void ownMountDel( Vel::Ptr<Mount> const & mount );
 
@@ -96,7 +99,7 @@ class VEL_API Session {
    uint32_t lastNumber_ = 0;                              // of the own mounts
    uint32_t lastPeerNumber_ = 0;                          // of the peer's
    std::map<uint32_t, std::shared_ptr<Serving>> serving_; // the peer's mounts
-   std::map<uint32_t, std::shared_ptr<Mounted>> mounted_; // the own
+   MountedByNumber mounted_;                              // the own
    // What is to be said of them, which is written when it is asked for.
    std::set<uint32_t> statesDue_;
    std::set<uint32_t> mountsDue_;
